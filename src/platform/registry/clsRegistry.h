@@ -1,0 +1,148 @@
+// The registry of a machine, by the operations of the Windows registry interface.
+//
+// A clsRegistry is a set of root keys over a provider (a Wine prefix's text hives, an offline volume's
+// regf hives, or memory). Operations return the platform's status numbers; only the opening of a
+// registry raises errors. Key and value names are UTF-8 text and compare without regard to case; data
+// is bytes as Windows holds them, so strings are UTF-16 little endian with their terminating zero.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/clsLeftOut.h"
+
+namespace sandrel {
+
+/// Root keys, by the platform's numbers.
+namespace hkey {
+inline constexpr std::uint32_t ClassesRoot = 0x80000000u;
+inline constexpr std::uint32_t CurrentUser = 0x80000001u;
+inline constexpr std::uint32_t LocalMachine = 0x80000002u;
+inline constexpr std::uint32_t Users = 0x80000003u;
+inline constexpr std::uint32_t CurrentConfig = 0x80000005u;
+}  // namespace hkey
+
+/// Value types, by the platform's numbers; any other number is a type too.
+namespace regtype {
+inline constexpr std::uint32_t None = 0;
+inline constexpr std::uint32_t Sz = 1;
+inline constexpr std::uint32_t ExpandSz = 2;
+inline constexpr std::uint32_t Binary = 3;
+inline constexpr std::uint32_t Dword = 4;
+inline constexpr std::uint32_t DwordBigEndian = 5;
+inline constexpr std::uint32_t Link = 6;
+inline constexpr std::uint32_t MultiSz = 7;
+}  // namespace regtype
+
+/// Results of the operations.
+namespace regstatus {
+inline constexpr std::int32_t Success = 0;
+inline constexpr std::int32_t FileNotFound = 2;
+inline constexpr std::int32_t AccessDenied = 5;
+inline constexpr std::int32_t InvalidHandle = 6;
+inline constexpr std::int32_t WriteFault = 29;
+inline constexpr std::int32_t InvalidParameter = 87;
+inline constexpr std::int32_t MoreData = 234;
+inline constexpr std::int32_t NoMoreItems = 259;
+}  // namespace regstatus
+
+/// An open key of a provider. Implemented by each provider; callers go through clsRegistry.
+class clsRegKey {
+ public:
+  virtual ~clsRegKey() = default;
+
+  /// Names of the subkeys and of the values, in the provider's order, read once for each open key.
+  virtual const std::vector<std::string>& SubkeyNames() = 0;
+  virtual const std::vector<std::string>& ValueNames() = 0;
+  /// The subkey by its index in `SubkeyNames`; empty when the provider can't read it.
+  virtual std::shared_ptr<clsRegKey> Subkey(std::size_t index) = 0;
+  /// Type and data of the value by its index in `ValueNames`; false when it can't be read.
+  virtual bool Value(std::size_t index, std::uint32_t& type, std::string& data) = 0;
+};
+
+class clsRegistry {
+ public:
+  using Handle = std::shared_ptr<clsRegKey>;
+
+  virtual ~clsRegistry() = default;
+  clsRegistry(const clsRegistry&) = delete;
+  clsRegistry& operator=(const clsRegistry&) = delete;
+
+  /// Opens the key `path` (parts joined by "\") below a root key; the empty path is the root itself.
+  /// FileNotFound when it doesn't exist. Opening keys in the order of a depth-first walk costs no more
+  /// than one step from the key opened before, however many subkeys the parents have.
+  std::int32_t RegOpenKeyEx(std::uint32_t root, std::string_view path, Handle& key);
+
+  /// The name of the subkey or value with this index; NoMoreItems behind the last one, MoreData for a
+  /// subkey whose name has 300 UTF-16 units or more.
+  std::int32_t RegEnumKey(const Handle& key, std::size_t index, std::string& name);
+  std::int32_t RegEnumValue(const Handle& key, std::size_t index, std::string& name);
+
+  /// Type and data of a value; the default value has the empty name. String data (types 1, 2, 7) that
+  /// lacks its terminating zero gets one, except data of size 0. Asking for the value that was
+  /// enumerated last costs no search.
+  std::int32_t RegQueryValueEx(const Handle& key, std::string_view name, std::uint32_t& type,
+                               std::string& data);
+
+  /// Writing. AccessDenied for a registry that is only read. A registry on disk is written by
+  /// `Flush`, which replaces its files whole.
+  virtual std::int32_t RegCreateKeyEx(std::uint32_t root, std::string_view path);
+  virtual std::int32_t RegSetValueEx(std::uint32_t root, std::string_view path,
+                                     std::string_view name, std::uint32_t type,
+                                     std::string_view data);
+  virtual std::int32_t RegDeleteValue(std::uint32_t root, std::string_view path,
+                                      std::string_view name);
+  virtual std::int32_t RegDeleteKey(std::uint32_t root, std::string_view path);
+  virtual std::int32_t Flush() { return regstatus::Success; }
+
+  /// Root keys that this registry has.
+  virtual std::vector<std::uint32_t> Roots() const = 0;
+
+  /// What was found in the hives that the user should know, one sentence each: a hive whose log was
+  /// not applied, for instance.
+  const std::vector<std::string>& Remarks() const { return m_remarks; }
+
+  /// Keys and values that the provider could not read so far; cleared by the reader.
+  clsLeftOut& LeftOutCounts() { return m_leftOut; }
+
+ protected:
+  clsRegistry() = default;
+
+  /// The root key itself; empty when the registry has no such root.
+  virtual Handle OpenRoot(std::uint32_t root) = 0;
+
+  /// To be called by a provider that changed: forgets what was remembered of open keys.
+  void ForgetOpenKeys();
+
+  std::vector<std::string> m_remarks;
+  clsLeftOut m_leftOut;
+
+ private:
+  struct Step;  // one level of the path opened last
+  std::uint32_t m_lastRoot = 0;
+  std::vector<std::shared_ptr<Step>> m_chain;
+  std::weak_ptr<clsRegKey> m_enumeratedKey;
+  std::size_t m_enumeratedIndex = 0;
+};
+
+/// The registry of a Wine prefix: `folder` holds system.reg, user.reg and userdef.reg. All files are
+/// read here; raises errnum::Hive when one is missing or can't be read whole.
+std::unique_ptr<clsRegistry> OpenPrefixRegistry(const std::string& folder);
+
+/// The registry of an offline Windows volume mounted at `folder` (which holds Windows/System32/config
+/// in any case). `user` names the profile that is HKEY_CURRENT_USER; when empty it is the profile that
+/// was last logged on, else the first one with a hive. All hives are opened here; raises errnum::Hive
+/// when one that stands there can't be read.
+std::unique_ptr<clsRegistry> OpenVolumeRegistry(const std::string& folder, std::string_view user);
+
+/// An empty registry in memory with all five roots, for tests. It can be written.
+std::unique_ptr<clsRegistry> MakeMemoryRegistry();
+
+/// True when a Wine server runs on the prefix, so that its registry files may lag behind.
+bool PrefixServerRuns(const std::string& folder);
+
+}  // namespace sandrel
