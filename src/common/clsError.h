@@ -1,7 +1,7 @@
 // The one error type of the program.
 //
-// A class operation that fails raises a clsError; a class on the way up may raise it again under its
-// own source text ("clsTableMaint.CreateDatabase"), keeping number and description. No other
+// A class operation that fails raises a clsError; a class on the way up may raise it again under
+// its own source text ("clsTableMaint.CreateDatabase"), keeping number and description. No other
 // exception type leaves a class.
 #pragma once
 

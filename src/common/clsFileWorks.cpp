@@ -72,7 +72,8 @@ std::string clsFileWorks::ReadWhole(const std::string& path, std::uint64_t limit
   struct stat status {};
   if (file.Get() < 0 || fstat(file.Get(), &status) != 0) throw ReadError(path);
   if (!S_ISREG(status.st_mode)) {
-    throw clsError(errnum::PathFileAccess, fmt::format("Can't read {}: it is no regular file", path));
+    throw clsError(errnum::PathFileAccess,
+                   fmt::format("Can't read {}: it is no regular file", path));
   }
   if (static_cast<std::uint64_t>(status.st_size) > limit) {
     throw clsError(errnum::PathFileAccess,

@@ -13,11 +13,14 @@ class clsFileWorks {
   static bool FileExists(const std::string& path);
   static bool FolderExists(const std::string& path);
 
-  /// The bytes of a file. Raises 75 when it can't be read, is a folder, or is larger than `limit` bytes.
-  static std::string ReadWhole(const std::string& path, std::uint64_t limit = std::uint64_t{1} << 31);
+  /// The bytes of a file. Raises 75 when it can't be read, is a folder, or is larger than `limit`
+  /// bytes.
+  static std::string ReadWhole(const std::string& path,
+                               std::uint64_t limit = std::uint64_t{1} << 31);
 
-  /// Puts `content` in the place of the file at `path`, which keeps its old content until the new one is
-  /// on disk; a link is followed, the file's permissions stay. Raises the number of the failure.
+  /// Puts `content` in the place of the file at `path`, which keeps its old content until the new
+  /// one is on disk; a link is followed, the file's permissions stay. Raises the number of the
+  /// failure.
   static void ReplaceWhole(const std::string& path, std::string_view content);
 
   /// Deletes a file; one that isn't there is no error.

@@ -1,12 +1,12 @@
 // Reads INI files.
 //
-// The rules: a line is text up to CR, LF or CR LF; it loses blanks and tabs at both ends. Empty lines
-// and lines that begin with ";" are dropped. A line that begins with "[" and holds "]" is a section
-// header, its name what stands between them. Entries before the first header belong to no section. A
-// section that appears again, in any case, adds its entries to the first one.
+// The rules: a line is text up to CR, LF or CR LF; it loses blanks and tabs at both ends. Empty
+// lines and lines that begin with ";" are dropped. A line that begins with "[" and holds "]" is a
+// section header, its name what stands between them. Entries before the first header belong to no
+// section. A section that appears again, in any case, adds its entries to the first one.
 //
-// A file with a byte order mark is read by it (UTF-8, UTF-16); otherwise as UTF-8 when it is valid, else
-// as code page 1252.
+// A file with a byte order mark is read by it (UTF-8, UTF-16); otherwise as UTF-8 when it is valid,
+// else as code page 1252.
 #pragma once
 
 #include <string>

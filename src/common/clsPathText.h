@@ -18,8 +18,8 @@ class clsPathText {
   static std::string AddSeparator(std::string_view path, std::string_view separator = "\\");
   /// The text without one trailing separator.
   static std::string RemoveSeparator(std::string_view path, std::string_view separator = "\\");
-  /// A folder text as the scanners take it: slashes are backslashes, blanks at the ends and repeated
-  /// backslashes are gone, a bare drive letter with its colon stays as it is.
+  /// A folder text as the scanners take it: slashes are backslashes, blanks at the ends and
+  /// repeated backslashes are gone, a bare drive letter with its colon stays as it is.
   static std::string NormaliseFolder(std::string_view folder);
   /// The computer's name with two leading backslashes, from a name with or without them.
   static std::string MachineNameForConnect(std::string_view name);

@@ -10,16 +10,20 @@ namespace {
 constexpr char32_t StrayByte = 0x110000;
 constexpr char32_t StoredNul = 0x2400;
 
-bool IsContinuation(unsigned char byte) { return (byte & 0xC0u) == 0x80u; }
+bool IsContinuation(unsigned char byte) {
+  return (byte & 0xC0u) == 0x80u;
+}
 
-// Case tables of the C library's own UTF-8 locale, which every Debian system has built in. They do not
-// depend on the user's locale.
+// Case tables of the C library's own UTF-8 locale, which every Debian system has built in. They do
+// not depend on the user's locale.
 locale_t CaseLocale() {
   static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
   return locale;
 }
 
-constexpr char32_t AsciiLower(char32_t c) { return c >= U'A' && c <= U'Z' ? c + 32 : c; }
+constexpr char32_t AsciiLower(char32_t c) {
+  return c >= U'A' && c <= U'Z' ? c + 32 : c;
+}
 
 // The code page's characters for bytes 80 to 9F; the rest of the page is Latin-1.
 constexpr char16_t Cp1252High[32] = {
@@ -219,9 +223,15 @@ std::string_view TrimWhite(std::string_view text) {
   return text;
 }
 
-void AppendUtf16Le(std::string& text, std::string_view bytes) { text += FromUtf16(bytes, 0, 1); }
-std::string FromUtf16Le(std::string_view bytes) { return FromUtf16(bytes, 0, 1); }
-std::string FromUtf16Be(std::string_view bytes) { return FromUtf16(bytes, 1, 0); }
+void AppendUtf16Le(std::string& text, std::string_view bytes) {
+  text += FromUtf16(bytes, 0, 1);
+}
+std::string FromUtf16Le(std::string_view bytes) {
+  return FromUtf16(bytes, 0, 1);
+}
+std::string FromUtf16Be(std::string_view bytes) {
+  return FromUtf16(bytes, 1, 0);
+}
 
 std::string ToUtf16Le(std::string_view text) {
   std::string result;
@@ -293,7 +303,9 @@ double Val(std::string_view text) {
   return std::strtod(trimmed.c_str(), nullptr);
 }
 
-std::string BooleanText(bool value) { return value ? "True" : "False"; }
+std::string BooleanText(bool value) {
+  return value ? "True" : "False";
+}
 
 bool ReadBoolean(std::string_view text, bool fallback) {
   const std::string folded = FoldAscii(TrimWhite(text));

@@ -1,8 +1,8 @@
 // Text: UTF-8 inside the program, with what Windows' own forms need round it.
 //
-// A std::string that is called text holds UTF-8. Lone surrogates, which Windows allows in names, are
-// kept in their three-byte form; a byte that belongs to no sequence passes through every operation
-// unchanged. Lengths and positions that the user can see count UTF-16 units.
+// A std::string that is called text holds UTF-8. Lone surrogates, which Windows allows in names,
+// are kept in their three-byte form; a byte that belongs to no sequence passes through every
+// operation unchanged. Lengths and positions that the user can see count UTF-16 units.
 #pragma once
 
 #include <cstddef>

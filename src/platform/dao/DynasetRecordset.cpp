@@ -1,0 +1,126 @@
+// The rows of a statement, read only. They come straight from the running statement as long as the
+// caller only moves forward. The first `MoveLast` keeps them in a temporary table, because counting
+// the rows of a join and then reading them would run the join twice; the differences between two
+// snapshots are few next to the snapshots.
+
+#include <fmt/format.h>
+
+#include "common/clsError.h"
+#include "platform/dao/Connection.h"
+#include "platform/dao/Recordset.h"
+
+namespace sandrel::dao {
+namespace {
+
+class DynasetRecordset final : public Recordset {
+ public:
+  DynasetRecordset(std::shared_ptr<Connection> connection, std::string sql);
+  ~DynasetRecordset() override;
+
+  bool Bof() override { return m_visited == 0; }
+  bool Eof() override { return !m_onRow; }
+  void MoveFirst() override;
+  void MoveLast() override;
+  void MoveNext() override;
+  std::int64_t RecordCount() override { return m_visited; }
+
+ protected:
+  void NeedRecord() override;
+
+ private:
+  void Next();
+
+  std::shared_ptr<Connection> m_connection;
+  std::string m_sql;
+  Statement m_rows;
+  std::string m_kept;           // quoted name of the temporary table, once there is one
+  std::int64_t m_position = 0;  // number of the current row, from 1
+  std::int64_t m_visited = 0;
+  bool m_onRow = false;
+  bool m_loaded = false;  // m_record holds the current row
+};
+
+DynasetRecordset::DynasetRecordset(std::shared_ptr<Connection> connection, std::string sql)
+    : m_connection(std::move(connection)), m_sql(std::move(sql)), m_rows(m_connection, m_sql) {
+  const int columns = m_rows.ColumnCount();
+  for (int i = 0; i < columns; ++i) {
+    Field field;
+    field.Name = sqlite3_column_name(m_rows.Handle(), i);
+    m_fields.push_back(std::move(field));
+  }
+  m_record.resize(m_fields.size());
+  Next();
+}
+
+DynasetRecordset::~DynasetRecordset() {
+  m_rows = Statement();
+  if (m_kept.empty()) return;
+  try {
+    m_connection->Run("DROP TABLE " + m_kept);
+  } catch (const clsError&) {  // NOLINT(bugprone-empty-catch)
+    // Another statement still reads on this connection; the table goes with the connection.
+  }
+}
+
+void DynasetRecordset::Next() {
+  m_loaded = false;
+  m_onRow = m_rows.Step();
+  if (!m_onRow) {
+    // Reset here: a statement at its end would begin anew with the next step, and until then it
+    // would hold its read lock.
+    m_rows.Reset();
+    return;
+  }
+  ++m_position;
+  if (m_position > m_visited) m_visited = m_position;
+}
+
+void DynasetRecordset::MoveFirst() {
+  if (m_visited == 0) throw clsError(errnum::NoCurrentRecord, "No current record.");
+  if (m_onRow && m_position == 1) return;
+  m_rows.Reset();
+  m_position = 0;
+  Next();
+}
+
+void DynasetRecordset::MoveNext() {
+  if (!m_onRow) throw clsError(errnum::NoCurrentRecord, "No current record.");
+  Next();
+}
+
+void DynasetRecordset::MoveLast() {
+  if (m_visited == 0) throw clsError(errnum::NoCurrentRecord, "No current record.");
+  if (m_kept.empty()) {
+    static std::int64_t number = 0;
+    const std::string kept = fmt::format("temp.\"dynaset{}\"", ++number);
+    m_rows.Reset();
+    m_connection->Run(fmt::format("CREATE TABLE {} AS {}", kept, m_sql));
+    m_kept = kept;
+    m_rows = Statement(m_connection, fmt::format("SELECT * FROM {} ORDER BY _rowid_", kept));
+  }
+  Statement last(m_connection, fmt::format("SELECT max(_rowid_), * FROM {}", m_kept));
+  last.Step();
+  m_visited = m_position = last.ColumnInteger(0);
+  for (std::size_t i = 0; i < m_record.size(); ++i)
+    last.Column(static_cast<int>(i) + 1, m_record[i]);
+  m_rows.Reset();
+  m_onRow = m_loaded = true;
+}
+
+void DynasetRecordset::NeedRecord() {
+  if (!m_onRow) throw clsError(errnum::NoCurrentRecord, "No current record.");
+  if (m_loaded) return;
+  for (std::size_t i = 0; i < m_record.size(); ++i) {
+    m_rows.Column(static_cast<int>(i), m_record[i]);
+  }
+  m_loaded = true;
+}
+
+}  // namespace
+
+std::unique_ptr<Recordset> OpenDynaset(std::shared_ptr<Connection> connection,
+                                       const std::string& sql) {
+  return std::make_unique<DynasetRecordset>(std::move(connection), sql);
+}
+
+}  // namespace sandrel::dao

@@ -1,0 +1,148 @@
+#include "platform/dao/Workspace.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "common/clsError.h"
+#include "common/clsFileWorks.h"
+#include "platform/dao/Connection.h"
+#include "platform/dao/Dialect.h"
+
+namespace sandrel::dao {
+namespace {
+
+// Marks the files as Sandrel's for tools that look at a database header ("SNDR").
+constexpr std::uint32_t ApplicationId = 0x534E4452;
+
+constexpr const char* JournalSuffix = "-journal";
+
+}  // namespace
+
+Database::Database(std::shared_ptr<Connection> connection) : m_connection(std::move(connection)) {}
+
+std::unique_ptr<Recordset> Database::OpenRecordset(std::string_view source,
+                                                   RecordsetType type) const {
+  if (type == RecordsetType::Table) return OpenTableRecordset(m_connection, source);
+  return OpenDynaset(m_connection, TranslateSelect(source));
+}
+
+void Database::Execute(std::string_view sql) {
+  m_recordsAffected = 0;
+  Statement(m_connection, TranslateDelete(sql)).Execute();
+  m_recordsAffected = sqlite3_changes64(m_connection->Handle());
+}
+
+Workspace::~Workspace() {
+  for (const auto& connection : m_inTransactionConnections) {
+    try {
+      connection->Rollback();
+    } catch (const clsError&) {  // NOLINT(bugprone-empty-catch)
+      // The connection closes next, which undoes the transaction as well.
+    }
+  }
+}
+
+void Workspace::CreateDatabase(const std::string& path) {
+  const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  if (file < 0) {
+    const std::string reason = std::generic_category().message(errno);
+    if (errno == EEXIST) {
+      throw clsError(errnum::DatabaseExists, fmt::format("Database '{}' already exists.", path));
+    }
+    if (errno == ENOENT || errno == ENOTDIR) {
+      throw clsError(errnum::InvalidPath,
+                     fmt::format("'{}' isn't a valid path: {}. Make sure that the folder exists.",
+                                 path, reason));
+    }
+    throw clsError(errnum::CannotOpen,
+                   fmt::format("Couldn't make the database {}: {}.", path, reason));
+  }
+  close(file);
+  // A journal that a killed run left behind belongs to a file that is gone.
+  clsFileWorks::DeleteFile(path + JournalSuffix);
+  Connection connection(path);
+  connection.Run(
+      fmt::format("PRAGMA encoding = 'UTF-8'; PRAGMA application_id = {};", ApplicationId));
+}
+
+std::unique_ptr<Database> Workspace::OpenDatabase(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) {
+    throw clsError(errnum::DatabaseNotFound, fmt::format("Couldn't find file '{}'.", path));
+  }
+  if (S_ISDIR(status.st_mode)) {
+    throw clsError(errnum::CannotOpen,
+                   fmt::format("Couldn't open '{}': it is a folder. Choose a file.", path));
+  }
+  const FileKey key{status.st_dev, status.st_ino};
+  std::shared_ptr<Connection> connection = m_connections[key].lock();
+  if (connection == nullptr) {
+    connection = std::make_shared<Connection>(path);
+    if (m_inTransaction) {
+      connection->Begin();
+      m_inTransactionConnections.push_back(connection);
+    }
+    m_connections[key] = connection;
+  }
+  return std::make_unique<Database>(std::move(connection));
+}
+
+std::vector<std::shared_ptr<Connection>> Workspace::Open() const {
+  std::vector<std::shared_ptr<Connection>> open;
+  for (const auto& [key, weak] : m_connections) {
+    if (auto connection = weak.lock()) open.push_back(std::move(connection));
+  }
+  return open;
+}
+
+void Workspace::BeginTrans() {
+  if (m_inTransaction) {
+    throw clsError(errnum::InvalidOperation, "A transaction is open already in this workspace.");
+  }
+  auto connections = Open();
+  for (const auto& connection : connections) connection->Begin();
+  m_inTransactionConnections = std::move(connections);
+  m_inTransaction = true;
+}
+
+void Workspace::CommitTrans() {
+  if (!m_inTransaction) {
+    throw clsError(errnum::NoTransaction, "You tried to commit or undo a transaction without one.");
+  }
+  while (!m_inTransactionConnections.empty()) {
+    try {
+      m_inTransactionConnections.back()->Commit();
+    } catch (const clsError& error) {
+      if (error.RolledBack()) Rollback();
+      throw;
+    }
+    m_inTransactionConnections.pop_back();
+  }
+  m_inTransaction = false;
+}
+
+void Workspace::Rollback() {
+  if (!m_inTransaction) {
+    throw clsError(errnum::NoTransaction, "You tried to commit or undo a transaction without one.");
+  }
+  const auto connections = std::move(m_inTransactionConnections);
+  m_inTransactionConnections.clear();
+  m_inTransaction = false;
+  for (const auto& connection : connections) connection->Rollback();
+}
+
+Workspace& DBEngine::FirstWorkspace() {
+  static Workspace first("#Default Workspace#");
+  return first;
+}
+
+std::shared_ptr<Workspace> DBEngine::CreateWorkspace(std::string name) {
+  return std::make_shared<Workspace>(std::move(name));
+}
+
+}  // namespace sandrel::dao

@@ -1,0 +1,196 @@
+#include "platform/dao/Workspace.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
+#include "common/clsError.h"
+#include "common/clsFileWorks.h"
+#include "support/TempFolder.h"
+
+namespace sandrel::dao {
+using test::TempFolder;
+
+namespace {
+
+template <class Body>
+std::int32_t NumberOf(Body&& body) {
+  try {
+    body();
+  } catch (const clsError& error) {
+    return error.Number();
+  }
+  return 0;
+}
+
+TableDef OneColumn(const std::string& name) {
+  TableDef table(name);
+  table.AppendField({"Name", FieldType::Text, 20, true, false});
+  return table;
+}
+
+void Add(Database& database, const char* text) {
+  auto table = database.OpenRecordset("t", RecordsetType::Table);
+  table->AddNew();
+  table->Set(0, text);
+  table->Update();
+}
+
+std::int64_t Count(const std::string& path) {
+  Workspace other("Other");
+  return other.OpenDatabase(path)->OpenRecordset("t", RecordsetType::Table)->RecordCount();
+}
+
+class WorkspaceTest : public testing::Test {
+ protected:
+  TempFolder m_temp;
+  std::string m_path = m_temp.Path() + "/x.mdb";
+  Workspace m_workspace{"Test"};
+};
+
+TEST_F(WorkspaceTest, OpensAndMakesFilesWithTheEnginesErrors) {
+  EXPECT_EQ(NumberOf([&] { m_workspace.OpenDatabase(m_path); }), errnum::DatabaseNotFound);
+  EXPECT_FALSE(clsFileWorks::FileExists(m_path));
+  m_workspace.CreateDatabase(m_path);
+  EXPECT_EQ(NumberOf([&] { m_workspace.CreateDatabase(m_path); }), errnum::DatabaseExists);
+  EXPECT_EQ(NumberOf([&] { m_workspace.CreateDatabase(m_temp.Path() + "/none/x.mdb"); }),
+            errnum::InvalidPath);
+  EXPECT_EQ(NumberOf([&] { m_workspace.OpenDatabase(m_temp.Path()); }), errnum::CannotOpen);
+  EXPECT_EQ(NumberOf([&] { m_workspace.CommitTrans(); }), errnum::NoTransaction);
+
+  // A file that is no database opens; the first question to it fails as a missing table does.
+  const std::string junk = m_temp.Path() + "/junk.mdb";
+  std::ofstream(junk) << std::string(5000, 'x');
+  auto database = m_workspace.OpenDatabase(junk);
+  EXPECT_EQ(NumberOf([&] { database->OpenRecordset("tblStats", RecordsetType::Table); }),
+            errnum::NoSuchTable);
+  EXPECT_EQ(NumberOf([&] {
+              database->OpenRecordset("SELECT tblStats.Value FROM tblStats;",
+                                      RecordsetType::Dynaset);
+            }),
+            errnum::NoSuchTable);
+}
+
+TEST_F(WorkspaceTest, OneTransactionSpansTheWorkspace) {
+  m_workspace.CreateDatabase(m_path);
+  auto database = m_workspace.OpenDatabase(m_path);
+  database->TableDefs().Append(OneColumn("t"));
+  m_workspace.BeginTrans();
+  Add(*database, "a");
+  // The same file again is the same connection and sees what is pending; another workspace doesn't.
+  auto again = m_workspace.OpenDatabase(m_temp.Path() + "/./x.mdb");
+  EXPECT_EQ(again->OpenRecordset("t", RecordsetType::Table)->RecordCount(), 1);
+  EXPECT_EQ(Count(m_path), 0);
+  again.reset();
+  database.reset();  // the transaction holds the connection
+  m_workspace.CommitTrans();
+  EXPECT_EQ(Count(m_path), 1);
+
+  m_workspace.BeginTrans();
+  database = m_workspace.OpenDatabase(m_path);  // opened inside the transaction, so part of it
+  Add(*database, "b");
+  m_workspace.Rollback();
+  EXPECT_EQ(Count(m_path), 1);
+  {
+    Workspace dropped("Dropped");
+    dropped.BeginTrans();
+    auto held = dropped.OpenDatabase(m_path);
+    Add(*held, "c");
+  }
+  EXPECT_EQ(Count(m_path), 1);
+}
+
+TEST_F(WorkspaceTest, ALockedFileIsTold) {
+  m_workspace.CreateDatabase(m_path);
+  auto database = m_workspace.OpenDatabase(m_path);
+  database->TableDefs().Append(OneColumn("t"));
+  Workspace other("Other");
+  auto held = other.OpenDatabase(m_path);
+  other.BeginTrans();
+  Add(*held, "a");
+  EXPECT_EQ(NumberOf([&] { Add(*database, "b"); }), errnum::RecordLocked);
+  other.CommitTrans();
+  Add(*database, "b");
+  EXPECT_EQ(Count(m_path), 2);
+}
+
+// A limit on the size of files stands for a full disk: the engine meets it in the middle of a
+// write.
+TEST_F(WorkspaceTest, AWriteThatFailsLeavesTheFileWholeAndIsKnownToHaveUndoneTheTransaction) {
+  m_workspace.CreateDatabase(m_path);
+  auto database = m_workspace.OpenDatabase(m_path);
+  TableDef table("t");
+  table.AppendField({"Name", FieldType::Memo});
+  database->TableDefs().Append(table);
+  Add(*database, "kept");
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit small{std::filesystem::file_size(m_path) + 20000, before.rlim_max};
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &small);
+  m_workspace.BeginTrans();
+  bool rolledBack = false;
+  std::int32_t number = 0;
+  try {
+    const std::string large(100000, 'x');
+    for (int i = 0; i < 1000; ++i) Add(*database, large.c_str());
+    m_workspace.CommitTrans();
+  } catch (const clsError& error) {
+    number = error.Number();
+    rolledBack = error.RolledBack();
+  }
+  setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(number, errnum::DiskError);
+  EXPECT_TRUE(rolledBack);
+  EXPECT_THROW(m_workspace.CommitTrans(), clsError);  // never claims that the rows are there
+  EXPECT_FALSE(m_workspace.InTransaction());
+  EXPECT_EQ(Count(m_path), 1);
+}
+
+TEST_F(WorkspaceTest, TablesAreRenamedWithTheirIndexes) {
+  m_workspace.CreateDatabase(m_path);
+  auto database = m_workspace.OpenDatabase(m_path);
+  TableDefs tables = database->TableDefs();
+  tables.Append(OneColumn("t2"));
+  tables.AppendIndex("t2", {"PrimaryKey", {"Name"}, true, false});
+  tables.Append(OneColumn("t"));
+  EXPECT_EQ(NumberOf([&] { tables.Append(OneColumn("T")); }), errnum::TableExists);
+  EXPECT_EQ(NumberOf([&] { tables.Rename("t2", "T"); }), errnum::TableExists);
+  EXPECT_EQ(NumberOf([&] { tables.Delete("none"); }), errnum::NoSuchItem);
+  auto second = database->OpenRecordset("t2", RecordsetType::Table);
+  second->AddNew();
+  second->Set(0, "kept");
+  second->Update();
+  second.reset();
+  tables.Delete("t");
+  tables.Rename("t2", "t");
+  auto table = database->OpenRecordset("t", RecordsetType::Table);
+  table->SetIndex("PrimaryKey");
+  table->Seek("=", {"KEPT"});
+  EXPECT_FALSE(table->NoMatch());
+  // The old name and its index name are free again.
+  tables.Append(OneColumn("t2"));
+  tables.AppendIndex("t2", {"PrimaryKey", {"Name"}, true, false});
+
+  const Field field = tables.Item("t").Fields().front();
+  EXPECT_EQ(field.Size, 20);
+  EXPECT_TRUE(field.Required);
+  EXPECT_FALSE(field.AllowZeroLength);
+  EXPECT_EQ(tables.Names(), (std::vector<std::string>{"t", "t2"}));
+}
+
+TEST(Value, NumbersAndDatesHaveTheirTextForm) {
+  EXPECT_EQ(Value(-5).ToText(), "-5");
+  EXPECT_EQ(Value().ToText(), "");
+  EXPECT_EQ(Value("12abc").Integer(), 12);
+  EXPECT_EQ(DateText(0), "1970-01-01 00:00:00");
+  EXPECT_EQ(DateText(951782400), "2000-02-29 00:00:00");
+  EXPECT_EQ(DateText(-62135596801), "0001-01-01 00:00:00");
+}
+
+}  // namespace
+}  // namespace sandrel::dao
