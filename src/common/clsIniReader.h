@@ -11,26 +11,32 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace sandrel {
 
 class clsIniReader {
  public:
+  using Lines = std::vector<std::string_view>;
+
   /// The section names of the file at the host path `path`, in file order, each once in its first
-  /// spelling. Reads the file anew. Raises 75 when the file can't be read.
-  const std::vector<std::string>& ListSections(const std::string& path);
+  /// spelling. Reads the file anew. Raises 75 when the file can't be read. What this and
+  /// `ListEntries` give stands until the next `ListSections`.
+  const Lines& ListSections(const std::string& path);
 
   /// The entries of a section, whole lines as "parameter=value", in file order. Takes what the last
   /// `ListSections` read when it was of the same path. An unknown section has no entries.
-  const std::vector<std::string>& ListEntries(const std::string& path, std::string_view section);
+  const Lines& ListEntries(const std::string& path, std::string_view section);
 
  private:
-  void Parse(std::string_view text);
+  void Parse();
 
   std::string m_path;
-  std::vector<std::string> m_names;
-  std::vector<std::vector<std::string>> m_entries;  // by section, in step with m_names
+  std::string m_text;  // the whole file; names and entries point into it
+  Lines m_names;
+  std::vector<Lines> m_entries;                            // in step with m_names
+  std::unordered_map<std::string, std::size_t> m_indexes;  // by folded name
 };
 
 }  // namespace sandrel

@@ -1,0 +1,87 @@
+#include "config/clsHome.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+
+#include "common/clsError.h"
+#include "common/clsFileWorks.h"
+
+namespace sandrel {
+namespace {
+
+std::string Variable(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr ? value : "";
+}
+
+std::string Absolute(const std::string& path) {
+  std::error_code failure;
+  const auto absolute = std::filesystem::absolute(path, failure).lexically_normal();
+  std::string result = failure ? path : absolute.string();
+  while (result.size() > 1 && result.ends_with('/')) result.pop_back();
+  return result;
+}
+
+std::string ExecutableFolder() {
+  std::error_code failure;
+  const auto executable = std::filesystem::read_symlink("/proc/self/exe", failure);
+  return failure ? std::string() : executable.parent_path().string();
+}
+
+}  // namespace
+
+clsHome clsHome::Find(const std::string& given) {
+  std::string folder = given.empty() ? Variable("SANDREL_HOME") : given;
+  if (folder.empty()) {
+    const std::string beside = ExecutableFolder();
+    if (!beside.empty() && access(beside.c_str(), W_OK) == 0) {
+      folder = beside;
+    } else {
+      std::string data = Variable("XDG_DATA_HOME");
+      if (data.empty()) data = clsFileWorks::Join(Variable("HOME"), ".local/share");
+      folder = clsFileWorks::Join(data, "sandrel");
+    }
+  }
+  folder = Absolute(folder);
+  clsFileWorks::MakeFolders(folder);
+  return clsHome(folder);
+}
+
+std::string clsHome::WorkingDatabase() const {
+  return clsFileWorks::Join(m_folder, "SandrelTemp.zqd");
+}
+
+clsHomeLock::clsHomeLock(const clsHome& home) {
+  const std::string path = clsFileWorks::Join(home.Path(), "SandrelTemp.lock");
+  m_file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  if (m_file < 0) throw ErrnoError(errno, "Can't write in the home folder " + home.Path());
+  if (flock(m_file, LOCK_EX | LOCK_NB) != 0) {
+    close(m_file);
+    throw clsError(
+        errnum::HomeBusy,
+        fmt::format("Another snapshot command works on {}. Wait until it has ended, or give "
+                    "this one another home folder.",
+                    home.Path()));
+  }
+}
+
+clsHomeLock::~clsHomeLock() {
+  close(m_file);
+}
+
+std::string MachineFolder(const std::string& given, clsSettings& settings) {
+  if (!given.empty()) return Absolute(given);
+  for (const char* name : {"SANDREL_MACHINE", "WINEPREFIX"}) {
+    if (const std::string folder = Variable(name); !folder.empty()) return Absolute(folder);
+  }
+  const std::string chosen = settings.GetSetting("Machine", "Folder");
+  return Absolute(!chosen.empty() ? chosen : clsFileWorks::Join(Variable("HOME"), ".wine"));
+}
+
+}  // namespace sandrel

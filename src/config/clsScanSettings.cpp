@@ -1,0 +1,49 @@
+#include "config/clsScanSettings.h"
+
+#include <fmt/format.h>
+
+#include "common/clsError.h"
+#include "common/clsPathText.h"
+#include "common/text.h"
+
+namespace sandrel {
+
+bool clsScanSettings::IsOn(std::string_view key, std::string_view fallback) {
+  return text::Val(m_settings.GetSetting("Enabled", key, fallback)) == 1;
+}
+
+std::vector<std::string> clsScanSettings::List(std::string_view section) {
+  std::vector<std::string> entries;
+  for (int i = 1;; ++i) {
+    std::string entry = m_settings.GetSetting(section, fmt::to_string(i));
+    if (entry.empty()) return entries;
+    entries.push_back(std::move(entry));
+  }
+}
+
+std::string clsScanSettings::RemoteName() {
+  if (!RemoteRegistry()) return {};
+  return clsPathText::BareMachineName(m_settings.GetSetting("RegScan", "RemoteName"));
+}
+
+bool clsScanSettings::IsSelected(const ScanHive& hive) {
+  return text::ReadBoolean(m_settings.GetSetting("RegScan", hive.Name),
+                           hive.Key != hkey::ClassesRoot);
+}
+
+std::vector<std::string> DefaultExcludes(clsMachine& machine, const std::string& appPath) {
+  std::vector<std::string> entries;
+  const auto addFolder = [&](const std::string& folder) {
+    entries.push_back(clsPathText::AddSeparator(folder));
+  };
+  if (const auto own = machine.WindowsPath(appPath)) addFolder(*own);
+  const std::string temp = machine.Environ("temp");
+  const std::string tmp = machine.Environ("tmp");
+  if (!temp.empty()) addFolder(temp);
+  if (!tmp.empty() && text::Lower(tmp) != text::Lower(temp)) addFolder(tmp);
+  const std::string swap = clsPathText::AddSeparator(machine.WindowsFolder()) + "WIN386.SWP";
+  if (machine.FileExists(swap)) entries.push_back(swap);
+  return entries;
+}
+
+}  // namespace sandrel

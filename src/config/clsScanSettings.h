@@ -1,0 +1,54 @@
+// What the settings say about a scan: which parts run, which folders, hives and details they take,
+// and what is excluded. The one reader of these keys, so that each default stands once.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "config/clsSettings.h"
+#include "platform/machine/clsMachine.h"
+
+namespace sandrel {
+
+/// One hive of the registry scan.
+struct ScanHive {
+  std::string Name;
+  std::uint32_t Key = 0;
+};
+
+class clsScanSettings {
+ public:
+  explicit clsScanSettings(clsSettings& settings) : m_settings(settings) {}
+
+  bool DiskScan() { return IsOn("DiskScan", "1"); }
+  bool VersionInfo() { return IsOn("VersionInfo", "0"); }
+  bool SizeInfo() { return IsOn("SizeInfo", "1"); }
+  bool AttributeInfo() { return IsOn("AttributeInfo", "1"); }
+  bool RegScan() { return IsOn("RegScan", "1"); }
+  bool RemoteRegistry() { return IsOn("RemoteRegistry", "0"); }
+  bool FileExclude() { return IsOn("FileExclude", "1"); }
+
+  /// The entries of a numbered list ("ScanFolders", "ExcludeFiles"), from "1" to the first empty
+  /// key.
+  std::vector<std::string> List(std::string_view section);
+
+  /// The bare name of the remote computer when remote scanning is on, else empty.
+  std::string RemoteName();
+
+  /// True when the hive is scanned: as stored, else every hive but HKEY_CLASSES_ROOT.
+  bool IsSelected(const ScanHive& hive);
+
+ private:
+  bool IsOn(std::string_view key, std::string_view fallback);
+
+  clsSettings& m_settings;
+};
+
+/// The exclusions in force while the user has no list: Sandrel's own folder `appPath` (a host path,
+/// where a drive of the machine holds it), the machine's temporary folders and its swap file.
+/// Folders end in a backslash.
+std::vector<std::string> DefaultExcludes(clsMachine& machine, const std::string& appPath);
+
+}  // namespace sandrel

@@ -1,0 +1,71 @@
+// The user's settings: texts addressed by section and key, in one readable file.
+//
+// The file holds "[section]" lines and "key=value" lines. A name or value that would not survive as
+// a plain line (blanks at its ends, a line end, a quote in front...) stands in double quotes with
+// \n, \r, \t, \" and \\ inside. Lines that are neither are kept where they are. Sections and keys
+// compare without regard to case.
+//
+// Every write replaces the file whole under a lock, after reading what another process has written
+// since, so that a crash loses nothing and two processes that write different keys lose neither.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sandrel {
+
+class clsSettings {
+ public:
+  /// Works on the file at the host path `path`, which need not exist. Reads nothing yet.
+  explicit clsSettings(std::string path);
+
+  /// $SANDREL_SETTINGS, else settings.ini in the folder "sandrel" of the user's configuration.
+  static std::string DefaultPath();
+
+  const std::string& Path() const { return m_path; }
+
+  /// The stored text, or `fallback` when there is none. Never fails.
+  std::string GetSetting(std::string_view section, std::string_view key,
+                         std::string_view fallback = {});
+  /// Raises the number of the failure when the file can't be written.
+  void SaveSetting(std::string_view section, std::string_view key, std::string_view text);
+  /// Deletes a key, or a whole section. Raises 5 when there is none.
+  void DeleteSetting(std::string_view section, std::string_view key);
+  void DeleteSetting(std::string_view section);
+
+  std::vector<std::string> Sections();
+  std::vector<std::string> Keys(std::string_view section);
+
+ private:
+  struct Entry {
+    std::string Key;    // as written; of a line that is kept as it is, empty
+    std::string Value;  // of a line that is kept as it is, the line
+    bool IsLine = false;
+  };
+  struct Section {
+    std::string Name;  // of the lines before the first section, empty
+    std::vector<Entry> Entries;
+  };
+  struct Stamp {
+    std::int64_t Seconds = -1, Nanoseconds = 0, Size = 0;
+    std::uint64_t Inode = 0;
+    bool operator==(const Stamp&) const = default;
+  };
+
+  Section* FindSection(std::string_view name);
+  static Entry* FindEntry(Section& section, std::string_view key);
+  Stamp Look() const;
+  void Refresh(bool forWriting);
+  void Parse(std::string_view content);
+  std::string Format() const;
+  template <class Change>
+  void Write(Change&& change);
+
+  std::string m_path;
+  Stamp m_stamp;
+  std::vector<Section> m_sections;
+};
+
+}  // namespace sandrel

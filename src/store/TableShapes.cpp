@@ -1,0 +1,157 @@
+#include "store/TableShapes.h"
+
+#include <utility>
+
+namespace sandrel::shapes {
+namespace {
+
+using dao::Field;
+using dao::FieldType;
+using dao::Index;
+
+Field Id(const char* name) {
+  return {name, FieldType::Long, 0, true, false, dao::AutoIncrement};
+}
+Field Long(const char* name, bool required = false) {
+  return {name, FieldType::Long, 0, required};
+}
+Field Integer(const char* name) {
+  return {name, FieldType::Integer};
+}
+Field Date(const char* name) {
+  return {name, FieldType::Date};
+}
+
+enum class Empty : bool { Refused, Allowed };
+Field Text(const char* name, int size, Empty empty, bool required = false) {
+  return {name, FieldType::Text, size, required, empty == Empty::Allowed};
+}
+Field Memo(const char* name) {
+  return {name, FieldType::Memo, 0, false, true};
+}
+
+Index Primary(std::vector<std::string> fields) {
+  return {"PrimaryKey", std::move(fields), true, true};
+}
+Index Unique(const char* name) {
+  return {name, {name}, false, true};
+}
+
+}  // namespace
+
+const TableShape& Paths() {
+  static const TableShape shape{{Id("Id"), Text("PathName", 255, Empty::Refused, true)},
+                                {Primary({"PathName"}), Unique("Id")}};
+  return shape;
+}
+
+const TableShape& Files() {
+  static const TableShape shape{
+      {Id("Id"), Long("PathId", true), Text("FileName", 255, Empty::Allowed, true), Date("Date"),
+       Text("Version", 20, Empty::Allowed), Long("Size"), Integer("Attributes")},
+      {Primary({"PathId", "FileName"}), Unique("Id")}};
+  return shape;
+}
+
+const TableShape& RegKeys() {
+  static const TableShape shape{{Long("Hive"), Text("Branch", 255, Empty::Allowed), Id("Id")},
+                                {Primary({"Hive", "Branch"}), Unique("Id")}};
+  return shape;
+}
+
+const TableShape& RegValues() {
+  static const TableShape shape{{Long("KeyId", true), Text("ValueName", 255, Empty::Allowed),
+                                 Memo("Value"), Long("ValueType")},
+                                {Primary({"KeyId", "ValueName"})}};
+  return shape;
+}
+
+const TableShape& IniSections() {
+  static const TableShape shape{
+      {Id("Id"), Long("FileId", true), Text("Section", 255, Empty::Refused, true)},
+      {Primary({"Section", "FileId"}), Unique("Id")}};
+  return shape;
+}
+
+const TableShape& IniValues() {
+  static const TableShape shape{{Long("SectionId", true), Text("Parameter", 255, Empty::Allowed),
+                                 Long("Occurance", true), Memo("Value")},
+                                {Primary({"SectionId", "Parameter", "Occurance"})}};
+  return shape;
+}
+
+const TableShape& NewOrOldFiles() {
+  static const TableShape shape{
+      {Text("PathName", 255, Empty::Refused), Text("FileName", 255, Empty::Allowed),
+       Text("Version", 20, Empty::Allowed), Long("Size"), Integer("Attributes"), Date("Date")},
+      {Primary({"PathName", "FileName"})}};
+  return shape;
+}
+
+const TableShape& ChangedFiles() {
+  static const TableShape shape{
+      {Text("PathName", 255, Empty::Refused), Text("FileName", 255, Empty::Allowed),
+       Date("OldDate"), Text("OldVersion", 20, Empty::Allowed), Long("OldSize"),
+       Integer("OldAttributes"), Date("NewDate"), Text("NewVersion", 20, Empty::Allowed),
+       Long("NewSize"), Integer("NewAttributes")},
+      {Primary({"PathName", "FileName"})}};
+  return shape;
+}
+
+const TableShape& NewOrOldRegEntries() {
+  static const TableShape shape{
+      {Long("Hive"), Text("Branch", 255, Empty::Allowed), Text("ValueName", 255, Empty::Allowed),
+       Memo("Value"), Long("ValueType")},
+      {Primary({"Hive", "Branch", "ValueName"})}};
+  return shape;
+}
+
+const TableShape& ChangedRegEntries() {
+  static const TableShape shape{
+      {Long("Hive"), Text("Branch", 255, Empty::Allowed), Text("ValueName", 255, Empty::Allowed),
+       Memo("OldValue"), Memo("NewValue"), Long("OldValueType"), Long("NewValueType")},
+      {Primary({"Hive", "Branch", "ValueName"})}};
+  return shape;
+}
+
+const TableShape& NewOrOldIniEntries() {
+  // The only table without a primary key: a parameter may repeat.
+  static const TableShape shape{
+      {Text("PathName", 255, Empty::Refused), Text("FileName", 255, Empty::Allowed),
+       Text("Section", 255, Empty::Allowed), Text("Parameter", 255, Empty::Allowed), Memo("Value")},
+      {{"PathByFileBySectionByParam",
+        {"PathName", "FileName", "Section", "Parameter"},
+        false,
+        false}}};
+  return shape;
+}
+
+const TableShape& ChangedIniEntries() {
+  static const TableShape shape{
+      {Text("PathName", 255, Empty::Refused), Text("FileName", 255, Empty::Allowed),
+       Text("Section", 255, Empty::Allowed), Text("Parameter", 255, Empty::Allowed),
+       Memo("OldValue"), Memo("NewValue")},
+      {Primary({"PathName", "FileName", "Section", "Parameter"})}};
+  return shape;
+}
+
+const TableShape& HiveLookup() {
+  static const TableShape shape{{Long("Hive"), Text("Name", 20, Empty::Refused)},
+                                {Primary({"Hive"})}};
+  return shape;
+}
+
+const TableShape& ValueTypes() {
+  static const TableShape shape{{Long("ValueType"), Text("Name", 30, Empty::Refused)},
+                                {Primary({"valueType"})}};
+  return shape;
+}
+
+const TableShape& Stats() {
+  static const TableShape shape{
+      {Text("Description", 255, Empty::Refused), Id("id"), Text("Value", 50, Empty::Allowed)},
+      {Primary({"id"}), {"Description", {"Description"}, false, false}}};
+  return shape;
+}
+
+}  // namespace sandrel::shapes

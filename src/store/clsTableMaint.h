@@ -1,0 +1,46 @@
+// Makes database files and tables; the only class that does. It holds no state.
+//
+// Every table method takes the host path of the database and the table's name, so that one method
+// serves both snapshots. A table of that name is replaced by an empty one. Any error is raised
+// again under the source "clsTableMaint." and the method's name.
+#pragma once
+
+#include <string>
+
+#include "store/TableShapes.h"
+
+namespace sandrel {
+
+class clsTableMaint {
+ public:
+  /// Makes the file; one that exists stays as it is, without an error.
+  void CreateDatabase(const std::string& database);
+  /// Deletes the file; one that doesn't exist is no error.
+  void DeleteDatabase(const std::string& database);
+
+  void CreateTempPathTable(const std::string& database, const std::string& table);
+  void CreateTempFileTable(const std::string& database, const std::string& table);
+  void CreateTempRegKeyTable(const std::string& database, const std::string& table);
+  void CreateTempRegValueTable(const std::string& database, const std::string& table);
+  void CreateTempIniSectionTable(const std::string& database, const std::string& table);
+  void CreateTempIniValueTable(const std::string& database, const std::string& table);
+
+  void CreateNewOrOldFilesTable(const std::string& database, const std::string& table);
+  void CreateChangedFilesTable(const std::string& database, const std::string& table);
+  void CreateNewOrOldRegEntryTable(const std::string& database, const std::string& table);
+  void CreateChangedRegEntryTable(const std::string& database, const std::string& table);
+  void CreateNewOrOldIniEntryTable(const std::string& database, const std::string& table);
+  void CreateChangedIniEntryTable(const std::string& database, const std::string& table);
+  void CreateHiveLookupTable(const std::string& database, const std::string& table);
+  void CreateValueTypeTable(const std::string& database, const std::string& table);
+  void CreateStatsTable(const std::string& database, const std::string& table);
+};
+
+/// Which snapshots the working database holds.
+enum class SnapshotLevel : int { None = 0, Before = 1, BeforeAndAfter = 2 };
+
+/// Told by the tables of registry values, which are made before any scanning. Never raises: a file
+/// that can't be opened or is no database holds no snapshot.
+SnapshotLevel ReadSnapshotLevel(const std::string& workingDatabase);
+
+}  // namespace sandrel
