@@ -1,9 +1,10 @@
 // The registry of a machine, by the operations of the Windows registry interface.
 //
-// A clsRegistry is a set of root keys over a provider (a Wine prefix's text hives, an offline volume's
-// regf hives, or memory). Operations return the platform's status numbers; only the opening of a
-// registry raises errors. Key and value names are UTF-8 text and compare without regard to case; data
-// is bytes as Windows holds them, so strings are UTF-16 little endian with their terminating zero.
+// A clsRegistry is a set of root keys over a provider (a Wine prefix's text hives, an offline
+// volume's regf hives, or memory). Operations return the platform's status numbers; only the
+// opening of a registry raises errors. Key and value names are UTF-8 text and compare without
+// regard to case; data is bytes as Windows holds them, so strings are UTF-16 little endian with
+// their terminating zero.
 #pragma once
 
 #include <cstddef>
@@ -11,9 +12,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "common/clsLeftOut.h"
+#include "platform/registry/clsNameIndex.h"
 
 namespace sandrel {
 
@@ -50,18 +53,39 @@ inline constexpr std::int32_t MoreData = 234;
 inline constexpr std::int32_t NoMoreItems = 259;
 }  // namespace regstatus
 
-/// An open key of a provider. Implemented by each provider; callers go through clsRegistry.
+/// Keys below this level are not given.
+inline constexpr std::size_t MaxKeyLevel = 512;
+
+/// An open key of a provider. Implemented by each provider; callers go through clsRegistry. What it
+/// gives stays as it was when first asked for, so open a key again to see changes.
 class clsRegKey {
  public:
+  clsRegKey() = default;
   virtual ~clsRegKey() = default;
+  clsRegKey(const clsRegKey&) = delete;
+  clsRegKey& operator=(const clsRegKey&) = delete;
 
   /// Names of the subkeys and of the values, in the provider's order, read once for each open key.
+  /// Holds only what can be read.
   virtual const std::vector<std::string>& SubkeyNames() = 0;
   virtual const std::vector<std::string>& ValueNames() = 0;
-  /// The subkey by its index in `SubkeyNames`; empty when the provider can't read it.
+  /// The subkey by its index in `SubkeyNames`, a new object at every call; empty when it has gone.
+  /// A symbolic link comes as the link itself: following it is the registry's work.
   virtual std::shared_ptr<clsRegKey> Subkey(std::size_t index) = 0;
-  /// Type and data of the value by its index in `ValueNames`; false when it can't be read.
+  /// Type and data of the value by its index in `ValueNames`; false when it has gone.
   virtual bool Value(std::size_t index, std::uint32_t& type, std::string& data) = 0;
+  /// The path that a symbolic link leads to, as "\REGISTRY\MACHINE\..."; empty for other keys.
+  virtual std::string LinkTarget() { return {}; }
+
+ private:
+  friend class clsRegistry;
+  std::size_t FindSubkey(std::string_view name);
+  std::size_t FindValue(std::string_view name);
+
+  std::size_t m_level = 0;  // parts of the path by which it was opened last
+  std::size_t m_subkeyFound = 0;
+  clsNameIndex m_subkeyIndex;
+  clsNameIndex m_valueIndex;
 };
 
 class clsRegistry {
@@ -72,18 +96,23 @@ class clsRegistry {
   clsRegistry(const clsRegistry&) = delete;
   clsRegistry& operator=(const clsRegistry&) = delete;
 
-  /// Opens the key `path` (parts joined by "\") below a root key; the empty path is the root itself.
-  /// FileNotFound when it doesn't exist. Opening keys in the order of a depth-first walk costs no more
-  /// than one step from the key opened before, however many subkeys the parents have.
+  /// Opens the key `path` (parts joined by "\") below a root key; the empty path is the root
+  /// itself. FileNotFound when it doesn't exist. Opening keys in the order of a depth-first walk
+  /// costs no more than one step from the key opened before, however many subkeys the parents have.
+  ///
+  /// A symbolic link on the path is followed once: the key shows the subkeys and values of its
+  /// target, and links below that are shown as they are, so that no walk runs in circles. A link
+  /// that leads nowhere is shown as it is too. An open key may outlive the registry, whose hives it
+  /// keeps.
   std::int32_t RegOpenKeyEx(std::uint32_t root, std::string_view path, Handle& key);
 
-  /// The name of the subkey or value with this index; NoMoreItems behind the last one, MoreData for a
-  /// subkey whose name has 300 UTF-16 units or more.
+  /// The name of the subkey or value with this index; NoMoreItems behind the last one, MoreData for
+  /// a subkey whose name has 300 UTF-16 units or more.
   std::int32_t RegEnumKey(const Handle& key, std::size_t index, std::string& name);
   std::int32_t RegEnumValue(const Handle& key, std::size_t index, std::string& name);
 
-  /// Type and data of a value; the default value has the empty name. String data (types 1, 2, 7) that
-  /// lacks its terminating zero gets one, except data of size 0. Asking for the value that was
+  /// Type and data of a value; the default value has the empty name. String data (types 1, 2, 7)
+  /// that lacks its terminating zero gets one, except data of size 0. Asking for the value that was
   /// enumerated last costs no search.
   std::int32_t RegQueryValueEx(const Handle& key, std::string_view name, std::uint32_t& type,
                                std::string& data);
@@ -100,13 +129,15 @@ class clsRegistry {
   virtual std::int32_t Flush() { return regstatus::Success; }
 
   /// Root keys that this registry has.
-  virtual std::vector<std::uint32_t> Roots() const = 0;
+  const std::vector<std::uint32_t>& Roots() const { return m_roots; }
 
   /// What was found in the hives that the user should know, one sentence each: a hive whose log was
   /// not applied, for instance.
   const std::vector<std::string>& Remarks() const { return m_remarks; }
 
-  /// Keys and values that the provider could not read so far; cleared by the reader.
+  /// Keys and values left out so far, each counted once, when it is met for the first time however
+  /// often its key is listed; cleared by the reader. For the counts of a scan open the registry
+  /// anew.
   clsLeftOut& LeftOutCounts() { return m_leftOut; }
 
  protected:
@@ -115,28 +146,51 @@ class clsRegistry {
   /// The root key itself; empty when the registry has no such root.
   virtual Handle OpenRoot(std::uint32_t root) = 0;
 
-  /// To be called by a provider that changed: forgets what was remembered of open keys.
+  /// To be called by a provider when its keys have changed: forgets what was remembered of open
+  /// keys.
   void ForgetOpenKeys();
+
+  /// To be called by a provider whose root keys have changed: finds out which ones there are.
+  void FindRoots();
+
+  /// The key `path` below a root key, links on the way followed; empty when it doesn't exist. For
+  /// providers that make one root out of parts of others; remembers nothing.
+  Handle FindKey(std::uint32_t root, std::string_view path);
 
   std::vector<std::string> m_remarks;
   clsLeftOut m_leftOut;
 
  private:
-  struct Step;  // one level of the path opened last
+  struct Step {  // one level of the path opened last
+    std::string name;
+    Handle key;
+    bool insideLink = false;
+  };
+
+  Handle OpenSubkey(const Handle& parent, std::string_view name, bool mayFollow, bool& followed,
+                    int& hops);
+  Handle FindKey(std::uint32_t root, std::string_view path, int& hops);
+  void CountDeepKeys(std::uint32_t root, std::string_view path, const Handle& key);
+
+  std::vector<std::uint32_t> m_roots;
   std::uint32_t m_lastRoot = 0;
-  std::vector<std::shared_ptr<Step>> m_chain;
+  std::vector<Step> m_chain;  // from the root key down
   std::weak_ptr<clsRegKey> m_enumeratedKey;
   std::size_t m_enumeratedIndex = 0;
+  std::unordered_set<std::string> m_deepKeysCounted;
 };
 
-/// The registry of a Wine prefix: `folder` holds system.reg, user.reg and userdef.reg. All files are
-/// read here; raises errnum::Hive when one is missing or can't be read whole.
+/// The registry of a Wine prefix: `folder` holds system.reg, user.reg and userdef.reg. All files
+/// are read here; raises errnum::Hive when one is missing, damaged or without any key. `Flush`
+/// gives AccessDenied while a Wine server runs on the prefix, or when a file was changed by another
+/// program since it was read, in which case its changes are dropped and it is read anew.
 std::unique_ptr<clsRegistry> OpenPrefixRegistry(const std::string& folder);
 
-/// The registry of an offline Windows volume mounted at `folder` (which holds Windows/System32/config
-/// in any case). `user` names the profile that is HKEY_CURRENT_USER; when empty it is the profile that
-/// was last logged on, else the first one with a hive. All hives are opened here; raises errnum::Hive
-/// when one that stands there can't be read.
+/// The registry of an offline Windows volume mounted at `folder` (which holds
+/// Windows/System32/config in any case). `user` names the profile that is HKEY_CURRENT_USER; when
+/// empty it is the profile that was last logged on, else the first one with a hive. All hives are
+/// opened and read into memory here; raises errnum::Hive when one that stands there can't be read,
+/// when SOFTWARE or SYSTEM is missing, and when there is no profile `user`.
 std::unique_ptr<clsRegistry> OpenVolumeRegistry(const std::string& folder, std::string_view user);
 
 /// An empty registry in memory with all five roots, for tests. It can be written.
