@@ -1,0 +1,70 @@
+# Helpers of the acceptance runs; sourced by them.
+#
+# A run works in a temporary folder that it removes at its end; KEEP=1 keeps it for a look.
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+repository=$(cd "$here/../.." && pwd)
+
+# Tells why a run can't take place here; 77 is how test drivers know a skipped test.
+skip() {
+  echo "skipped: $*"
+  exit 77
+}
+
+# The program under test: the first argument of the run, $SANDREL_CLI, or the newest build.
+find_cli() {
+  cli=${1:-${SANDREL_CLI:-}}
+  if [ -z "$cli" ]; then
+    cli=$(ls -t "$repository"/build/*/src/sandrel-cli "$repository"/build*/src/sandrel-cli 2>/dev/null | head -n 1)
+  fi
+  [ -n "$cli" ] && [ -x "$cli" ] || skip "no sandrel-cli; build it, or name it as the first argument"
+  cli=$(realpath "$cli")
+}
+
+make_work_folder() {
+  work=$(mktemp -d)
+  if [ -z "${KEEP:-}" ]; then
+    trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
+  else
+    echo "kept: $work"
+  fi
+  mkdir "$work/home"
+  export SANDREL_SETTINGS="$work/settings.ini"
+}
+
+# sandrel-cli on this run's machine, with a home and settings of its own.
+sandrel() {
+  "$cli" --machine "$work/machine" --home "$work/home" "$@"
+}
+
+# Runs a command that has to fail with the given status and to say something.
+must_fail() {
+  local status=$1 output actual=0
+  shift
+  output=$("$@" 2>&1) || actual=$?
+  if [ "$actual" -ne "$status" ] || [ -z "$output" ]; then
+    echo "$*: status $actual instead of $status, saying: $output"
+    exit 1
+  fi
+}
+
+# Settings, Before, a copy of the machine for the comparison, the installation, After. The arguments
+# are the command that installs.
+snapshot_pair() {
+  sandrel settings Enabled VersionInfo 1
+  sandrel settings RegScan HKEY_CLASSES_ROOT True
+  must_fail 1 sandrel after "$work/analysis.mdb" --yes  # there is no Before snapshot yet
+  sandrel before --yes
+  cp -a "$work/machine" "$work/before"
+  "$@"
+  sandrel after "$work/analysis.mdb" --yes
+}
+
+# Compares the analysis and both snapshots with what the two states of the machine say.
+check() {
+  python3 "$here/expected.py" --version-info \
+    --hive HKEY_CLASSES_ROOT --hive HKEY_CURRENT_CONFIG --hive HKEY_CURRENT_USER \
+    --hive HKEY_LOCAL_MACHINE --hive HKEY_USERS \
+    --home "$work/home" --database "$work/home/SandrelTemp.zqd" "$@" \
+    "$work/before" "$work/machine" "$work/analysis.mdb"
+}

@@ -1,0 +1,13 @@
+#!/bin/bash
+# Takes both snapshots of the sample prefix, with the sample installation in between, and checks the
+# analysis.
+#
+#   run-sample.sh [SANDREL-CLI]
+set -eu
+. "$(dirname "$0")/common.sh"
+find_cli "${1:-}"
+make_work_folder
+
+python3 "$repository/scripts/make-sample-machine" "$work/machine"
+snapshot_pair python3 "$repository/scripts/sample-installation" "$work/machine"
+check
