@@ -37,7 +37,7 @@ class SampleMachine {
     WriteFile("C:\\Program Files\\Tool\\readme.txt", "hello");
     SetSystemReg(SystemKeys());
     SetUserReg(UserKeys());
-    SetUserDefReg("");
+    SetUserDefReg("[Control Panel\\\\Desktop] 1700000000\n\"WallpaperStyle\"=\"0\"\n");
   }
 
   /// The prefix's folder on the host.

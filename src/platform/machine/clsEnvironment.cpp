@@ -25,7 +25,8 @@ constexpr std::string_view ProfileList =
     "Software\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList";
 constexpr std::string_view ShellFolders =
     "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
-constexpr std::string_view PersonalSid = "S-1-5-21-";
+// The accounts of the system and its services have profiles, but nobody's.
+constexpr std::array<std::string_view, 3> Services = {"S-1-5-18", "S-1-5-19", "S-1-5-20"};
 
 // Variables that refer to each other could grow without end.
 constexpr int MostReferences = 200;
@@ -122,15 +123,13 @@ std::string clsEnvironment::Expand(std::string_view text) {
 // environment; on a disk only the list of profiles is left, and of several the one that the user's
 // own folders lie in.
 std::string clsEnvironment::UserProfile() {
-  clsRegistry::Handle list;
-  if (m_registry.RegOpenKeyEx(hkey::LocalMachine, ProfileList, list) != regstatus::Success) {
-    return {};
-  }
+  clsRegistry::Handle users;
+  if (m_registry.RegOpenKeyEx(hkey::Users, "", users) != regstatus::Success) return {};
   const std::string data = Text(hkey::CurrentUser, ShellFolders, "AppData").value_or(std::string());
   std::string first;
   std::string sid;
-  for (std::size_t i = 0; m_registry.RegEnumKey(list, i, sid) != regstatus::NoMoreItems; ++i) {
-    if (!text::StartsWithNoCase(sid, PersonalSid)) continue;
+  for (std::size_t i = 0; m_registry.RegEnumKey(users, i, sid) != regstatus::NoMoreItems; ++i) {
+    if (std::find(Services.begin(), Services.end(), sid) != Services.end()) continue;
     const std::optional<std::string> image =
         Text(hkey::LocalMachine, std::string(ProfileList) + "\\" + sid, "ProfileImagePath");
     if (!image) continue;
