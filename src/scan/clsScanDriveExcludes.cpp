@@ -1,0 +1,184 @@
+// Taking excluded folders and files out of both snapshots.
+
+#include <algorithm>
+
+#include "common/clsError.h"
+#include "common/clsPathText.h"
+#include "common/text.h"
+#include "config/clsScanSettings.h"
+#include "scan/clsScanDrive.h"
+
+namespace sandrel {
+namespace {
+
+// The store's keys compare ASCII letters without regard to case and all others exactly. A text with
+// other letters is therefore looked for row by row, with all letters folded.
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
+}
+
+struct Parts {
+  std::string Base, Extension;
+};
+
+Parts SplitName(std::string_view name) {
+  const std::string lower = text::Lower(name);
+  const std::size_t dot = lower.find('.');
+  if (dot == std::string::npos) return {lower, {}};
+  return {lower.substr(0, dot), std::string(text::Trim(std::string_view(lower).substr(dot + 1)))};
+}
+
+// Where the pattern holds "*", both texts are cut to what stands from the place before it.
+void CutAtStar(std::string& name, std::string& pattern) {
+  const std::size_t star = pattern.find('*');
+  if (star == std::string::npos) return;
+  if (star == 0) {
+    throw clsError(
+        errnum::InvalidArgument,
+        "Invalid procedure call or argument: the exclusions hold a pattern whose name or "
+        "extension begins with '*'. Use '?' for single characters, or '*.*' for all files "
+        "of a folder.");
+  }
+  // The place counts characters as Windows does, in both texts alike.
+  const std::size_t units = text::Length(std::string_view(pattern).substr(0, star)) - 1;
+  pattern = pattern.substr(text::Left(pattern, units).size());
+  name = name.substr(text::Left(name, units).size());
+}
+
+// The name with "?" wherever the pattern has it, for texts of equal length.
+std::string WithQuestionMarks(const std::string& name, const std::string& pattern) {
+  if (text::Length(name) != text::Length(pattern)) return name;
+  std::string result;
+  std::size_t i = 0;
+  std::size_t j = 0;
+  while (i < name.size() && j < pattern.size()) {
+    const char32_t ofName = text::Next(name, i);
+    const char32_t ofPattern = text::Next(pattern, j);
+    text::Append(result, ofPattern == U'?' ? ofPattern : ofName);
+  }
+  return i == name.size() && j == pattern.size() ? result : name;
+}
+
+}  // namespace
+
+bool clsScanDrive::MatchFileName(std::string_view name, std::string_view pattern) {
+  Parts names = SplitName(name);
+  Parts patterns = SplitName(pattern);
+  CutAtStar(names.Base, patterns.Base);
+  CutAtStar(names.Extension, patterns.Extension);
+  // A pattern without an extension matches names with any.
+  return WithQuestionMarks(names.Base, patterns.Base) == patterns.Base &&
+         (patterns.Extension.empty() ||
+          WithQuestionMarks(names.Extension, patterns.Extension) == patterns.Extension);
+}
+
+void clsScanDrive::DeleteExcludes() {
+  clsScanSettings settings(m_context.Settings);
+  if (!settings.FileExclude()) return;
+  std::vector<std::string> entries = settings.List("ExcludeFiles");
+  if (entries.empty()) entries = DefaultExcludes(m_context.Machine, m_context.AppPath);
+  for (const std::string& entry : entries) {
+    if (entry.ends_with('\\')) {
+      ExcludeBranch(entry);
+    } else {
+      ExcludeFiles(entry);
+    }
+  }
+}
+
+void clsScanDrive::ExcludeBranch(const std::string& entry) {
+  if (m_paths->Bof() && m_paths->Eof()) return;
+  const bool ascii = IsAscii(entry);
+  if (ascii) {
+    m_paths->Seek(">=", {entry});
+  } else {
+    m_paths->MoveFirst();
+  }
+  for (;;) {
+    if (ascii ? m_paths->NoMatch() : m_paths->Eof()) return;
+    const std::string_view path = m_paths->Get("PathName").Text();
+    if (!text::StartsWithNoCase(path, entry)) {
+      if (ascii) return;
+      m_paths->MoveNext();
+      continue;
+    }
+    const std::int64_t pathId = m_paths->Get("Id").Integer();
+    DeleteFilesOf(*m_files, pathId);
+    if (m_firstFiles) DeleteFilesOf(*m_firstFiles, pathId);
+    m_paths->Delete();
+    m_context.DoEvents();
+    if (m_paths->Bof() || m_paths->Eof()) return;
+    if (ascii) {
+      m_paths->Seek(">=", {entry});
+    } else {
+      m_paths->MoveNext();
+    }
+  }
+}
+
+void clsScanDrive::ExcludeFiles(const std::string& entry) {
+  const std::string last = clsPathText::TextAfterLast(entry, "\\");
+  std::int64_t pathId = 0;
+  if (!FindFolder(clsPathText::TextBeforeLast(entry, "\\") + "\\", pathId)) return;
+  for (dao::Recordset* files : {m_files.get(), m_firstFiles.get()}) {
+    if (files == nullptr || (files->Bof() && files->Eof())) continue;
+    if (last == "*.*") {
+      DeleteFilesOf(*files, pathId);
+    } else if (last.find_first_of("?*") != std::string::npos) {
+      DeleteMatches(*files, pathId, last);
+    } else {
+      DeleteFile(*files, pathId, last);
+    }
+  }
+  m_context.DoEvents();
+}
+
+bool clsScanDrive::FindFolder(std::string_view folder, std::int64_t& pathId) {
+  if (IsAscii(folder)) {
+    m_paths->Seek("=", {folder});
+    if (m_paths->NoMatch()) return false;
+  } else {
+    if (m_paths->Bof() && m_paths->Eof()) return false;
+    for (m_paths->MoveFirst(); !text::EqualNoCase(m_paths->Get("PathName").Text(), folder);) {
+      m_paths->MoveNext();
+      if (m_paths->Eof()) return false;
+    }
+  }
+  pathId = m_paths->Get("Id").Integer();
+  return true;
+}
+
+void clsScanDrive::DeleteFilesOf(dao::Recordset& files, std::int64_t pathId) {
+  for (;;) {
+    files.Seek(">=", {pathId, ""});
+    if (files.NoMatch() || files.Get("PathId").Integer() != pathId) return;
+    files.Delete();
+  }
+}
+
+void clsScanDrive::DeleteFile(dao::Recordset& files, std::int64_t pathId, std::string_view name) {
+  if (IsAscii(name)) {
+    files.Seek("=", {pathId, name});
+    if (!files.NoMatch()) files.Delete();
+    return;
+  }
+  files.Seek(">=", {pathId, ""});
+  if (files.NoMatch()) return;
+  for (; !files.Eof() && files.Get("PathId").Integer() == pathId; files.MoveNext()) {
+    if (!text::EqualNoCase(files.Get("FileName").Text(), name)) continue;
+    files.Delete();
+    return;
+  }
+}
+
+void clsScanDrive::DeleteMatches(dao::Recordset& files, std::int64_t pathId,
+                                 std::string_view pattern) {
+  files.Seek(">=", {pathId, ""});
+  if (files.NoMatch()) return;
+  while (!files.Eof() && files.Get("PathId").Integer() == pathId) {
+    if (MatchFileName(files.Get("FileName").Text(), pattern)) files.Delete();
+    files.MoveNext();
+  }
+}
+
+}  // namespace sandrel

@@ -1,0 +1,168 @@
+#include "scan/clsScanReg.h"
+
+#include "common/clsError.h"
+#include "common/clsPathText.h"
+#include "common/text.h"
+
+namespace sandrel {
+namespace {
+
+constexpr int KeysPerCommit = 10001;
+constexpr std::size_t LongestField = 255;  // UTF-16 units of a key's path and of a value's name
+
+std::string ChildOf(const std::string& branch, const std::string& name) {
+  return branch.empty() ? name : branch + "\\" + name;
+}
+
+bool Fits(std::string_view text) {
+  return text.size() <= LongestField || text::Length(text) <= LongestField;
+}
+
+// Calls `visit` with the path of every subkey that can be stored. A key whose path doesn't fit is
+// left out with all that lies below it.
+template <class Visit>
+void EachSubkey(clsRegistry& registry, const clsRegistry::Handle& key, const std::string& branch,
+                clsLeftOut* leftOut, Visit&& visit) {
+  std::string name;
+  for (std::size_t i = 0;; ++i) {
+    const std::int32_t status = registry.RegEnumKey(key, i, name);
+    if (status != regstatus::Success && status != regstatus::MoreData) return;
+    const std::string child = status == regstatus::Success ? ChildOf(branch, name) : std::string();
+    if (status == regstatus::Success && Fits(child)) {
+      visit(child);
+    } else if (leftOut != nullptr) {
+      leftOut->Add(LeftOut::LongKey);
+    }
+  }
+}
+
+}  // namespace
+
+void clsScanReg::StartDBTransaction() {
+  RaiseAs("clsScanReg.StartDBTransaction", [&] {
+    m_workspace = dao::DBEngine::CreateWorkspace("");
+    m_database = m_workspace->OpenDatabase(Database);
+    m_keys = m_database->OpenRecordset(KeyTable, dao::RecordsetType::Table);
+    m_keys->SetIndex("PrimaryKey");
+    m_values = m_database->OpenRecordset(ValueTable, dao::RecordsetType::Table);
+    m_keyId = m_values->FieldNumber("KeyId");
+    m_valueName = m_values->FieldNumber("ValueName");
+    m_value = m_values->FieldNumber("Value");
+    m_valueType = m_values->FieldNumber("ValueType");
+    m_workspace->BeginTrans();
+    m_transactionOpen = true;
+  });
+}
+
+void clsScanReg::CommitDBTransaction() {
+  if (!m_transactionOpen) return;
+  RaiseAs("clsScanReg.CommitDBTransaction", [&] {
+    m_workspace->CommitTrans();
+    m_transactionOpen = false;
+    m_keys.reset();
+    m_values.reset();
+    m_database.reset();
+    m_workspace.reset();
+  });
+}
+
+clsRegistry* clsScanReg::RegistryOf(const std::string& machine) {
+  if (machine.empty()) return &m_context.Machine.Registry();
+  const std::string name = clsPathText::MachineNameForConnect(machine);
+  if (m_remote == nullptr || name != m_remoteName) {
+    m_remote = m_context.Machine.RegConnectRegistry(name);
+    m_remoteName = name;
+  }
+  return m_remote.get();
+}
+
+void clsScanReg::SetBranchCount(const std::string& psvBranch, std::uint32_t plHive,
+                                const std::string& psvMachine) {
+  m_branchCount = 0;
+  if (clsRegistry* registry = RegistryOf(psvMachine)) CountKeys(*registry, psvBranch, plHive);
+}
+
+void clsScanReg::CountKeys(clsRegistry& registry, const std::string& branch, std::uint32_t hive) {
+  clsRegistry::Handle key;
+  if (registry.RegOpenKeyEx(hive, branch, key) != regstatus::Success) return;
+  EachSubkey(registry, key, branch, nullptr, [&](const std::string& child) {
+    ++m_branchCount;
+    CountKeys(registry, child, hive);
+  });
+  m_context.DoEvents();
+}
+
+void clsScanReg::DoXTreeBranch(const std::string& psvBranch, std::uint32_t plHive,
+                               const std::string& psvMachine) {
+  Hive = plHive;
+  m_keysWalked = 0;
+  DoXTree(RegistryOf(psvMachine), psvBranch);
+  if (m_cancelled && AckCancel) AckCancel();
+}
+
+void clsScanReg::DoXTree(clsRegistry* registry, const std::string& branch) {
+  if (m_cancelled) return;
+  m_keys->Seek("=", {static_cast<std::int32_t>(Hive), branch});
+  if (m_keys->NoMatch()) {
+    m_keys->AddNew();
+    m_currentKeyId = m_keys->Get("Id").Integer();
+    m_keys->Set("Hive", static_cast<std::int32_t>(Hive));
+    m_keys->Set("Branch", branch);
+    m_keys->Update();
+  } else {
+    m_currentKeyId = m_keys->Get("Id").Integer();
+  }
+  // A key that can't be opened has its row, but neither subkeys nor values.
+  clsRegistry::Handle key;
+  if (registry == nullptr || registry->RegOpenKeyEx(Hive, branch, key) != regstatus::Success)
+    return;
+  DoValues(*registry, key);
+  EachSubkey(*registry, key, branch, &m_context.LeftOut, [&](const std::string& child) {
+    ReportProgress();
+    ++m_keysWalked;
+    DoXTree(registry, child);
+  });
+}
+
+void clsScanReg::DoValues(clsRegistry& registry, const clsRegistry::Handle& key) {
+  RaiseAs("clsScanReg.DoValues", [&] {
+    for (std::size_t i = 0; registry.RegEnumValue(key, i, m_element.Name) == regstatus::Success;
+         ++i) {
+      if (!Fits(m_element.Name)) {
+        m_context.LeftOut.Add(LeftOut::LongValueName);
+        continue;
+      }
+      // What can't be read is left out; the registry counts it.
+      if (registry.RegQueryValueEx(key, m_element.Name, m_element.RegType, m_data) !=
+          regstatus::Success) {
+        continue;
+      }
+      m_lastType = m_element.RegType;
+      Decode(m_element.RegType, m_element.Value);
+      m_values->AddNew();
+      m_values->SetInteger(m_keyId, m_currentKeyId);
+      m_values->SetText(m_valueName, m_element.Name);
+      m_values->Set(m_value, m_element.Value);
+      m_values->SetInteger(m_valueType, static_cast<std::int32_t>(m_element.RegType));
+      try {
+        m_values->Update();
+      } catch (const clsError& error) {
+        if (error.Number() != errnum::DuplicateKey) throw;
+        m_values->CancelUpdate();  // names that differ only in case: the first one stays
+      }
+    }
+    if (++m_keysSinceCommit < KeysPerCommit) return;
+    m_workspace->CommitTrans();
+    m_workspace->BeginTrans();
+    m_keysSinceCommit = 0;
+  });
+}
+
+void clsScanReg::ReportProgress() {
+  if (m_branchCount > 0 && PercentComplete) {
+    PercentComplete(static_cast<int>(m_keysWalked * 100 / m_branchCount));
+  }
+  m_context.DoEvents();
+}
+
+}  // namespace sandrel
