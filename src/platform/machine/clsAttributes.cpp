@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 #include "platform/machine/clsDirSearch.h"
 
@@ -74,6 +75,9 @@ std::optional<int> ReadSource(std::size_t source, std::string_view value,
 
 }  // namespace
 
+clsAttributes::clsAttributes() : clsAttributes(getxattr) {}
+clsAttributes::clsAttributes(Reader reader) : m_reader(std::move(reader)) {}
+
 clsAttributes::Device& clsAttributes::DeviceOf(dev_t id) {
   if (m_last < m_devices.size() && m_devices[m_last].Id == id) return m_devices[m_last];
   for (m_last = 0; m_last < m_devices.size(); ++m_last) {
@@ -89,7 +93,7 @@ int clsAttributes::Of(const struct stat& status, const char* path, std::string_v
   std::array<char, 256> buffer;
   for (std::size_t i = 0; i < Names.size(); ++i) {
     if (device.Lacks[i]) continue;
-    const ssize_t size = getxattr(path, Names[i], buffer.data(), buffer.size());
+    const ssize_t size = m_reader(path, Names[i], buffer.data(), buffer.size());
     if (size > 0) {
       const auto attributes =
           ReadSource(i, std::string_view(buffer.data(), static_cast<std::size_t>(size)), status);

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -15,6 +16,12 @@ namespace sandrel {
 /// costs one look at most on an ordinary file system, and none where there are none.
 class clsAttributes {
  public:
+  /// Reads an extended attribute, as getxattr does.
+  using Reader =
+      std::function<ssize_t(const char* path, const char* name, void* value, std::size_t size)>;
+  clsAttributes();
+  explicit clsAttributes(Reader reader);
+
   /// The attribute bits (fileattr, below 32768) of the item at the host path `path`, whose `status`
   /// is that behind its links and whose own name is `name` (empty for a drive's root). Raises
   /// nothing: an attribute that can't be read counts as not there.
@@ -27,6 +34,7 @@ class clsAttributes {
   };
   Device& DeviceOf(dev_t id);
 
+  Reader m_reader;
   std::vector<Device> m_devices;
   std::size_t m_last = 0;
 };

@@ -43,6 +43,14 @@ std::string_view NameOf(std::string_view windowsPath) {
   return at == std::string_view::npos ? std::string_view() : windowsPath.substr(at + 1);
 }
 
+clsError NoMachine(std::string_view folder, std::string_view reason) {
+  return {
+      errnum::Machine,
+      fmt::format("There is no Windows machine in {}: {}. A machine is a folder that holds drive_c "
+                  "(a Wine prefix) or Windows/System32/config (an offline Windows volume).",
+                  folder, reason)};
+}
+
 clsError SearchError(std::string_view folder, int reason) {
   return {errnum::BadFileName, fmt::format("Bad file name or number: {} ({})", folder,
                                            std::generic_category().message(reason))};
@@ -74,10 +82,7 @@ std::shared_ptr<clsMachine> clsMachine::Open(const std::string& folder) {
   return RaiseAs("clsMachine.Open", [&]() -> std::shared_ptr<clsMachine> {
     std::error_code failure;
     const std::string path = std::filesystem::canonical(folder, failure).string();
-    if (failure) {
-      throw clsError(errnum::Machine, fmt::format("There is no Windows machine in {}: {}.", folder,
-                                                  failure.message()));
-    }
+    if (failure) throw NoMachine(folder, failure.message());
     const auto make = [&](Kind kind, clsPathMap paths) {
       auto state = std::make_unique<State>(kind, path, std::move(paths));
       return std::shared_ptr<clsMachine>(new clsMachine(std::move(state)));
@@ -88,11 +93,7 @@ std::shared_ptr<clsMachine> clsMachine::Open(const std::string& folder) {
     if (!FindFolder(path, {"Windows", "System32", "config"}).empty()) {
       return make(Kind::OfflineVolume, clsPathMap::OfVolume(path));
     }
-    throw clsError(
-        errnum::Machine,
-        fmt::format("There is no Windows machine in {}: it holds neither drive_c (a Wine "
-                    "prefix) nor Windows/System32/config (an offline Windows volume).",
-                    folder));
+    throw NoMachine(folder, "nothing of one stands there");
   });
 }
 
@@ -137,8 +138,8 @@ FileDetails clsMachine::Details(std::string_view windowsPath) const {
   int reason = 0;
   struct stat status {};
   const std::optional<std::string> path = m_state->Paths.HostPath(windowsPath, &reason);
-  if (path && stat(path->c_str(), &status) != 0) reason = errno;
-  if (!path || reason != 0) throw AccessError(windowsPath, reason).WithSource("clsMachine.Details");
+  if (path) reason = stat(path->c_str(), &status) == 0 ? 0 : errno;
+  if (reason != 0) throw AccessError(windowsPath, reason).WithSource("clsMachine.Details");
   return DetailsOf(status,
                    m_state->Share->Attributes.Of(status, path->c_str(), NameOf(windowsPath)));
 }

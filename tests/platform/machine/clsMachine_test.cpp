@@ -1,0 +1,254 @@
+#include "platform/machine/clsMachine.h"
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "common/clsError.h"
+#include "support/SampleMachine.h"
+
+namespace sandrel {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Optional;
+
+class clsMachineTest : public testing::Test {
+ protected:
+  test::SampleMachine m_sample;
+  std::shared_ptr<clsMachine> m_machine = clsMachine::Open(m_sample.Folder());
+};
+
+TEST(clsMachineOpen, TellsAPrefixAVolumeAndNeither) {
+  test::TempFolder folder;
+  std::filesystem::create_directories(folder.Of("volume/WINDOWS/system32/Config"));
+  const auto volume = clsMachine::Open(folder.Of("volume/"));
+  EXPECT_EQ(volume->MachineKind(), clsMachine::Kind::OfflineVolume);
+  EXPECT_EQ(volume->Folder(), folder.Of("volume"));
+  EXPECT_THAT(volume->Drives(), ElementsAre("C:"));
+  EXPECT_THAT(volume->HostPath("C:\\Windows\\SYSTEM32"),
+              Optional(folder.Of("volume/WINDOWS/system32")));
+
+  // A prefix as old as to have no dosdevices.
+  std::filesystem::create_directories(folder.Of("prefix/drive_c/x"));
+  const auto prefix = clsMachine::Open(folder.Of("prefix"));
+  EXPECT_EQ(prefix->MachineKind(), clsMachine::Kind::WinePrefix);
+  EXPECT_THAT(prefix->HostPath("C:\\X\\"), Optional(folder.Of("prefix/drive_c/x")));
+
+  for (const char* name : {"volume/WINDOWS", "missing"}) {
+    try {
+      clsMachine::Open(folder.Of(name));
+      ADD_FAILURE() << "no error for " << name;
+    } catch (const clsError& error) {
+      EXPECT_EQ(error.Number(), errnum::Machine);
+      EXPECT_THAT(error.Description(), HasSubstr(folder.Of(name)));
+      EXPECT_THAT(error.Description(), AllOf(HasSubstr("drive_c"), HasSubstr("System32/config")));
+    }
+  }
+}
+
+TEST_F(clsMachineTest, DrivesAreTheLinksThatLeadToFolders) {
+  m_sample.MapDrive('z', "/");
+  m_sample.MapDrive('d', "../gone");
+  m_sample.MapDrive('e', m_sample.HostPath("C:\\windows\\win.ini"));
+  for (const char* name : {"c::", "com1", "C:"}) {
+    std::filesystem::create_symlink("/", m_sample.Folder() + "/dosdevices/" + name);
+  }
+  EXPECT_THAT(m_machine->Drives(), ElementsAre("C:", "Z:"));
+  EXPECT_EQ(m_machine->CurrentDrive(), "C:");
+  EXPECT_THAT(m_machine->HostPath("C:"), Optional(m_sample.Folder() + "/drive_c"));
+  EXPECT_THAT(m_machine->HostPath("z:\\"), Optional(std::string("/")));
+  EXPECT_EQ(m_machine->HostPath("D:\\"), std::nullopt);
+  // Drives may come and go while the machine is looked at.
+  m_sample.MapDrive('b', "../drive_c/windows");
+  std::filesystem::remove(m_sample.Folder() + "/dosdevices/c:");
+  EXPECT_THAT(m_machine->Drives(), ElementsAre("B:", "Z:"));
+  EXPECT_EQ(m_machine->CurrentDrive(), "B:");
+  EXPECT_TRUE(m_machine->FileExists("B:\\WIN.INI"));
+}
+
+TEST_F(clsMachineTest, FindsPathsWithoutRegardToCase) {
+  const std::string tool = m_sample.HostPath("C:\\Program Files\\Tool\\readme.txt");
+  m_sample.WriteFile("C:\\\xC3\x84rger\\x", "");
+  struct Case {
+    const char* Path;
+    std::optional<std::string> Expected;
+  };
+  const Case cases[] = {
+      {"C:\\Program Files\\Tool\\readme.txt", tool},
+      {"c:\\PROGRAM FILES\\tool\\Readme.TXT", tool},
+      {"C:/program files//tool\\.\\readme.txt\\", tool},
+      {"C:\\windows\\..\\..\\Program Files\\Tool\\readme.txt", tool},
+      {"C:\\\xC3\xA4RGER\\X", m_sample.HostPath("C:\\\xC3\x84rger\\x")},
+      {"C:\\Program Files\\Tool\\readme.txt\\below", std::nullopt},
+      {"C:\\Program Files\\nothing", std::nullopt},
+      {"C:windows", std::nullopt},
+      {"\\\\server\\share", std::nullopt},
+      {"windows", std::nullopt},
+      {"C:\\win*", std::nullopt},
+      {"", std::nullopt},
+  };
+  for (const Case& c : cases) EXPECT_EQ(m_machine->HostPath(c.Path), c.Expected) << c.Path;
+  EXPECT_EQ(m_machine->HostPath(std::string_view("C:\\windows\0", 11)), std::nullopt);
+}
+
+TEST_F(clsMachineTest, NeverGivesAnAnswerOfYesterday) {
+  EXPECT_FALSE(m_machine->FileExists("C:\\NEW\\a.txt"));
+  m_sample.WriteFile("C:\\new\\A.txt", "");
+  EXPECT_THAT(m_machine->HostPath("C:\\NEW\\a.txt"), Optional(m_sample.HostPath("C:\\new\\A.txt")));
+  // A name that is nearer in byte order, then the exact one; then the first one goes.
+  m_sample.WriteFile("C:\\New\\A.txt", "");
+  EXPECT_THAT(m_machine->HostPath("C:\\NEW\\a.txt"), Optional(m_sample.HostPath("C:\\New\\A.txt")));
+  m_sample.WriteFile("C:\\NEW\\b.txt", "");
+  EXPECT_EQ(m_machine->HostPath("C:\\NEW\\a.txt"), std::nullopt);
+  m_sample.Remove("C:\\NEW");
+  m_sample.Remove("C:\\New");
+  EXPECT_THAT(m_machine->HostPath("C:\\NEW\\a.txt"), Optional(m_sample.HostPath("C:\\new\\A.txt")));
+}
+
+TEST_F(clsMachineTest, RemembersANameOnlyWhileItsFolderStaysAsItIs) {
+  // A folder at rest, whose names are remembered.
+  m_sample.WriteFile("C:\\rest\\Name", "");
+  m_sample.SetTime("C:\\rest", 1000000000);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_THAT(m_machine->HostPath("C:\\rest\\NAME"),
+                Optional(m_sample.HostPath("C:\\rest\\Name")));
+    EXPECT_FALSE(m_machine->FileExists("C:\\rest\\other"));
+    sleep(i == 0 ? 3 : 0);
+  }
+  m_sample.Remove("C:\\rest\\Name");
+  m_sample.WriteFile("C:\\rest\\Other", "");
+  EXPECT_FALSE(m_machine->FileExists("C:\\rest\\NAME"));
+  EXPECT_TRUE(m_machine->FileExists("C:\\rest\\other"));
+}
+
+TEST_F(clsMachineTest, MapsHostPathsByTheNearestDrive) {
+  m_sample.MapDrive('z', "/");
+  m_sample.MapDrive('w', "../drive_c/windows");
+  m_sample.MapDrive('x', "../drive_c/windows");
+  const std::string outside = m_sample.Folder() + "/outside";
+  std::filesystem::create_directory(outside);
+  std::filesystem::create_symlink(outside, m_sample.HostPath("C:\\link"));
+  std::filesystem::create_symlink(m_sample.HostPath("C:\\users"), outside + "/back");
+  struct Case {
+    std::string Host;
+    std::optional<std::string> Expected;
+  };
+  const Case cases[] = {
+      {m_sample.HostPath("C:\\users\\tester"), "C:\\users\\tester"},
+      {m_sample.HostPath("C:\\users\\not there\\"), "C:\\users\\not there"},
+      {m_sample.HostPath("C:\\windows\\system32"), "W:\\system32"},
+      {m_sample.HostPath("C:\\windows"), "W:\\"},
+      {m_sample.HostPath("C:\\windows2"), "C:\\windows2"},
+      {m_sample.HostPath("C:\\link\\a"), "C:\\link\\a"},
+      {outside + "/back/tester", "C:\\users\\tester"},
+      {outside + "/x/../y", std::nullopt},  // filled in below
+      {m_sample.HostPath("C:\\what") + "?", std::nullopt},
+      {m_sample.HostPath("C:\\caf") + "\xE9", "C:\\caf\xEF\x9F\xA9"},
+      {"", std::nullopt},
+      {"/", "Z:\\"},
+  };
+  for (Case c : cases) {
+    if (c.Host.ends_with("/y")) {
+      c.Expected = "Z:" + outside + "/y";
+      std::replace(c.Expected->begin(), c.Expected->end(), '/', '\\');
+    }
+    EXPECT_EQ(m_machine->WindowsPath(c.Host), c.Expected) << c.Host;
+  }
+  std::filesystem::remove(m_sample.Folder() + "/dosdevices/z:");
+  EXPECT_EQ(m_machine->WindowsPath(outside), std::nullopt);
+}
+
+TEST_F(clsMachineTest, GivesDetailsByPath) {
+  m_sample.SetTime("C:\\windows\\win.ini", 981173106);
+  const FileDetails details = m_machine->Details("C:\\WINDOWS\\Win.ini");
+  EXPECT_EQ(details.LastWritten, 981173106);
+  EXPECT_EQ(details.Length, 25u);
+  EXPECT_EQ(details.Attributes, fileattr::Archive);
+  EXPECT_EQ(m_machine->Details("C:\\windows\\").Attributes, fileattr::Directory);
+  EXPECT_EQ(m_machine->Details("C:\\windows\\").Length, 0u);
+  try {
+    m_machine->Details("C:\\gone.txt");
+    FAIL() << "no error for a missing file";
+  } catch (const clsError& error) {
+    EXPECT_EQ(error.Number(), errnum::PathFileAccess);
+    EXPECT_THAT(error.Description(), HasSubstr("C:\\gone.txt"));
+  }
+}
+
+TEST_F(clsMachineTest, TakesItsFoldersAndVariablesFromItsOwnRegistry) {
+  EXPECT_EQ(m_machine->WindowsFolder(), "C:\\windows");
+  EXPECT_EQ(m_machine->SystemFolder(), "C:\\windows\\system32");
+  EXPECT_EQ(m_machine->Environ("temp"), "C:\\users\\tester\\Temp");
+  EXPECT_EQ(m_machine->Environ("windir"), "C:\\windows");
+  EXPECT_EQ(m_machine->Environ("SystemDrive"), "C:");
+  EXPECT_EQ(m_machine->Environ("PATH"), "");
+
+  m_sample.Remove("C:\\windows");
+  m_sample.MakeFolder("C:\\WinNT");
+  m_sample.MakeFolder("C:\\WINDOWS");
+  m_sample.SetSystemReg(R"([Software\\Microsoft\\Windows NT\\CurrentVersion] 1
+"SystemRoot"="D:\\windows"
+
+[System\\CurrentControlSet\\Control\\Session Manager\\Environment] 1
+"Path"="%SystemRoot%\\system32"
+"Half"="50% of %NoSuch% and %%"
+
+)");
+  m_sample.SetUserReg(R"([Environment] 1
+"Path"="%path%;%Home%\\bin"
+"Home"="%SystemDrive%\\home"
+"A"="<%B%%B%>"
+"B"="%A%%A%"
+
+[Volatile Environment] 1
+"USERPROFILE"="C:\\users\\other"
+"Home"="never"
+
+)");
+  EXPECT_EQ(m_machine->Environ("windir"), "C:\\windows");  // the registry is still the old one
+  m_machine->CloseRegistry();
+  EXPECT_EQ(m_machine->WindowsFolder(), "C:\\WINDOWS");
+  EXPECT_EQ(m_machine->Environ("USERPROFILE"), "C:\\users\\other");
+  EXPECT_EQ(m_machine->Environ("PATH"), "C:\\WINDOWS\\system32;C:\\home\\bin");
+  EXPECT_EQ(m_machine->Environ("half"), "50% of %NoSuch% and %%");
+  EXPECT_LT(m_machine->Environ("A").size(), 100000u);  // variables that refer to each other end
+}
+
+TEST_F(clsMachineTest, AnUnreadableRegistryIsAnErrorNotAnEmptyText) {
+  std::filesystem::remove(m_sample.Folder() + "/user.reg");
+  try {
+    m_machine->Environ("temp");
+    FAIL() << "no error for a missing hive";
+  } catch (const clsError& error) {
+    EXPECT_EQ(error.Number(), errnum::Hive);
+  }
+}
+
+TEST_F(clsMachineTest, ReachesRemoteComputersByTheirFolders) {
+  unsetenv("SANDREL_NETWORK");
+  EXPECT_EQ(m_machine->RegConnectRegistry("\\\\Box"), nullptr);
+  test::TempFolder network;
+  test::SampleMachine box;
+  std::filesystem::create_symlink(box.Folder(), network.Of("BOX"));
+  std::filesystem::create_directory(network.Of("empty"));
+  setenv("SANDREL_NETWORK", network.Path().c_str(), 1);
+  const std::shared_ptr<clsRegistry> remote = m_machine->RegConnectRegistry("\\\\Box");
+  ASSERT_NE(remote, nullptr);
+  clsRegistry::Handle key;
+  EXPECT_EQ(remote->RegOpenKeyEx(hkey::CurrentUser, "Environment", key), regstatus::Success);
+  EXPECT_EQ(m_machine->RegConnectRegistry("box"), remote);
+  for (const char* name : {"empty", "missing", "..", "", "\\\\"}) {
+    EXPECT_EQ(m_machine->RegConnectRegistry(name), nullptr) << name;
+  }
+  m_machine->CloseRegistry();
+  EXPECT_NE(m_machine->RegConnectRegistry("Box"), remote);
+  unsetenv("SANDREL_NETWORK");
+}
+
+}  // namespace
+}  // namespace sandrel
