@@ -148,7 +148,18 @@ def build_files(drive, rng):
     put("ProgramData/Tallow/license.dat", rng.randbytes(256)).chmod(0o444)
     (drive / "windows/system32/mod000.dll").chmod(0o555)
     (drive / "ProgramData/Brightwater/Spool/empty").mkdir(parents=True)
+    hide(put(f"{home}/Desktop/desktop.ini", "[.ShellClassInfo]\r\nIconIndex=3\r\n"), 0x6)
+    text_file("ProgramData/Tallow/Secret/unseen.txt", 1)
+    hide(drive / "ProgramData/Tallow/Secret", 0x2)
     build_odd_files(drive, f"{home}/Odd", put)
+
+
+def hide(path, bits):
+    """Stores attribute bits as Wine does, where the file system takes them."""
+    try:
+        os.setxattr(path, "user.DOSATTRIB", f"0x{bits:x}".encode())
+    except OSError:
+        pass
 
 
 def build_odd_files(drive, odd, put):

@@ -28,13 +28,14 @@ make_work_folder() {
   else
     echo "kept: $work"
   fi
-  mkdir "$work/home"
+  home=$work/home
   export SANDREL_SETTINGS="$work/settings.ini"
 }
 
 # sandrel-cli on this run's machine, with a home and settings of its own.
 sandrel() {
-  "$cli" --machine "$work/machine" --home "$work/home" "$@"
+  mkdir -p "$home"
+  "$cli" --machine "$work/machine" --home "$home" "$@"
 }
 
 # Runs a command that has to fail with the given status and to say something.
@@ -65,6 +66,22 @@ check() {
   python3 "$here/expected.py" --version-info \
     --hive HKEY_CLASSES_ROOT --hive HKEY_CURRENT_CONFIG --hive HKEY_CURRENT_USER \
     --hive HKEY_LOCAL_MACHINE --hive HKEY_USERS \
-    --home "$work/home" --database "$work/home/SandrelTemp.zqd" "$@" \
+    --home "$home" --database "$home/SandrelTemp.zqd" "$@" \
     "$work/before" "$work/machine" "$work/analysis.mdb"
+}
+
+# Replaces the Before snapshot and takes another After one of the unchanged machine: files and registry
+# have to be equal then.
+check_replacement() {
+  sandrel replace
+  sandrel after "$work/again.mdb" --yes
+  python3 - "$work/again.mdb" <<'PYTHON'
+import sqlite3, sys
+database = sqlite3.connect(sys.argv[1])
+faults = [f"{table}: {count} rows after a replacement without a change"
+          for kind in ("New{}", "Changed{}", "Deleted{}") for what in ("Files", "RegistryEnteries")
+          for table in ("tbl" + kind.format(what),)
+          for (count,) in database.execute(f"SELECT count(*) FROM {table}") if count]
+sys.exit("\n".join(faults) or None)
+PYTHON
 }

@@ -11,3 +11,4 @@ make_work_folder
 python3 "$here/make-volume" "$work/machine"
 snapshot_pair python3 "$here/make-volume" "$work/machine" --installed
 check
+check_replacement
