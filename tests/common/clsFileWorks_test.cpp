@@ -1,0 +1,96 @@
+#include "common/clsFileWorks.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "common/clsError.h"
+#include "support/TempFolder.h"
+
+namespace sandrel {
+namespace {
+
+using testing::HasSubstr;
+
+template <class Body>
+std::int32_t ErrorOf(Body&& body) {
+  try {
+    body();
+  } catch (const clsError& error) {
+    EXPECT_FALSE(error.Description().empty());
+    return error.Number();
+  }
+  return 0;
+}
+
+std::size_t FilesIn(const std::string& folder) {
+  const std::filesystem::directory_iterator items(folder);
+  return static_cast<std::size_t>(std::distance(begin(items), end(items)));
+}
+
+TEST(clsFileWorks, ReplacesAFileWholeAndKeepsItsPlace) {
+  test::TempFolder folder;
+  const std::string path = folder.Of("settings.ini");
+  clsFileWorks::ReplaceWhole(path, "one");
+  EXPECT_EQ(clsFileWorks::ReadWhole(path), "one");
+  ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+  std::filesystem::create_symlink("settings.ini", folder.Of("link"));
+  const std::string large(3 << 20, 'x');
+  clsFileWorks::ReplaceWhole(folder.Of("link"), large);
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.Of("link")));
+  EXPECT_EQ(clsFileWorks::ReadWhole(path), large);
+  EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0640));
+  clsFileWorks::ReplaceWhole(path, "");
+  EXPECT_EQ(clsFileWorks::ReadWhole(folder.Of("link")), "");
+  EXPECT_EQ(FilesIn(folder.Path()), 2u);
+}
+
+TEST(clsFileWorks, LeavesEverythingAsItWasWhenItFails) {
+  test::TempFolder folder;
+  const std::string path = folder.Of("kept");
+  clsFileWorks::ReplaceWhole(path, "old");
+  EXPECT_NE(ErrorOf([&] { clsFileWorks::ReplaceWhole(path + "/below", "new"); }), 0);
+  EXPECT_EQ(ErrorOf([&] { clsFileWorks::ReplaceWhole(folder.Of("no/such"), "new"); }),
+            errnum::FileNotFound);
+  std::filesystem::create_directory(folder.Of("folder"));
+  EXPECT_NE(ErrorOf([&] { clsFileWorks::ReplaceWhole(folder.Of("folder"), "new"); }), 0);
+  EXPECT_EQ(clsFileWorks::ReadWhole(path), "old");
+  EXPECT_EQ(FilesIn(folder.Path()), 2u);  // no temporary file stays behind
+  EXPECT_EQ(FilesIn(folder.Of("folder")), 0u);
+}
+
+TEST(clsFileWorks, ReadsRegularFilesOnly) {
+  test::TempFolder folder;
+  clsFileWorks::ReplaceWhole(folder.Of("file"), "12345");
+  ASSERT_EQ(mkfifo(folder.Of("fifo").c_str(), 0600), 0);
+  EXPECT_EQ(clsFileWorks::ReadWhole(folder.Of("file"), 5), "12345");
+  for (const std::string& path : {folder.Of("missing"), folder.Of("fifo"), folder.Path()}) {
+    EXPECT_EQ(ErrorOf([&] { clsFileWorks::ReadWhole(path); }), errnum::PathFileAccess) << path;
+  }
+  EXPECT_EQ(ErrorOf([&] { clsFileWorks::ReadWhole(folder.Of("file"), 4); }),
+            errnum::PathFileAccess);
+  // A file that tells no size is read to its end.
+  EXPECT_THAT(clsFileWorks::ReadWhole("/proc/self/status"), HasSubstr("Name:"));
+  EXPECT_TRUE(clsFileWorks::FileExists(folder.Of("fifo")));
+  EXPECT_FALSE(clsFileWorks::FileExists(folder.Path()));
+  EXPECT_TRUE(clsFileWorks::FolderExists(folder.Path()));
+  EXPECT_FALSE(clsFileWorks::FolderExists(folder.Of("file")));
+}
+
+TEST(clsFileWorks, MakesAndDeletes) {
+  test::TempFolder folder;
+  clsFileWorks::MakeFolders(folder.Of("a/b/c"));
+  clsFileWorks::MakeFolders(folder.Of("a/b/c"));
+  clsFileWorks::ReplaceWhole(folder.Of("a/file"), "");
+  EXPECT_NE(ErrorOf([&] { clsFileWorks::MakeFolders(folder.Of("a/file/d")); }), 0);
+  clsFileWorks::DeleteFile(folder.Of("a/file"));
+  clsFileWorks::DeleteFile(folder.Of("a/file"));
+  EXPECT_FALSE(clsFileWorks::FileExists(folder.Of("a/file")));
+  EXPECT_NE(ErrorOf([&] { clsFileWorks::DeleteFile(folder.Of("a/b")); }), 0);
+  EXPECT_EQ(clsFileWorks::Join("/a/", "/b"), "/a/b");
+  EXPECT_EQ(clsFileWorks::Join("/a", "b"), "/a/b");
+}
+
+}  // namespace
+}  // namespace sandrel

@@ -1,0 +1,34 @@
+#include "common/clsPathText.h"
+
+#include <gtest/gtest.h>
+
+namespace sandrel {
+namespace {
+
+TEST(clsPathText, TakesPathsApart) {
+  EXPECT_EQ(clsPathText::TextAfterLast("C:\\a\\b.ini", "\\"), "b.ini");
+  EXPECT_EQ(clsPathText::TextAfterLast("C:\\a\\", "\\"), "");
+  EXPECT_EQ(clsPathText::TextAfterLast("b.ini", "\\"), "b.ini");
+  EXPECT_EQ(clsPathText::TextBeforeLast("C:\\a\\b.ini", "\\"), "C:\\a");
+  EXPECT_EQ(clsPathText::TextBeforeLast("b.ini", "\\"), "");
+  EXPECT_EQ(clsPathText::ExtensionOf("system.ini.bak"), "bak");
+  EXPECT_EQ(clsPathText::ExtensionOf(".ini"), "ini");
+  EXPECT_EQ(clsPathText::ExtensionOf("ini."), "");
+  EXPECT_EQ(clsPathText::ExtensionOf("ini"), "");
+}
+
+TEST(clsPathText, PutsFoldersIntoOneForm) {
+  EXPECT_EQ(clsPathText::AddSeparator("C:\\a"), "C:\\a\\");
+  EXPECT_EQ(clsPathText::AddSeparator("C:\\a\\"), "C:\\a\\");
+  EXPECT_EQ(clsPathText::RemoveSeparator("C:\\"), "C:");
+  EXPECT_EQ(clsPathText::RemoveSeparator("C:\\a"), "C:\\a");
+  EXPECT_EQ(clsPathText::NormaliseFolder("  C:/Program Files//x\\\\ "), "C:\\Program Files\\x\\");
+  EXPECT_EQ(clsPathText::NormaliseFolder("C:"), "C:");
+  EXPECT_EQ(clsPathText::NormaliseFolder("\\\\box\\\\share"), "\\\\box\\share");
+  EXPECT_EQ(clsPathText::MachineNameForConnect(" BOX "), "\\\\BOX");
+  EXPECT_EQ(clsPathText::MachineNameForConnect("\\\\BOX\\"), "\\\\BOX");
+  EXPECT_EQ(clsPathText::BareMachineName(" \\\\BOX "), "BOX");
+}
+
+}  // namespace
+}  // namespace sandrel

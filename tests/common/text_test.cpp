@@ -1,0 +1,114 @@
+#include "common/text.h"
+
+#include <gtest/gtest.h>
+
+namespace sandrel::text {
+namespace {
+
+using namespace std::string_literals;
+
+// A text with everything that may stand in one: letters of one to four bytes, a lone surrogate,
+// bytes that belong to no sequence.
+const std::string Everything = "a\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80\xED\xA0\x80\xFF\xC3z";
+
+TEST(text, KeepsEveryByteWhileItDecodes) {
+  std::string again;
+  std::size_t characters = 0;
+  for (std::size_t i = 0; i < Everything.size(); ++characters) Append(again, Next(Everything, i));
+  EXPECT_EQ(again, Everything);
+  EXPECT_EQ(characters, 8u);
+  // Forms that are too long, beyond the last character, or cut off are single bytes.
+  for (const std::string& bytes : {"\xC0\x80"s, "\xE0\x80\x80"s, "\xF0\x80\x80\x80"s,
+                                   "\xF4\x90\x80\x80"s, "\xE6\x97"s, "\x80"s}) {
+    EXPECT_EQ(Length(bytes), bytes.size());
+    EXPECT_FALSE(IsValidUtf8(bytes));
+    EXPECT_EQ(Fold(bytes), bytes);
+  }
+  EXPECT_FALSE(IsValidUtf8("\xED\xA0\x80"));
+  EXPECT_TRUE(IsValidUtf8("a\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80"));
+}
+
+TEST(text, CountsUtf16Units) {
+  EXPECT_EQ(Length(Everything), 9u);
+  EXPECT_EQ(Left(Everything, 3), "a\xC3\xA9\xE6\x97\xA5");
+  EXPECT_EQ(Left(Everything, 4), "a\xC3\xA9\xE6\x97\xA5");  // never half a pair
+  EXPECT_EQ(Left(Everything, 5), "a\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80");
+  EXPECT_EQ(Left(Everything, 100), Everything);
+}
+
+TEST(text, FoldsLettersOneToOne) {
+  struct Case {
+    const char* A;
+    const char* B;
+    bool Equal;
+  };
+  const Case cases[] = {
+      {"Program FILES", "pROGRAM files", true},
+      {"\xC3\x84\xC3\x96", "\xC3\xA4\xC3\xB6", true},  // ä ö
+      {"\xCE\xA3", "\xCF\x83", true},                  // sigma
+      {"\xCF\x83", "\xCF\x82", true},                  // sigma at a word's end
+      {"\xD0\x96", "\xD0\xB6", true},                  // Cyrillic
+      {"\xF0\x90\x90\x80", "\xF0\x90\x90\xA8", true},  // Deseret
+      {"\xC3\x9F", "ss", false},                       // sharp s
+      {"\xC3\xA9", "e", false},
+      {"a", "ab", false},
+      {"[", "{", false},
+      {"\xC9", "\xE9", false},  // bytes are no letters
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(EqualNoCase(c.A, c.B), c.Equal) << c.A << " " << c.B;
+    EXPECT_EQ(Fold(std::string_view(c.A)) == Fold(std::string_view(c.B)), c.Equal) << c.A;
+  }
+  EXPECT_EQ(FoldAscii("\xC3\x84 ABC"), "\xC3\x84 abc");
+  EXPECT_EQ(Upper("\xC3\xA4 abc"), "\xC3\x84 ABC");
+  EXPECT_EQ(Lower("\xC3\x84 ABC"), "\xC3\xA4 abc");
+  EXPECT_TRUE(
+      StartsWithNoCase("\xC3\x84"
+                       "bc",
+                       "\xC3\xA4"
+                       "B"));
+  EXPECT_FALSE(StartsWithNoCase("ab", "abc"));
+}
+
+TEST(text, GoesThroughUtf16AndBack) {
+  const std::string name = "a\xE6\x97\xA5\xF0\x9F\x98\x80\xED\xA0\x80.\xED\xB0\x80";
+  const std::string little = ToUtf16Le(name);
+  EXPECT_EQ(little, "a\0\xE5\x65\x3D\xD8\x00\xDE\x00\xD8.\0\x00\xDC"s);
+  EXPECT_EQ(FromUtf16Le(little), name);
+  EXPECT_EQ(FromUtf16Le("a\0b"s), "a");  // an odd byte is dropped
+  EXPECT_EQ(FromUtf16Be("\0a\x65\xE5\xD8\x3D\xDE\x00"s), "a\xE6\x97\xA5\xF0\x9F\x98\x80");
+  EXPECT_EQ(FromUtf16Le("\x3D\xD8"s), "\xED\xA0\xBD");  // half a pair at the end
+}
+
+TEST(text, GoesThroughCodePage1252AndBack) {
+  std::string all;
+  for (int i = 0; i < 256; ++i) all.push_back(static_cast<char>(i));
+  std::size_t lost = 0;
+  EXPECT_EQ(ToCp1252(FromCp1252(all), Lacking::QuestionMark, &lost), all);
+  EXPECT_EQ(lost, 0u);
+  EXPECT_EQ(FromCp1252("\x80\x81\x9F\xE9"), "\xE2\x82\xAC\xC2\x81\xC5\xB8\xC3\xA9");
+  EXPECT_EQ(ToCp1252("\xE6\x97\xA5\xC4\x80x\xE2\x90\x80", Lacking::QuestionMark, &lost), "??x\0"s);
+  EXPECT_EQ(lost, 2u);
+  EXPECT_EQ(ToCp1252("\xE6\x97\xA5\xFF", Lacking::Utf8, &lost), "\xE6\x97\xA5\xFF");
+  EXPECT_EQ(lost, 3u);
+}
+
+TEST(text, ReadsNumbersAndTruth) {
+  EXPECT_EQ(Val(" 12.5x"), 12.5);
+  EXPECT_EQ(Val("x"), 0);
+  EXPECT_TRUE(ReadBoolean("TRUE ", false));
+  EXPECT_FALSE(ReadBoolean("0", true));
+  EXPECT_TRUE(ReadBoolean("-1", false));
+  EXPECT_TRUE(ReadBoolean("", true));
+  EXPECT_FALSE(ReadBoolean("1x", false));
+  std::string stored = "a\0b\0"s;
+  ReplaceNul(stored);
+  EXPECT_EQ(stored,
+            "a\xE2\x90\x80"
+            "b\xE2\x90\x80");
+  EXPECT_EQ(Trim("  \ta "), "\ta");
+  EXPECT_EQ(TrimWhite(" \ta\t "), "a");
+}
+
+}  // namespace
+}  // namespace sandrel::text
