@@ -105,7 +105,11 @@ void clsFileWorks::ReplaceWhole(const std::string& path, std::string_view conten
   if (file.Get() < 0) throw ErrnoError(errno, "Can't write " + path);
   try {
     struct stat status {};
-    const mode_t mode = stat(target.c_str(), &status) == 0 ? status.st_mode & 07777u : 0644u;
+    const bool exists = stat(target.c_str(), &status) == 0;
+    const mode_t mode = exists ? status.st_mode & 07777u : 0644u;
+    // Another user's file stays that user's where this process may see to it.
+    [[maybe_unused]] const int owned =
+        exists ? fchown(file.Get(), status.st_uid, status.st_gid) : 0;
     if (fchmod(file.Get(), mode) != 0) throw ErrnoError(errno, "Can't write " + path);
     WriteAll(file.Get(), content, path);
     if (fsync(file.Get()) != 0 || file.Close() != 0) throw ErrnoError(errno, "Can't write " + path);
