@@ -27,6 +27,7 @@ inline constexpr std::int32_t DiskFull = 61;
 inline constexpr std::int32_t PermissionDenied = 70;
 inline constexpr std::int32_t PathFileAccess = 75;  ///< a file that vanished or can't be read
 inline constexpr std::int32_t PathNotFound = 76;
+inline constexpr std::int32_t NotSet = 91;  ///< an object that an earlier statement failed to make
 // Database engine.
 inline constexpr std::int32_t TableExists = 3010;
 inline constexpr std::int32_t NoCurrentRecord = 3021;
@@ -109,6 +110,14 @@ auto RaiseAs(std::string_view source, Body&& body) -> decltype(body()) {
   } catch (const std::bad_alloc&) {
     throw clsError(errnum::OutOfMemory, "Out of memory", std::string(source));
   }
+}
+
+/// The object that an earlier statement was to make; raises 91 when it failed and the user chose to
+/// go on.
+template <class Pointer>
+auto& Need(const Pointer& object) {
+  if (!object) throw clsError(errnum::NotSet, "Object variable or With block variable not set");
+  return *object;
 }
 
 /// An error for the present `errno` value `code`: its number is chosen by the kind of failure, its

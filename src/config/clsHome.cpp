@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
 
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
@@ -57,22 +58,31 @@ std::string clsHome::WorkingDatabase() const {
   return clsFileWorks::Join(m_folder, "SandrelTemp.zqd");
 }
 
-clsHomeLock::clsHomeLock(const clsHome& home) {
-  const std::string path = clsFileWorks::Join(home.Path(), "SandrelTemp.lock");
-  m_file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-  if (m_file < 0) throw ErrnoError(errno, "Can't write in the home folder " + home.Path());
-  if (flock(m_file, LOCK_EX | LOCK_NB) != 0) {
-    close(m_file);
-    throw clsError(
-        errnum::HomeBusy,
-        fmt::format("Another snapshot command works on {}. Wait until it has ended, or give "
-                    "this one another home folder.",
-                    home.Path()));
-  }
-}
+struct clsHomeLock::LockedFile {
+  explicit LockedFile(const std::string& path)
+      : Descriptor(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {}
+  ~LockedFile() { close(Descriptor); }
+  LockedFile(const LockedFile&) = delete;
+  LockedFile& operator=(const LockedFile&) = delete;
+  int Descriptor;
+};
 
-clsHomeLock::~clsHomeLock() {
-  close(m_file);
+clsHomeLock::clsHomeLock(const clsHome& home) {
+  static std::map<std::string, std::weak_ptr<LockedFile>> held;  // by path, for nesting
+  const std::string path = clsFileWorks::Join(home.Path(), "SandrelTemp.lock");
+  std::weak_ptr<LockedFile>& known = held[path];
+  m_file = known.lock();
+  if (m_file != nullptr) return;
+  m_file = std::make_shared<LockedFile>(path);
+  if (m_file->Descriptor < 0)
+    throw ErrnoError(errno, "Can't write in the home folder " + home.Path());
+  if (flock(m_file->Descriptor, LOCK_EX | LOCK_NB) != 0) {
+    throw clsError(errnum::HomeBusy,
+                   fmt::format("Another snapshot command works on {}. Wait until it has ended, or "
+                               "give this one another home folder.",
+                               home.Path()));
+  }
+  known = m_file;
 }
 
 std::string MachineFolder(const std::string& given, clsSettings& settings) {

@@ -2,6 +2,7 @@
 // at.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "config/clsSettings.h"
@@ -31,12 +32,10 @@ class clsHome {
 class clsHomeLock {
  public:
   explicit clsHomeLock(const clsHome& home);
-  ~clsHomeLock();
-  clsHomeLock(const clsHomeLock&) = delete;
-  clsHomeLock& operator=(const clsHomeLock&) = delete;
 
  private:
-  int m_file;
+  struct LockedFile;
+  std::shared_ptr<LockedFile> m_file;
 };
 
 /// The folder of the machine that is looked at: `given`, else $SANDREL_MACHINE, else $WINEPREFIX,

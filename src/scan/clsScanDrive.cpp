@@ -76,8 +76,13 @@ void clsScanDrive::CommitDBTransaction(bool bNoIni) {
 }
 
 void clsScanDrive::DoXTreeFiles(const std::string& Pathname) {
+  NeedTransaction();
   DoXTree(Pathname);
   if (m_cancelled && AckCancel) AckCancel();
+}
+
+void clsScanDrive::NeedTransaction() const {
+  Need(m_transactionOpen ? m_database.get() : nullptr);
 }
 
 void clsScanDrive::DoXTree(const std::string& given) {

@@ -74,6 +74,7 @@ class clsScanDrive {
     bool Known;  // the snapshot had the file's row already
   };
 
+  void NeedTransaction() const;
   void DoXTree(const std::string& folder);
   std::vector<std::string> Subfolders(const std::string& folder);
   std::int64_t PathIdOf(const std::string& folder);

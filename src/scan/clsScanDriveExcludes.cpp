@@ -75,6 +75,7 @@ bool clsScanDrive::MatchFileName(std::string_view name, std::string_view pattern
 void clsScanDrive::DeleteExcludes() {
   clsScanSettings settings(m_context.Settings);
   if (!settings.FileExclude()) return;
+  NeedTransaction();
   std::vector<std::string> entries = settings.List("ExcludeFiles");
   if (entries.empty()) entries = DefaultExcludes(m_context.Machine, m_context.AppPath);
   for (const std::string& entry : entries) {

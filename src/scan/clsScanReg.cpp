@@ -94,10 +94,15 @@ void clsScanReg::CountKeys(clsRegistry& registry, const std::string& branch, std
 
 void clsScanReg::DoXTreeBranch(const std::string& psvBranch, std::uint32_t plHive,
                                const std::string& psvMachine) {
+  NeedTransaction();
   Hive = plHive;
   m_keysWalked = 0;
   DoXTree(RegistryOf(psvMachine), psvBranch);
   if (m_cancelled && AckCancel) AckCancel();
+}
+
+void clsScanReg::NeedTransaction() const {
+  Need(m_transactionOpen ? m_database.get() : nullptr);
 }
 
 void clsScanReg::DoXTree(clsRegistry* registry, const std::string& branch) {

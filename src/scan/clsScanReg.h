@@ -56,6 +56,7 @@ class clsScanReg {
                      const std::string& psvMachine);
   /// Ends this walk and all further ones of this instance.
   void Cancel() { m_cancelled = true; }
+  bool IsCancelled() const { return m_cancelled; }
   void ReportProgress();
 
   /// Deletes the rows of the program's own settings and of copies of the current control set from
@@ -99,6 +100,7 @@ class clsScanReg {
   /// The registry in which the key now exists.
   clsRegistry& GetHKey(std::uint32_t hive, const std::string& path, const std::string& machine);
 
+  void NeedTransaction() const;
   void CountKeys(clsRegistry& registry, const std::string& branch, std::uint32_t hive);
   void DoXTree(clsRegistry* registry, const std::string& branch);
   void DoValues(clsRegistry& registry, const clsRegistry::Handle& key);

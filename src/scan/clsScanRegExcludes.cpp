@@ -49,6 +49,7 @@ std::vector<std::string> clsScanReg::BuiltInExcludes(clsRegistry* registry) {
 }
 
 void clsScanReg::DeleteExcludes(bool KillKey) {
+  NeedTransaction();
   clsRegistry* registry = nullptr;
   try {
     registry = &m_context.Machine.Registry();

@@ -1,0 +1,93 @@
+#include "snapshot/StatsReport.h"
+
+#include <fmt/format.h>
+
+#include "common/text.h"
+#include "config/clsScanSettings.h"
+#include "snapshot/clsSnapshots.h"
+
+namespace sandrel {
+namespace {
+
+constexpr std::string_view Indent = "        ";
+
+class clsReport {
+ public:
+  clsReport(dao::Recordset& stats, clsSettings& settings) : m_stats(stats), m_settings(settings) {}
+
+  void Folders();
+  void Hives();
+  void Exclusions(clsMachine& machine, const std::string& appPath);
+
+ private:
+  void Row(std::string_view description, std::string_view value = {}) {
+    AddStatsRow(m_stats, description, value);
+  }
+  void Blank() { Row(" "); }
+  // Names of folders and entries can fill a description to its end; the row shows what has room.
+  void Item(std::string_view text, std::string_view value = {}) {
+    Row(text::Left(fmt::format("{}{}", Indent, text), 255), value);
+  }
+  static const char* YesNo(bool yes) { return yes ? "Yes" : "No"; }
+
+  dao::Recordset& m_stats;
+  clsScanSettings m_settings;
+};
+
+void clsReport::Folders() {
+  Blank();
+  Row("Disk Scan Settings");
+  const auto folders = m_settings.List("ScanFolders");
+  const bool any = m_settings.DiskScan() && !folders.empty();
+  Row("    Folders Scanned", any ? "" : "None");
+  if (!any) return;
+  for (const std::string& folder : folders) Item(folder);
+  Row("    Version Info Included", YesNo(m_settings.VersionInfo()));
+  Row("    Size Info Included", YesNo(m_settings.SizeInfo()));
+  Row("    Attribute Info Included", YesNo(m_settings.AttributeInfo()));
+}
+
+void clsReport::Hives() {
+  Blank();
+  Row("Registry Scan Settings");
+  Row("    Hives Scanned", m_settings.RegScan() ? "" : "None");
+  if (!m_settings.RegScan()) return;
+  const std::string name = m_settings.RemoteName();
+  const std::string prefix = name.empty() ? name : "\\\\" + name + "\\";
+  for (int i = 1;; ++i) {
+    const ScanHive hive = clsSnapshots::HiveByIndex(i, !prefix.empty());
+    if (hive.Name.empty()) return;
+    Item(prefix + hive.Name, YesNo(m_settings.IsSelected(hive)));
+  }
+}
+
+void clsReport::Exclusions(clsMachine& machine, const std::string& appPath) {
+  Blank();
+  Row("File Exclude Settings");
+  Row("    Files / Folders Excluded", m_settings.FileExclude() ? "" : "None");
+  if (!m_settings.FileExclude()) return;
+  auto entries = m_settings.List("ExcludeFiles");
+  if (entries.empty()) entries = DefaultExcludes(machine, appPath);
+  for (const std::string& entry : entries) {
+    Item(entry, entry.ends_with('\\') ? "Folder Tree" : "File(s)");
+  }
+}
+
+}  // namespace
+
+void AddStatsRow(dao::Recordset& stats, std::string_view description, std::string_view value) {
+  stats.AddNew();
+  stats.Set("Description", description);
+  stats.Set("Value", text::Left(value, 50));
+  stats.Update();
+}
+
+void WriteStatsReport(dao::Recordset& stats, clsSettings& settings, clsMachine& machine,
+                      const std::string& appPath) {
+  clsReport report(stats, settings);
+  report.Folders();
+  report.Hives();
+  report.Exclusions(machine, appPath);
+}
+
+}  // namespace sandrel

@@ -1,0 +1,20 @@
+// The statistics of an analysis behind its nine counts: a report of the scan settings in force.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "config/clsSettings.h"
+#include "platform/dao/Recordset.h"
+#include "platform/machine/clsMachine.h"
+
+namespace sandrel {
+
+/// Adds one row. A value longer than its field is shortened.
+void AddStatsRow(dao::Recordset& stats, std::string_view description, std::string_view value);
+
+/// Adds the report's rows to the open table of statistics. `appPath` is Sandrel's own folder.
+void WriteStatsReport(dao::Recordset& stats, clsSettings& settings, clsMachine& machine,
+                      const std::string& appPath);
+
+}  // namespace sandrel
