@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <string>
 
 #include "store/clsTableMaint.h"
@@ -14,7 +15,7 @@ namespace sandrel {
 struct Difference {
   const char* Sql;
   const char* Table;
-  void (clsTableMaint::*Create)(const std::string& database, const std::string& table);
+  std::function<void(clsTableMaint&, const std::string& database, const std::string& table)> Create;
   const char* Description;
   int Progress;  // per cent
 };

@@ -293,7 +293,7 @@ void clsAnalysis::CompareAll(clsStatements& run, dao::Workspace& targets,
     run([&] { m_shell.DoEvents(false); });
     run([&] { AddStatRow(Need(stats), difference.Description, Need(rows)); });
     Phase("copy", difference.Table);
-    run([&] { (maint.*difference.Create)(path, difference.Table); });
+    run([&] { difference.Create(maint, path, difference.Table); });
     run([&] { table = Need(target).OpenRecordset(difference.Table, dao::RecordsetType::Table); });
     // One transaction a table, ended before the next table is made through another workspace.
     run([&] {

@@ -1,0 +1,293 @@
+#include "cli/clsCommandLine.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <memory>
+
+#include "cli/clsCliShell.h"
+#include "cli/clsPageWriter.h"
+#include "common/clsError.h"
+#include "common/clsFileWorks.h"
+#include "common/text.h"
+#include "config/clsHome.h"
+#include "config/clsSettings.h"
+#include "snapshot/clsAnalysis.h"
+#include "snapshot/clsSnapshots.h"
+
+#ifndef SANDREL_VERSION
+#define SANDREL_VERSION "0"
+#endif
+
+namespace sandrel {
+namespace {
+
+struct Arguments {
+  std::string Machine, Home;
+  std::string File, Page, Out, Folder;
+  std::string Section, Key, Text;
+  bool Yes = false, Json = false, HasText = false;
+};
+
+class clsCommands {
+ public:
+  explicit clsCommands(const Arguments& arguments)
+      : m_arguments(arguments),
+        m_shell(arguments.Yes),
+        m_settings(clsSettings::DefaultPath()),
+        m_home(clsHome::Find(arguments.Home)) {}
+
+  int Before();
+  int After();
+  int Replace();
+  int Status();
+  int List();
+  int Settings();
+  int NotYet(std::string_view command);
+
+ private:
+  std::shared_ptr<clsMachine> OpenMachine();
+  std::string OpenMachineText();
+  void PrintSection(const std::string& section);
+  bool MayChange(const std::string& section);
+  int Print(const std::string& line) const;
+
+  const Arguments& m_arguments;
+  clsCliShell m_shell;
+  clsSettings m_settings;
+  clsHome m_home;
+};
+
+std::shared_ptr<clsMachine> clsCommands::OpenMachine() {
+  return clsMachine::Open(MachineFolder(m_arguments.Machine, m_settings));
+}
+
+int clsCommands::Print(const std::string& line) const {
+  if (m_shell.ExitStatus() == exitstatus::Done) fmt::print("{}\n", line);
+  return m_shell.ExitStatus();
+}
+
+int clsCommands::Before() {
+  clsSnapshots snapshots(m_shell, m_settings, m_home, OpenMachine());
+  m_shell.OnInterrupt = [&] { snapshots.ConfirmCancelScan(); };
+  clsCliShell::CatchInterrupts();
+  snapshots.mnuSnapShotBefore_Click();
+  return Print("Before Snapshot Complete");
+}
+
+int clsCommands::After() {
+  const auto machine = OpenMachine();
+  clsSnapshots snapshots(m_shell, m_settings, m_home, machine);
+  if (snapshots.GetSnapshotLevel() == SnapshotLevel::None) {
+    m_shell.Refuse(
+        "There is no 'Before' snapshot to compare with. Take one with: sandrel-cli before");
+    return m_shell.ExitStatus();
+  }
+  clsAnalysis analysis(m_shell, m_settings, m_home, machine);
+  m_shell.OnInterrupt = [&] { snapshots.ConfirmCancelScan(); };
+  clsCliShell::CatchInterrupts();
+  std::string path = std::filesystem::absolute(m_arguments.File).lexically_normal().string();
+  analysis.AfterInto(snapshots, path);
+  return Print("Analysis Created: " + m_arguments.File);
+}
+
+int clsCommands::Replace() {
+  clsSnapshots snapshots(m_shell, m_settings, m_home, nullptr);
+  if (snapshots.GetSnapshotLevel() != SnapshotLevel::BeforeAndAfter) {
+    m_shell.Refuse("There is no 'After' snapshot to put in the place of the 'Before' snapshot.");
+    return m_shell.ExitStatus();
+  }
+  snapshots.mnuSnapShotRollUp_Click();
+  return Print("The After snapshot is the Before snapshot now");
+}
+
+std::string clsCommands::OpenMachineText() {
+  try {
+    const auto machine = OpenMachine();
+    return fmt::format("{} ({})", machine->Folder(),
+                       machine->MachineKind() == clsMachine::Kind::WinePrefix
+                           ? "Wine prefix"
+                           : "offline Windows volume");
+  } catch (const clsError& error) {
+    return "none: " + error.Description();
+  }
+}
+
+int clsCommands::Status() {
+  const SnapshotLevel level = ReadSnapshotLevel(m_home.WorkingDatabase());
+  const char* words = level == SnapshotLevel::None     ? "none"
+                      : level == SnapshotLevel::Before ? "Before"
+                                                       : "Before and After";
+  const auto time = [&](const char* key) {
+    return m_settings.GetSetting("Snapshot Creation Time", key, "None");
+  };
+  fmt::print("Machine:   {}\n", OpenMachineText());
+  fmt::print("Home:      {}\n", m_home.Path());
+  fmt::print("Snapshots: {}\n", words);
+  if (level != SnapshotLevel::None) {
+    fmt::print("Before:    {} ({})\n", time("Before"),
+               m_settings.GetSetting("Snapshot Machine", "Folder"));
+  }
+  if (level == SnapshotLevel::BeforeAndAfter) fmt::print("After:     {}\n", time("After"));
+  return exitstatus::Done;
+}
+
+int clsCommands::List() {
+  const int page = PageByName(m_arguments.Page);
+  clsPageWriter writer(m_arguments.File, stdout);
+  try {
+    if (m_arguments.Json) {
+      writer.WriteJson(page);
+    } else {
+      writer.WriteText(page);
+    }
+  } catch (const clsError& error) {
+    if (error.Number() != errnum::NoSuchTable) throw;
+    throw error.WithDescription(
+        fmt::format("{} is an invalid or corrupt Sandrel Database. Choose a file that was made by "
+                    "'sandrel-cli after'.",
+                    m_arguments.File));
+  }
+  if (std::fflush(stdout) != 0) throw ErrnoError(errno, "Can't write the page");
+  return exitstatus::Done;
+}
+
+void clsCommands::PrintSection(const std::string& section) {
+  for (const std::string& key : m_settings.Keys(section)) {
+    fmt::print("{}\t{}\t{}\n", section, key, m_settings.GetSetting(section, key));
+  }
+}
+
+// Snapshots taken under other scan settings can't be compared, so changing those clears them.
+bool clsCommands::MayChange(const std::string& section) {
+  bool scan = false;
+  for (const char* name : {"ScanFolders", "ExcludeFiles", "RegScan"}) {
+    scan = scan || text::EqualNoCase(section, name);
+  }
+  if (text::EqualNoCase(section, "Enabled")) {
+    scan = true;
+    for (const char* name : {"Statusbar", "Toolbar", "Systray"}) {
+      if (text::EqualNoCase(m_arguments.Key, name)) scan = false;
+    }
+  }
+  const SnapshotLevel level = ReadSnapshotLevel(m_home.WorkingDatabase());
+  if (!scan || level == SnapshotLevel::None) return true;
+  const char* which =
+      level == SnapshotLevel::Before ? "'Before' snapshot" : "'Before' and 'After' snapshots";
+  const clsHomeLock lock(m_home);
+  if (m_shell.Ask(
+          {fmt::format(
+               "Your {} will become invalid and be cleared if you continue.\n\nSave anyway?",
+               which),
+           "Sandrel Manager", Buttons::YesNo, BoxIcon::None}) != Answer::Yes) {
+    return false;
+  }
+  clsTableMaint().DeleteDatabase(m_home.WorkingDatabase());
+  return true;
+}
+
+int clsCommands::Settings() {
+  const std::string& section = m_arguments.Section;
+  const std::string& key = m_arguments.Key;
+  if (m_arguments.HasText) {
+    const std::string absent("\x01", 1);
+    if (m_settings.GetSetting(section, key, absent) == m_arguments.Text) return exitstatus::Done;
+    if (!MayChange(section)) return m_shell.ExitStatus();
+    m_settings.SaveSetting(section, key, m_arguments.Text);
+  } else if (!key.empty()) {
+    fmt::print("{}\n", m_settings.GetSetting(section, key));
+  } else if (!section.empty()) {
+    PrintSection(section);
+  } else {
+    for (const std::string& name : m_settings.Sections()) PrintSection(name);
+  }
+  return exitstatus::Done;
+}
+
+int clsCommands::NotYet(std::string_view command) {
+  m_shell.Fail(fmt::format("'{}' comes with a later version; this one can't do it yet.", command));
+  return m_shell.ExitStatus();
+}
+
+int Failed(std::string_view why) {
+  clsCliShell shell(false);
+  shell.Fail(why);
+  return shell.ExitStatus();
+}
+
+int Parse(int argc, char** argv) {
+  Arguments arguments;
+  CLI::App app(
+      "Finds out what a software installation does to a Windows machine: a Wine prefix or an "
+      "offline Windows volume.",
+      "sandrel-cli");
+  app.set_version_flag("--version", "sandrel-cli " SANDREL_VERSION);
+  app.add_option(
+         "--machine", arguments.Machine,
+         "Folder of the machine to look at (else $SANDREL_MACHINE, $WINEPREFIX, the setting, "
+         "~/.wine)")
+      ->type_name("DIR");
+  app.add_option("--home", arguments.Home, "Folder of the snapshots (else $SANDREL_HOME)")
+      ->type_name("DIR");
+  app.require_subcommand(1);
+  app.fallthrough();
+
+  int status = exitstatus::Done;
+  const auto command = [&](const char* name, const char* words, int (clsCommands::*run)()) {
+    CLI::App* sub = app.add_subcommand(name, words);
+    sub->callback([&arguments, &status, run] { status = (clsCommands(arguments).*run)(); });
+    return sub;
+  };
+  const auto yes = [&](CLI::App* sub) {
+    sub->add_flag("--yes", arguments.Yes, "Answer every question with yes");
+  };
+  yes(command("before", "Take the Before snapshot", &clsCommands::Before));
+  CLI::App* after =
+      command("after", "Take the After snapshot and write the analysis", &clsCommands::After);
+  after->add_option("FILE", arguments.File, "The analysis to write")->required();
+  yes(after);
+  command("replace", "Make the After snapshot the new Before snapshot", &clsCommands::Replace);
+  command("status", "Show the machine and the snapshots that exist", &clsCommands::Status);
+
+  CLI::App* list = command("list", "Show a page of an analysis, tab-separated", &clsCommands::List);
+  list->add_option("FILE", arguments.File, "The analysis")->required();
+  list->add_option("PAGE", arguments.Page, "ShowStats, ShowNewFiles, ShowAllRegistry...")
+      ->default_str("ShowStats");
+  list->add_flag("--json", arguments.Json, "As JSON");
+  arguments.Page = "ShowStats";
+
+  CLI::App* settings = command("settings", "Show or change settings", &clsCommands::Settings);
+  settings->add_option("SECTION", arguments.Section);
+  settings->add_option("KEY", arguments.Key);
+  CLI::Option* textOption = settings->add_option("TEXT", arguments.Text);
+  settings->parse_complete_callback([&] { arguments.HasText = textOption->count() > 0; });
+  yes(settings);
+
+  for (const char* later : {"export", "copy"}) {
+    CLI::App* sub = app.add_subcommand(later, "Comes with a later version");
+    sub->allow_extras();
+    sub->callback([&arguments, &status, later] { status = clsCommands(arguments).NotYet(later); });
+  }
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& success) {
+    return app.exit(success);  // --help, --version
+  } catch (const CLI::ParseError& error) {
+    return Failed(fmt::format("{} See sandrel-cli --help.", error.what()));
+  }
+  return status;
+}
+
+}  // namespace
+
+int RunCommandLine(int argc, char** argv) {
+  try {
+    return Parse(argc, argv);
+  } catch (const std::exception& error) {
+    return Failed(error.what());
+  }
+}
+
+}  // namespace sandrel
