@@ -4,7 +4,7 @@
 
 #include "common/text.h"
 
-namespace sandrel {
+namespace sandrel::test {
 namespace {
 
 constexpr std::uint32_t NoCell = 0xFFFFFFFFu;
@@ -262,4 +262,4 @@ void RegfBuilder::SetChecksum(std::string& hive) {
   Set32(hive, Place, sum);
 }
 
-}  // namespace sandrel
+}  // namespace sandrel::test

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-namespace sandrel {
+namespace sandrel::test {
 
 struct RegfValue {
   std::string name;  ///< UTF-8; empty for the default value
@@ -79,4 +79,4 @@ class RegfBuilder {
   std::vector<std::size_t> m_cells;
 };
 
-}  // namespace sandrel
+}  // namespace sandrel::test

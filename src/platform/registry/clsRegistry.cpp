@@ -17,8 +17,10 @@ bool IsText(std::uint32_t type) {
 // As on Windows, where readers rely on the zero that sloppy writers leave out.
 void Terminate(std::string& data) {
   if (data.empty()) return;
+  const std::size_t units = data.size() / 2;
+  if (units > 0 && data[2 * units - 2] == '\0' && data[2 * units - 1] == '\0') return;
   if (data.size() % 2 != 0) data.push_back('\0');
-  if (data[data.size() - 1] != '\0' || data[data.size() - 2] != '\0') data.append(2, '\0');
+  if (data[data.size() - 2] != '\0' || data[data.size() - 1] != '\0') data.append(2, '\0');
 }
 
 }  // namespace

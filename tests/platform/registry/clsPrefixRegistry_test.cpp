@@ -1,0 +1,309 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "common/clsError.h"
+#include "common/clsFileWorks.h"
+#include "platform/registry/DumpKeys.h"
+#include "platform/registry/clsRegistry.h"
+#include "platform/registry/wineserver.h"
+#include "support/TempFolder.h"
+
+namespace sandrel {
+namespace {
+
+using test::DumpKeys;
+using test::Query;
+using test::TempFolder;
+
+const std::string Sid = "S-1-5-21-0-0-0-1000";
+
+// Three hives with what the views and links need.
+class clsPrefixRegistry : public testing::Test {
+ protected:
+  clsPrefixRegistry() {
+    Write("system.reg", "Machine",
+          R"([Software\\Classes\\.txt] 1
+@="machine"
+"only"="m"
+
+[Software\\Classes\\.txt\\m] 1
+
+[Software\\Classes\\.zip] 1
+
+[Software\\Wow\\Link] 1
+#link
+"SymbolicLinkValue"=hex(6):)" +
+              Target("\\Registry\\Machine\\Software\\Target") +
+              R"(
+
+[Software\\Loop] 1
+#link
+"SymbolicLinkValue"=hex(6):)" +
+              Target("\\REGISTRY\\MACHINE\\software\\loop") +
+              R"(
+
+[Software\\Lost] 1
+#link
+"SymbolicLinkValue"=hex(6):)" +
+              Target("\\REGISTRY\\USER\\nobody") +
+              R"(
+
+[Software\\Target] 1
+"here"="1"
+
+[Software\\Target\\Back] 1
+#link
+"SymbolicLinkValue"=hex(6):)" +
+              Target("\\Registry\\Machine\\Software") +
+              R"(
+
+[System\\CurrentControlSet\\Hardware Profiles\\0001\\Software] 1
+"p"=dword:00000001
+)");
+    Write("user.reg", "User\\\\" + Sid, R"([Software\\Classes\\.TXT] 1
+@="user"
+
+[Software\\Classes\\.new\\u] 1
+)");
+    Write("userdef.reg", "User\\\\.Default", "[Console] 1\n\"x\"=\"d\"\n");
+  }
+
+  void Write(const char* name, const std::string& branch, const std::string& keys) {
+    clsFileWorks::ReplaceWhole(m_folder.Of(name),
+                               "WINE REGISTRY Version 2\n;; All keys relative to REGISTRY\\\\" +
+                                   branch + "\n\n#arch=win64\n\n" + keys);
+  }
+  std::string Read(const char* name) { return clsFileWorks::ReadWhole(m_folder.Of(name)); }
+
+  static std::string Target(const std::string& path) {
+    std::string hex;
+    for (const char c : path) hex += fmt::format("{}{:02x},00", hex.empty() ? "" : ",", c);
+    return hex;
+  }
+
+  TempFolder m_folder;
+};
+
+TEST_F(clsPrefixRegistry, PutsTheHivesBelowTheirRoots) {
+  const auto registry = OpenPrefixRegistry(m_folder.Path());
+  EXPECT_EQ(registry->Roots().size(), 5u);
+  EXPECT_EQ(DumpKeys(*registry, hkey::Users),
+            "[]\n[.Default]\n[.Default\\Console]\nx=1:64000000\n[" + Sid + "]\n[" + Sid +
+                "\\Software]\n[" + Sid + "\\Software\\Classes]\n[" + Sid +
+                "\\Software\\Classes\\.TXT]\n=1:7500730065007200"
+                "0000\n[" +
+                Sid + "\\Software\\Classes\\.new]\n[" + Sid + "\\Software\\Classes\\.new\\u]\n");
+  EXPECT_EQ(DumpKeys(*registry, hkey::CurrentConfig), "[]\n[Software]\np=4:01000000\n");
+  EXPECT_EQ(Query(*registry, hkey::CurrentUser, "software\\classes\\.txt", ""),
+            "1:75007300650072000000");
+  // The user's own SID stands in the file.
+  Write("user.reg", "User\\\\S-1-5-21-1-2-3-4", "[K] 1\n");
+  EXPECT_EQ(Query(*OpenPrefixRegistry(m_folder.Path()), hkey::Users, "S-1-5-21-1-2-3-4\\K", ""),
+            "none");
+  clsRegistry::Handle key;
+  const auto other = OpenPrefixRegistry(m_folder.Path());
+  EXPECT_EQ(other->RegOpenKeyEx(hkey::Users, "s-1-5-21-1-2-3-4\\k", key), regstatus::Success);
+}
+
+TEST_F(clsPrefixRegistry, MergesTheUsersClassesOverTheMachines) {
+  const auto registry = OpenPrefixRegistry(m_folder.Path());
+  EXPECT_EQ(DumpKeys(*registry, hkey::ClassesRoot),
+            "[]\n[.TXT]\n=1:75007300650072000000\nonly=1:6d000000\n[.TXT\\m]\n"
+            "[.new]\n[.new\\u]\n[.zip]\n");
+}
+
+TEST_F(clsPrefixRegistry, FollowsLinksOnce) {
+  const auto registry = OpenPrefixRegistry(m_folder.Path());
+  const std::string back = "SymbolicLinkValue=6:";
+  const std::string wow = DumpKeys(*registry, hkey::LocalMachine, "Software\\Wow");
+  EXPECT_EQ(
+      wow.substr(0, wow.find(back)),
+      "[Software\\Wow]\n[Software\\Wow\\Link]\nhere=1:31000000\n[Software\\Wow\\Link\\Back]\n");
+  // Not inside a link, the same key is followed, and its own target's links are not.
+  const std::string direct = DumpKeys(*registry, hkey::LocalMachine, "Software\\Target\\Back");
+  EXPECT_NE(direct.find("[Software\\Target\\Back\\Classes\\.zip]"), std::string::npos);
+  EXPECT_NE(direct.find("[Software\\Target\\Back\\Wow\\Link]\n" + back), std::string::npos);
+  for (const char* path : {"Software\\Loop", "Software\\Lost"}) {  // shown as they are
+    const std::string shown = DumpKeys(*registry, hkey::LocalMachine, path);
+    EXPECT_EQ(shown.find(back), shown.find('\n') + 1) << shown;
+  }
+}
+
+TEST_F(clsPrefixRegistry, OpenKeysOutliveTheRegistry) {
+  auto registry = OpenPrefixRegistry(m_folder.Path());
+  clsRegistry::Handle users;
+  ASSERT_EQ(registry->RegOpenKeyEx(hkey::Users, "", users), regstatus::Success);
+  registry.reset();
+  EXPECT_EQ(users->Subkey(0)->SubkeyNames(), std::vector<std::string>{"Console"});
+}
+
+TEST_F(clsPrefixRegistry, RefusesAPrefixWithoutAllItsHives) {
+  for (const char* name : {"system.reg", "user.reg", "userdef.reg"}) {
+    const std::string path = m_folder.Of(name);
+    const std::string content = Read(name);
+    std::filesystem::remove(path);
+    for (const bool asFolder : {false, true}) {
+      if (asFolder) std::filesystem::create_directory(path);
+      try {
+        OpenPrefixRegistry(m_folder.Path());
+        ADD_FAILURE() << name;
+      } catch (const clsError& error) {
+        EXPECT_EQ(error.Number(), errnum::Hive);
+        EXPECT_NE(error.Description().find(name), std::string::npos);
+      }
+    }
+    std::filesystem::remove(path);
+    clsFileWorks::ReplaceWhole(path, content);
+  }
+}
+
+TEST_F(clsPrefixRegistry, WritesChangesIntoTheRightHive) {
+  const std::string user = Read("user.reg");
+  auto registry = OpenPrefixRegistry(m_folder.Path());
+  const auto text = [](std::string_view ascii) {
+    std::string data;
+    for (const char c : ascii) data.append({c, '\0'});
+    return data + std::string(2, '\0');
+  };
+  clsRegistry& r = *registry;
+  // Through a view, through a link, below the user's SID, and directly.
+  EXPECT_EQ(r.RegSetValueEx(hkey::ClassesRoot, ".txt", "only", 1, text("u")), regstatus::Success);
+  EXPECT_EQ(r.RegDeleteValue(hkey::ClassesRoot, ".txt", "ONLY"), regstatus::Success);
+  EXPECT_EQ(Query(r, hkey::ClassesRoot, ".txt", "only"), "1:6d000000");  // the machine's is left
+  EXPECT_EQ(r.RegDeleteValue(hkey::ClassesRoot, ".txt", "only"), regstatus::Success);
+  EXPECT_EQ(r.RegDeleteKey(hkey::ClassesRoot, ".zip"), regstatus::Success);
+  EXPECT_EQ(r.RegSetValueEx(hkey::LocalMachine, "Software\\Wow\\Link", "there", 3, "\x01"),
+            regstatus::Success);
+  EXPECT_EQ(r.RegSetValueEx(hkey::CurrentConfig, "software", "q", 4, std::string(4, '\0')),
+            regstatus::Success);
+  EXPECT_EQ(r.RegCreateKeyEx(hkey::Users, ".default\\New\\[k]"), regstatus::Success);
+  EXPECT_EQ(r.RegCreateKeyEx(hkey::Users, "S-1-5-18\\x"), regstatus::FileNotFound);
+  EXPECT_EQ(Query(r, hkey::LocalMachine, "Software\\Target", "there"), "3:01");
+  EXPECT_EQ(Read("user.reg"), user);  // nothing is written before the flush
+  EXPECT_EQ(r.Flush(), regstatus::Success);
+
+  registry = OpenPrefixRegistry(m_folder.Path());
+  EXPECT_EQ(DumpKeys(*registry, hkey::ClassesRoot),
+            "[]\n[.TXT]\n=1:75007300650072000000\n[.TXT\\m]\n[.new]\n[.new\\u]\n");
+  EXPECT_EQ(Query(*registry, hkey::LocalMachine, "Software\\Target", "there"), "3:01");
+  EXPECT_EQ(Query(*registry, hkey::CurrentConfig, "Software", "q"), "4:00000000");
+  clsRegistry::Handle key;
+  EXPECT_EQ(registry->RegOpenKeyEx(hkey::Users, ".Default\\New\\[k]", key), regstatus::Success);
+  const std::string system = Read("system.reg");
+  EXPECT_TRUE(
+      system.starts_with("WINE REGISTRY Version 2\n;; All keys relative to "
+                         "REGISTRY\\\\Machine\n\n#arch=win64\n\n[Sof"));
+  EXPECT_NE(system.find("\n#link\n\"SymbolicLinkValue\"=hex(6):5c,00,52"), std::string::npos);
+}
+
+TEST_F(clsPrefixRegistry, DoesNotOverwriteWhatOthersWrote) {
+  const auto registry = OpenPrefixRegistry(m_folder.Path());
+  clsRegistry& r = *registry;
+  const auto set = [&](const char* name) {
+    return r.RegSetValueEx(hkey::CurrentUser, "Software\\Classes", name, 3, "x");
+  };
+  // Changed before our change: the new content is read first.
+  Write("user.reg", "User\\\\" + Sid, "[Software\\\\Classes] 1\n\"theirs\"=\"1\"\n");
+  EXPECT_EQ(set("ours"), regstatus::Success);
+  EXPECT_EQ(r.Flush(), regstatus::Success);
+  EXPECT_NE(Read("user.reg").find("\"theirs\"=\"1\"\n\"ours\"=hex:78\n"), std::string::npos);
+  // Changed after it: ours is dropped and said to be.
+  EXPECT_EQ(set("lost"), regstatus::Success);
+  Write("user.reg", "User\\\\" + Sid, "[Software\\\\Classes] 1\n\"theirs\"=\"2\"\n");
+  EXPECT_EQ(r.Flush(), regstatus::AccessDenied);
+  EXPECT_EQ(r.Flush(), regstatus::Success);
+  EXPECT_EQ(Read("user.reg").find("lost"), std::string::npos);
+  EXPECT_EQ(Query(r, hkey::CurrentUser, "Software\\Classes", "theirs"), "1:32000000");
+  // Gone: nothing is made up in its place.
+  std::filesystem::remove(m_folder.Of("user.reg"));
+  EXPECT_EQ(set("ours"), regstatus::AccessDenied);
+}
+
+TEST_F(clsPrefixRegistry, KeepsTheOwnerOfTheFile) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can give files away";
+  ASSERT_EQ(chown(m_folder.Of("user.reg").c_str(), 4321, 4321), 0);
+  const auto registry = OpenPrefixRegistry(m_folder.Path());
+  registry->RegCreateKeyEx(hkey::CurrentUser, "New");
+  EXPECT_EQ(registry->Flush(), regstatus::Success);
+  struct stat status {};
+  ASSERT_EQ(stat(m_folder.Of("user.reg").c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, 4321u);
+}
+
+// Holds the first byte of a file locked from another process, as a Wine server does.
+class Locker {
+ public:
+  explicit Locker(const std::string& path) {
+    int ready[2];
+    if (pipe(ready) != 0) return;
+    m_child = fork();
+    if (m_child == 0) {
+      struct flock lock {};
+      lock.l_type = F_WRLCK;
+      lock.l_whence = SEEK_SET;
+      lock.l_len = 1;
+      const int file = open(path.c_str(), O_RDWR);
+      const char done = fcntl(file, F_SETLK, &lock) == 0 ? 'y' : 'n';
+      if (write(ready[1], &done, 1) == 1) pause();
+      _exit(0);
+    }
+    char done = 'n';
+    held = read(ready[0], &done, 1) == 1 && done == 'y';
+    close(ready[0]);
+    close(ready[1]);
+  }
+  ~Locker() {
+    if (m_child <= 0) return;
+    kill(m_child, SIGKILL);
+    waitpid(m_child, nullptr, 0);
+  }
+  Locker(const Locker&) = delete;
+  Locker& operator=(const Locker&) = delete;
+  bool held = false;
+
+ private:
+  pid_t m_child = -1;
+};
+
+TEST_F(clsPrefixRegistry, IsNotWrittenWhileAServerRuns) {
+  EXPECT_FALSE(PrefixServerRuns(m_folder.Path()));
+  EXPECT_FALSE(PrefixServerRuns(m_folder.Of("nowhere")));
+  struct stat status {};
+  ASSERT_EQ(stat(m_folder.Path().c_str(), &status), 0);
+  const std::string server = fmt::format("/server-{:x}-{:x}/lock", status.st_dev, status.st_ino);
+  ASSERT_EQ(wineserver::LockFiles(m_folder.Path()),
+            std::vector<std::string>{fmt::format("/tmp/.wine-{}", status.st_uid) + server});
+
+  // Debian's server notes its folder in the prefix.
+  std::string noted = "/tmp/wine-XXXXXX";
+  ASSERT_NE(mkdtemp(noted.data()), nullptr);
+  clsFileWorks::ReplaceWhole(m_folder.Of("wineserver"), noted.substr(5) + "\n");
+  ASSERT_EQ(wineserver::LockFiles(m_folder.Path()).back(), noted + server);
+  const std::string lock = noted + server;
+  clsFileWorks::MakeFolders(std::filesystem::path(lock).parent_path());
+  clsFileWorks::ReplaceWhole(lock, "");
+  EXPECT_FALSE(PrefixServerRuns(m_folder.Path()));  // a server that has gone leaves the file
+
+  const auto registry = OpenPrefixRegistry(m_folder.Path());
+  registry->RegCreateKeyEx(hkey::LocalMachine, "New");
+  const std::string before = Read("system.reg");
+  {
+    const Locker locker(lock);
+    ASSERT_TRUE(locker.held);
+    EXPECT_TRUE(PrefixServerRuns(m_folder.Path()));
+    EXPECT_EQ(registry->Flush(), regstatus::AccessDenied);
+    EXPECT_EQ(Read("system.reg"), before);
+  }
+  EXPECT_EQ(registry->Flush(), regstatus::Success);  // the change was kept for a later try
+  EXPECT_NE(Read("system.reg").find("\n[New] "), std::string::npos);
+  std::filesystem::remove_all(noted);
+}
+
+}  // namespace
+}  // namespace sandrel

@@ -1,0 +1,384 @@
+#include "platform/registry/clsRegfHive.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+
+#include "common/clsError.h"
+#include "common/clsFileWorks.h"
+#include "support/RegfBuilder.h"
+#include "support/TempFolder.h"
+
+namespace sandrel {
+namespace {
+
+using test::RegfBuilder;
+using test::RegfKey;
+using test::TempFolder;
+using Key = std::shared_ptr<clsRegKey>;
+
+class clsRegfHiveTest : public testing::Test {
+ protected:
+  std::shared_ptr<clsRegfHive> Open(const std::string& bytes) {
+    clsFileWorks::ReplaceWhole(m_folder.Of("SOFTWARE"), bytes);
+    auto hive = clsRegfHive::Open(m_folder.Of("SOFTWARE"));
+    m_counts.Clear();
+    hive->CountIn(&m_counts);
+    return hive;
+  }
+
+  // Why the hive can't be opened.
+  std::string Fault(const std::string& bytes) {
+    try {
+      Open(bytes);
+      return "opened";
+    } catch (const clsError& error) {
+      EXPECT_EQ(error.Number(), errnum::Hive);
+      EXPECT_NE(error.Description().find(m_folder.Of("SOFTWARE")), std::string::npos);
+      return error.Description();
+    }
+  }
+
+  static Key Find(const Key& key, std::string_view name) {
+    const std::vector<std::string>& names = key->SubkeyNames();
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      if (names[i] == name) return key->Subkey(i);
+    }
+    return {};
+  }
+
+  // The type and data of the value of that index, as "3:data".
+  static std::string ValueOf(const Key& key, std::size_t index) {
+    std::uint32_t type = 0;
+    std::string data;
+    if (index >= key->ValueNames().size() || !key->Value(index, type, data)) return "none";
+    return std::to_string(type) + ":" + data;
+  }
+
+  // Reads everything below a key; false when there is more than any small hive can hold.
+  static bool Walk(const Key& key, std::size_t& keys, std::size_t level = 0) {
+    if (++keys > 2000) return false;
+    for (std::size_t i = 0; i < key->ValueNames().size(); ++i) ValueOf(key, i);
+    key->LinkTarget();
+    for (std::size_t i = 0; level < MaxKeyLevel && i < key->SubkeyNames().size(); ++i) {
+      if (!Walk(key->Subkey(i), keys, level + 1)) return false;
+    }
+    return true;
+  }
+
+  static void Set32(std::string& bytes, std::size_t at, std::uint32_t number) {
+    for (std::size_t i = 0; i < 4; ++i) bytes[at + i] = static_cast<char>(number >> 8 * i);
+  }
+
+  TempFolder m_folder;
+  clsLeftOut m_counts;
+};
+
+TEST_F(clsRegfHiveTest, ReadsNamesAndDataOfEveryKind) {
+  RegfBuilder builder;
+  const std::string zero("a\0b", 3);
+  const std::string high = "\xED\xA0\xBD";  // half of a surrogate pair
+  std::vector<std::string> data;
+  for (std::size_t size : {0, 1, 4, 5, 16340, 16343, 16344, 16345, 16350, 32688, 32689, 32696}) {
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 31 + i / 256);
+    data.push_back(bytes);
+  }
+  data.push_back(std::string((1 << 20) + 3, 'M'));
+  for (std::size_t i = 0; i < data.size(); ++i) {
+    builder.root.Value("size" + std::to_string(i), i == 3 ? 0xFFFF1003u : 3, data[i]);
+  }
+  for (std::uint32_t type = 0; type <= 12; ++type) builder.root.Value("", type, "data!");
+  const std::vector<std::string> names = {"plain", "é", "日本", "😀x", zero, high, "[]\"/"};
+  for (const std::string& name : names) builder.root.Add(name).Value(name, 1, name);
+
+  const auto hive = Open(builder.Build());
+  const Key root = hive->Root();
+  ASSERT_EQ(root->ValueNames().size(), data.size() + 13);
+  for (std::size_t i = 0; i < data.size(); ++i) {
+    EXPECT_EQ(root->ValueNames()[i], "size" + std::to_string(i));
+    EXPECT_EQ(ValueOf(root, i), (i == 3 ? "4294905859:" : "3:") + data[i]) << data[i].size();
+  }
+  for (std::size_t type = 0; type <= 12; ++type) {
+    EXPECT_EQ(ValueOf(root, data.size() + type), std::to_string(type) + ":data!");
+  }
+  EXPECT_EQ(root->SubkeyNames(), names);
+  for (const std::string& name : names) {
+    const Key key = Find(root, name);
+    ASSERT_NE(key, nullptr);
+    EXPECT_EQ(key->ValueNames(), std::vector<std::string>{name});
+    EXPECT_EQ(ValueOf(key, 0), "1:" + name);
+  }
+  EXPECT_EQ(m_counts.Summary(), "");
+}
+
+TEST_F(clsRegfHiveTest, ReadsEveryKindOfSubkeyList) {
+  for (const auto list : {RegfBuilder::List::Lf, RegfBuilder::List::Lh, RegfBuilder::List::Li}) {
+    for (const std::size_t longest : {500u, 65535u}) {
+      RegfBuilder builder;
+      builder.list = list;
+      builder.longestList = longest;
+      for (int i = 0; i < 10000; ++i) builder.root.Add("Key" + std::to_string(i)).Dword("n", 1);
+      const Key root = Open(builder.Build())->Root();
+      ASSERT_EQ(root->SubkeyNames().size(), 10000u);
+      EXPECT_EQ(root->SubkeyNames()[7777], "Key7777");
+      EXPECT_EQ(root->Subkey(9999)->ValueNames().size(), 1u);
+    }
+  }
+  // More than hivex takes.
+  RegfBuilder builder;
+  for (int i = 0; i < 80000; ++i) builder.root.Add(std::to_string(i));
+  for (int i = 0; i < 60000; ++i) builder.root.Dword(std::to_string(i), 1);
+  const Key root = Open(builder.Build())->Root();
+  EXPECT_EQ(root->SubkeyNames().size(), 80000u);
+  EXPECT_EQ(root->ValueNames().size(), 60000u);
+  EXPECT_EQ(m_counts.Summary(), "");
+}
+
+TEST_F(clsRegfHiveTest, RefusesAFileThatIsNoWholeHive) {
+  RegfBuilder builder;
+  for (int i = 0; i < 200; ++i) builder.root.Add("Key" + std::to_string(i)).Text("t", "text");
+  const std::string good = builder.Build();
+  EXPECT_EQ(Fault(good), "opened");
+  EXPECT_NE(Fault("").find("empty"), std::string::npos);
+  EXPECT_NE(Fault("MZ" + good).find("no registry hive"), std::string::npos);
+  EXPECT_NE(Fault(good.substr(0, 5000)).find("cut off"), std::string::npos);
+  // Cut off between two bins, which no structure shows but the header.
+  EXPECT_NE(Fault(good.substr(0, good.size() - 4096)).find("cut off"), std::string::npos);
+  std::string bad = good;
+  bad[100] = 1;
+  EXPECT_NE(Fault(bad).find("damaged"), std::string::npos);  // the header's checksum
+  bad = good;
+  bad[4096] = 'x';
+  EXPECT_NE(Fault(bad).find("damaged"), std::string::npos);  // the first bin
+  bad = good;
+  Set32(bad, 36, 0x20 + 8);
+  RegfBuilder::SetChecksum(bad);
+  EXPECT_NE(Fault(bad).find("damaged"), std::string::npos);  // the root key's place
+  EXPECT_THROW(clsRegfHive::Open(m_folder.Of("nothing")), clsError);
+  EXPECT_THROW(clsRegfHive::Open(m_folder.Path()), clsError);
+}
+
+TEST_F(clsRegfHiveTest, TellsThatALogIsPending) {
+  RegfBuilder builder;
+  EXPECT_FALSE(Open(builder.Build())->HasPendingLog());
+  builder.sequence2 = 7;
+  EXPECT_TRUE(Open(builder.Build())->HasPendingLog());
+}
+
+// Places inside a cell, counted from its size field.
+constexpr std::size_t NkParent = 4 + 16;
+constexpr std::size_t NkSubkeyCount = 4 + 20;
+constexpr std::size_t NkSubkeyList = 4 + 28;
+constexpr std::size_t NkValueCount = 4 + 36;
+constexpr std::size_t NkNameSize = 4 + 72;
+
+TEST_F(clsRegfHiveTest, LeavesOutAndCountsWhatIsDamaged) {
+  RegfBuilder builder;
+  builder.list = RegfBuilder::List::Li;
+  for (const char* name : {"a", "b", "c"}) builder.root.Add(name).Dword("n", 1);
+  builder.root.Dword("one", 1).Value("long", 3, std::string(100, 'x'));
+  builder.root.Value("big", 3, std::string(40000, 'y')).Dword("four", 4);
+  const std::string good = builder.Build();
+  const std::vector<std::size_t> nk = builder.CellsOf("nk");  // the root, a, b, c
+  const std::vector<std::size_t> vk = builder.CellsOf("vk");  // the root's, then a's, b's, c's
+  const std::size_t list = builder.CellsOf("li").front();
+  const std::size_t db = builder.CellsOf("db").front();
+  ASSERT_EQ(nk.size(), 4u);
+  ASSERT_EQ(vk.size(), 7u);
+  const auto place = [](std::size_t cell) { return static_cast<std::uint32_t>(cell - 4096); };
+
+  using Names = std::vector<std::string>;
+  const Names allKeys = {"a", "b", "c"};
+  const Names allValues = {"one", "long", "big", "four"};
+  const struct {
+    const char* what;
+    std::function<void(std::string&)> damage;
+    Names keys;
+    Names values;
+    std::uint64_t refusedKeys;
+    std::uint64_t refusedValues;
+  } cases[] = {
+      {"nothing", [](std::string&) {}, allKeys, allValues, 0, 0},
+      {"a subkey's place",
+       [&](std::string& h) { Set32(h, list + 12, 0x12345678); },
+       {"a", "c"},
+       allValues,
+       1,
+       0},
+      {"a subkey that is no key",
+       [&](std::string& h) { h[nk[2] + 4] = 'x'; },
+       {"a", "c"},
+       allValues,
+       1,
+       0},
+      {"a subkey listed twice",
+       [&](std::string& h) { Set32(h, list + 12, place(nk[1])); },
+       {"a", "c"},
+       allValues,
+       1,
+       0},
+      {"the root as a subkey of itself",
+       [&](std::string& h) { Set32(h, list + 12, place(nk[0])); },
+       {"a", "c"},
+       allValues,
+       1,
+       0},
+      {"another key's subkey",
+       [&](std::string& h) { Set32(h, nk[2] + NkParent, place(nk[1])); },
+       {"a", "c"},
+       allValues,
+       1,
+       0},
+      {"a name longer than its cell",
+       [&](std::string& h) { h[nk[2] + NkNameSize + 1] = 9; },
+       {"a", "c"},
+       allValues,
+       1,
+       0},
+      {"an empty name",
+       [&](std::string& h) { h[nk[2] + NkNameSize] = 0; },
+       {"a", "c"},
+       allValues,
+       1,
+       0},
+      {"a backslash in a name",
+       [&](std::string& h) { h[nk[2] + 4 + 76] = '\\'; },
+       {"a", "c"},
+       allValues,
+       1,
+       0},
+      {"the number of subkeys", [&](std::string& h) { Set32(h, nk[0] + NkSubkeyCount, 5); },
+       allKeys, allValues, 2, 0},
+      {"a number beyond reason",
+       [&](std::string& h) { Set32(h, nk[0] + NkSubkeyCount, 0x7FFFFFFF); }, allKeys, allValues, 1,
+       0},
+      {"the list of subkeys", [&](std::string& h) { h[list + 4] = 'x'; }, {}, allValues, 3, 0},
+      {"a list that holds itself",
+       [&](std::string& h) { h[list + 4] = 'r', Set32(h, list + 8, place(list)); },
+       {},
+       allValues,
+       3,
+       0},
+      {"the place of the list",
+       [&](std::string& h) { Set32(h, nk[0] + NkSubkeyList, 0xFFFFFFF0u); },
+       {},
+       allValues,
+       3,
+       0},
+      {"a value that is none",
+       [&](std::string& h) { h[vk[1] + 4] = 'x'; },
+       allKeys,
+       {"one", "big", "four"},
+       0,
+       1},
+      {"a value's name",
+       [&](std::string& h) { h[vk[1] + 4 + 3] = 9; },
+       allKeys,
+       {"one", "big", "four"},
+       0,
+       1},
+      {"half a character in a name",
+       [&](std::string& h) { h[vk[0] + 4 + 16] = 0; },
+       allKeys,
+       {"long", "big", "four"},
+       0,
+       1},
+      {"data longer than its cell",
+       [&](std::string& h) { Set32(h, vk[1] + 8, 200); },
+       allKeys,
+       {"one", "big", "four"},
+       0,
+       1},
+      {"the place of data",
+       [&](std::string& h) { Set32(h, vk[1] + 12, 0x7FFFFFF0); },
+       allKeys,
+       {"one", "big", "four"},
+       0,
+       1},
+      {"inline data of 5 bytes",
+       [&](std::string& h) { Set32(h, vk[0] + 8, 0x80000005u); },
+       allKeys,
+       {"long", "big", "four"},
+       0,
+       1},
+      {"split data that lacks cells",
+       [&](std::string& h) { h[db + 6] = 2; },
+       allKeys,
+       {"one", "long", "four"},
+       0,
+       1},
+      {"split data of too many cells",
+       [&](std::string& h) { h[db + 7] = '\x7F'; },
+       allKeys,
+       {"one", "long", "four"},
+       0,
+       1},
+      {"the list of split data",
+       [&](std::string& h) { Set32(h, db + 8, 0xFFFFFFF8u); },
+       allKeys,
+       {"one", "long", "four"},
+       0,
+       1},
+      {"the number of values",
+       [&](std::string& h) { Set32(h, nk[0] + NkValueCount, 0x00FFFFFF); },
+       allKeys,
+       {},
+       0,
+       1},
+  };
+  for (const auto& test : cases) {
+    std::string bytes = good;
+    test.damage(bytes);
+    const auto hive = Open(bytes);
+    for (int pass = 0; pass < 2; ++pass) {  // a second look counts nothing again
+      const Key root = hive->Root();
+      EXPECT_EQ(root->SubkeyNames(), test.keys) << test.what;
+      EXPECT_EQ(root->ValueNames(), test.values) << test.what;
+      EXPECT_EQ(m_counts.Of(LeftOut::RefusedKey), test.refusedKeys) << test.what;
+      EXPECT_EQ(m_counts.Of(LeftOut::RefusedValue), test.refusedValues) << test.what;
+    }
+  }
+}
+
+TEST_F(clsRegfHiveTest, EndsEveryWalkWhateverTheBytes) {
+  RegfBuilder builder;
+  builder.longestList = 3;
+  for (int i = 0; i < 5; ++i) {
+    RegfKey& key = builder.root.Add("key" + std::to_string(i));
+    for (int j = 0; j < 4; ++j) key.Add("ä" + std::to_string(j)).Dword("n", 1).Text("t", "hello");
+    key.Add("€").LinkTo("\\REGISTRY\\MACHINE\\x");
+  }
+  builder.Key("big").Value("data", 3, std::string(17000, 'z'));
+  std::mt19937 random(11);
+  int opened = 0;
+  for (int round = 0; round < 600; ++round) {
+    builder.list = static_cast<RegfBuilder::List>(round % 3);
+    std::string bytes = builder.Build();
+    const std::vector<std::size_t> cells = builder.CellsOf("");
+    for (unsigned change = random() % 5 + 1; change > 0; --change) {
+      const std::size_t at = (cells[random() % cells.size()] + random() % 84) & ~std::size_t{3};
+      if (at + 4 > bytes.size()) continue;
+      switch (random() % 3) {
+        case 0:
+          bytes[at + random() % 4] ^= static_cast<char>(1 << random() % 8);
+          break;
+        case 1:
+          Set32(bytes, at, static_cast<std::uint32_t>(cells[random() % cells.size()] - 4096));
+          break;
+        default:
+          Set32(bytes, at, random());
+      }
+    }
+    if (round % 10 == 0) bytes.resize(random() % bytes.size());
+    if (Fault(bytes) != "opened") continue;
+    ++opened;
+    std::size_t keys = 0;
+    EXPECT_TRUE(Walk(Open(bytes)->Root(), keys));
+  }
+  EXPECT_GT(opened, 200);
+}
+
+}  // namespace
+}  // namespace sandrel

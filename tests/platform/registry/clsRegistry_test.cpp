@@ -1,0 +1,241 @@
+#include "platform/registry/clsRegistry.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/registry/DumpKeys.h"
+
+namespace sandrel {
+namespace {
+
+using test::DumpKeys;
+using test::Query;
+
+constexpr auto Machine = hkey::LocalMachine;
+using Handle = clsRegistry::Handle;
+
+std::int32_t Open(clsRegistry& registry, std::string_view path) {
+  Handle key;
+  const std::int32_t status = registry.RegOpenKeyEx(Machine, path, key);
+  EXPECT_EQ(status == regstatus::Success, key != nullptr) << path;
+  return status;
+}
+
+TEST(clsRegistry, OpensKeysWithoutRegardToCase) {
+  const auto registry = MakeMemoryRegistry();
+  registry->RegCreateKeyEx(Machine, "Software\\ÄÖ\\Σς");
+  registry->RegSetValueEx(Machine, "Software\\ÄÖ\\Σς", "Name", regtype::Binary, "x");
+  EXPECT_EQ(Open(*registry, ""), regstatus::Success);
+  EXPECT_EQ(Open(*registry, "SOFTWARE\\äö\\ΣΣ"), regstatus::Success);
+  EXPECT_EQ(Open(*registry, "Software\\äö"), regstatus::Success);
+  EXPECT_EQ(Query(*registry, Machine, "software\\äÖ\\σσ", "NAME"), "3:78");
+  for (const char* missing :
+       {"Soft", "Software\\AO", "Software\\ÄÖ\\Σς\\x", "\\Software", "a\\\\b"}) {
+    EXPECT_EQ(Open(*registry, missing), regstatus::FileNotFound) << missing;
+  }
+  Handle key;
+  EXPECT_EQ(registry->RegOpenKeyEx(0x80000004u, "", key), regstatus::FileNotFound);
+  // The dotless i and the Kelvin sign are letters of their own.
+  registry->RegCreateKeyEx(Machine, "i");
+  EXPECT_EQ(Open(*registry, "ı"), regstatus::FileNotFound);
+}
+
+TEST(clsRegistry, FindsAnyOfManySubkeysInAnyOrder) {
+  const auto registry = MakeMemoryRegistry();
+  constexpr int Count = 10000;
+  const auto path = [](int i, const char* form) { return "Top\\" + (form + std::to_string(i)); };
+  for (int i = 0; i < Count; ++i) {
+    ASSERT_EQ(registry->RegCreateKeyEx(Machine, path(i, "Key")), regstatus::Success);
+    registry->RegSetValueEx(Machine, "Top", "Value" + std::to_string(i), regtype::Binary,
+                            std::to_string(i));
+  }
+  for (int i = 0; i < Count; ++i) {
+    const int other = i * 7919 % Count;
+    ASSERT_EQ(Open(*registry, path(other, "kEY")), regstatus::Success) << other;
+  }
+  EXPECT_EQ(Open(*registry, path(Count, "Key")), regstatus::FileNotFound);
+  Handle key;
+  ASSERT_EQ(registry->RegOpenKeyEx(Machine, "Top", key), regstatus::Success);
+  std::uint32_t type = 0;
+  std::string data;
+  EXPECT_EQ(registry->RegQueryValueEx(key, "VALUE9999", type, data), regstatus::Success);
+  EXPECT_EQ(data, "9999");
+  std::string name;
+  EXPECT_EQ(registry->RegEnumKey(key, Count - 1, name), regstatus::Success);
+  EXPECT_EQ(name, "Key9999");
+  EXPECT_EQ(registry->RegEnumKey(key, Count, name), regstatus::NoMoreItems);
+  EXPECT_EQ(registry->RegEnumValue(key, Count, name), regstatus::NoMoreItems);
+}
+
+TEST(clsRegistry, TerminatesTextThatLacksItsZero) {
+  const auto registry = MakeMemoryRegistry();
+  const struct {
+    std::uint32_t type;
+    std::string data;
+    const char* given;
+  } cases[] = {
+      {regtype::Sz, std::string("A\0", 2), "1:41000000"},
+      {regtype::Sz, std::string("A\0\0\0", 4), "1:41000000"},
+      {regtype::Sz, "", "1:"},
+      {regtype::ExpandSz, "A", "2:41000000"},
+      {regtype::ExpandSz, std::string("A\0B", 3), "2:410042000000"},
+      {regtype::Sz, std::string("A\0\0\0\0", 5), "1:4100000000"},
+      {regtype::Sz, std::string("\0A", 2), "1:00410000"},
+      {regtype::MultiSz, std::string("a\0\0\0b\0\0\0", 8), "7:6100000062000000"},
+      {regtype::MultiSz, std::string("a\0\0\0b\0", 6), "7:6100000062000000"},
+      {regtype::Binary, std::string("A\0", 2), "3:4100"},
+      {regtype::Link, std::string("A\0", 2), "6:4100"},
+      {regtype::None, "A", "0:41"},
+  };
+  registry->RegCreateKeyEx(Machine, "K");
+  for (const auto& value : cases) {
+    registry->RegSetValueEx(Machine, "K", "v", value.type, value.data);
+    EXPECT_EQ(Query(*registry, Machine, "K", "v"), value.given);
+  }
+}
+
+TEST(clsRegistry, GivesNoKeyBelowLevel512) {
+  const auto registry = MakeMemoryRegistry();
+  std::string path = "k";
+  for (std::size_t level = 2; level <= MaxKeyLevel; ++level) path += "\\k";
+  EXPECT_EQ(registry->RegCreateKeyEx(Machine, path), regstatus::Success);
+  EXPECT_EQ(registry->RegCreateKeyEx(Machine, path + "\\k"), regstatus::InvalidParameter);
+  EXPECT_EQ(Open(*registry, path), regstatus::Success);
+  EXPECT_EQ(Open(*registry, path + "\\k"), regstatus::FileNotFound);
+  EXPECT_EQ(registry->LeftOutCounts().Of(LeftOut::DeepKey), 0u);
+}
+
+TEST(clsRegistry, StatesWhatAnOperationCannotDo) {
+  const auto registry = MakeMemoryRegistry();
+  std::string name;
+  std::string data;
+  std::uint32_t type = 0;
+  EXPECT_EQ(registry->RegEnumKey({}, 0, name), regstatus::InvalidHandle);
+  EXPECT_EQ(registry->RegEnumValue({}, 0, name), regstatus::InvalidHandle);
+  EXPECT_EQ(registry->RegQueryValueEx({}, "", type, data), regstatus::InvalidHandle);
+
+  const std::string longName(256, 'x');
+  for (const std::string& path : {std::string("a\\\\b"), std::string("a\\"), std::string("\\a"),
+                                  longName, std::string("a\xFFz")}) {
+    EXPECT_EQ(registry->RegCreateKeyEx(Machine, path), regstatus::InvalidParameter) << path;
+  }
+  EXPECT_EQ(registry->RegCreateKeyEx(0x80000004u, "a"), regstatus::FileNotFound);
+  EXPECT_EQ(registry->RegSetValueEx(Machine, "no", "v", 1, ""), regstatus::FileNotFound);
+  EXPECT_EQ(registry->RegDeleteValue(Machine, "no", "v"), regstatus::FileNotFound);
+  EXPECT_EQ(registry->RegDeleteKey(Machine, "no"), regstatus::FileNotFound);
+  EXPECT_EQ(registry->RegDeleteKey(Machine, ""), regstatus::InvalidParameter);
+  EXPECT_EQ(DumpKeys(*registry, Machine), "[]\n");
+}
+
+TEST(clsRegistry, WritesSeenByTheNextOpenKeepOpenKeysValid) {
+  const auto registry = MakeMemoryRegistry();
+  registry->RegCreateKeyEx(Machine, "z\\deep");
+  registry->RegCreateKeyEx(Machine, "a");
+  registry->RegSetValueEx(Machine, "z", "two", regtype::Binary, "2");
+  registry->RegSetValueEx(Machine, "z", "one", regtype::Binary, "1");
+  registry->RegSetValueEx(Machine, "Z", "TWO", regtype::None, "3");
+  EXPECT_EQ(DumpKeys(*registry, Machine),
+            "[]\n[z]\ntwo=0:33\none=3:31\n[z\\deep]\n[a]\n");  // in the order of creation
+
+  Handle before;
+  ASSERT_EQ(registry->RegOpenKeyEx(Machine, "z", before), regstatus::Success);
+  std::string name;
+  ASSERT_EQ(registry->RegEnumValue(before, 1, name), regstatus::Success);
+  EXPECT_EQ(registry->RegDeleteValue(Machine, "z", "Two"), regstatus::Success);
+  EXPECT_EQ(registry->RegDeleteKey(Machine, "z"), regstatus::AccessDenied);  // it has a subkey
+  EXPECT_EQ(registry->RegDeleteKey(Machine, "z\\DEEP"), regstatus::Success);
+  EXPECT_EQ(registry->RegDeleteKey(Machine, "z"), regstatus::Success);
+  EXPECT_EQ(DumpKeys(*registry, Machine), "[]\n[a]\n");
+
+  std::uint32_t type = 0;
+  std::string data;
+  EXPECT_EQ(registry->RegQueryValueEx(before, "two", type, data), regstatus::FileNotFound);
+  EXPECT_EQ(registry->RegQueryValueEx(before, "one", type, data), regstatus::Success);
+  EXPECT_EQ(data, "1");
+}
+
+// A provider of one key, for what no real hive of ours can be made to hold by writing it.
+class clsOddRegistry : public clsRegistry {
+ public:
+  clsOddRegistry() { FindRoots(); }
+  std::vector<std::string> names;
+
+ protected:
+  class clsKey : public clsRegKey {
+   public:
+    explicit clsKey(std::vector<std::string> names) : m_names(std::move(names)) {}
+    const std::vector<std::string>& SubkeyNames() override { return m_names; }
+    const std::vector<std::string>& ValueNames() override { return m_names; }
+    Handle Subkey(std::size_t index) override {
+      return std::make_shared<clsKey>(std::vector<std::string>{m_names[index]});
+    }
+    bool Value(std::size_t index, std::uint32_t& type, std::string& data) override {
+      type = 3;
+      data = std::to_string(index);
+      return true;
+    }
+
+   private:
+    std::vector<std::string> m_names;
+  };
+
+  Handle OpenRoot(std::uint32_t root) override {
+    return root == Machine ? std::make_shared<clsKey>(names) : nullptr;
+  }
+};
+
+TEST(clsRegistry, TellsNamesApartThatDifferOnlyInCase) {
+  clsOddRegistry registry;
+  EXPECT_EQ(registry.Roots(), std::vector<std::uint32_t>{Machine});
+  for (int i = 0; i < 20; ++i) registry.names.push_back("x" + std::to_string(i));
+  registry.names.insert(registry.names.end(), {"TWIN", "twin", "Twin"});
+  for (const char* path : {"twin", "TWIN", "Twin"}) {  // each holds a subkey of its own name
+    Handle key;
+    std::string name;
+    ASSERT_EQ(registry.RegOpenKeyEx(Machine, path, key), regstatus::Success);
+    EXPECT_EQ(registry.RegEnumKey(key, 0, name), regstatus::Success);
+    EXPECT_EQ(name, path);
+  }
+  EXPECT_EQ(Query(registry, Machine, "", "Twin"), "3:3232");  // index 22
+  EXPECT_EQ(Query(registry, Machine, "", "tWIN"), "3:3230");  // the first one
+}
+
+TEST(clsRegistry, EndsTheListAtANameThatIsTooLong) {
+  clsOddRegistry registry;
+  const std::string fits(299, 'a');
+  std::string wide;
+  for (int i = 0; i < 150; ++i) wide += "😀";  // 300 units
+  registry.names = {fits, wide};
+  Handle key;
+  std::string name;
+  ASSERT_EQ(registry.RegOpenKeyEx(Machine, "", key), regstatus::Success);
+  EXPECT_EQ(registry.RegEnumKey(key, 0, name), regstatus::Success);
+  EXPECT_EQ(name, fits);
+  EXPECT_EQ(registry.RegEnumKey(key, 1, name), regstatus::MoreData);
+  EXPECT_EQ(registry.RegCreateKeyEx(Machine, "a"), regstatus::AccessDenied);
+  EXPECT_EQ(registry.RegSetValueEx(Machine, "", "a", 1, ""), regstatus::AccessDenied);
+  EXPECT_EQ(registry.RegDeleteValue(Machine, "", fits), regstatus::AccessDenied);
+  EXPECT_EQ(registry.RegDeleteKey(Machine, fits), regstatus::AccessDenied);
+}
+
+TEST(clsRegistry, CountsKeysThatLieTooDeepOnce) {
+  clsOddRegistry registry;
+  registry.names = {"k"};
+  std::string path = "k";
+  for (std::size_t level = 2; level <= MaxKeyLevel; ++level) {
+    Handle key;
+    ASSERT_EQ(registry.RegOpenKeyEx(Machine, path, key), regstatus::Success);
+    std::string name;
+    ASSERT_EQ(registry.RegEnumKey(key, 0, name), regstatus::Success) << level;
+    path += "\\" + name;
+  }
+  for (int pass = 0; pass < 2; ++pass) {
+    Handle key;
+    std::string name;
+    ASSERT_EQ(registry.RegOpenKeyEx(Machine, path, key), regstatus::Success);
+    EXPECT_EQ(registry.RegEnumKey(key, 0, name), regstatus::NoMoreItems);
+    EXPECT_EQ(registry.LeftOutCounts().Of(LeftOut::DeepKey), 1u);
+  }
+}
+
+}  // namespace
+}  // namespace sandrel

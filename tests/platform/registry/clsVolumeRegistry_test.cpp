@@ -1,0 +1,244 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "common/clsError.h"
+#include "common/clsFileWorks.h"
+#include "common/text.h"
+#include "platform/registry/DumpKeys.h"
+#include "platform/registry/clsRegistry.h"
+#include "platform/registry/texthive.h"
+#include "support/RegfBuilder.h"
+#include "support/TempFolder.h"
+
+namespace sandrel {
+namespace {
+
+using test::DumpKeys;
+using test::Query;
+using test::RegfBuilder;
+using test::RegfKey;
+using test::TempFolder;
+
+const std::string Ann = "S-1-5-21-1-2-3-1001";
+const std::string Bob = "S-1-5-21-1-2-3-1002";
+
+// A volume with two users, whose names of files and folders have the case of a careless copy.
+class clsVolumeRegistryTest : public testing::Test {
+ protected:
+  clsVolumeRegistryTest() {
+    software.Key("Microsoft\\Windows NT\\CurrentVersion").Text("SystemRoot", "C:\\WINDOWS");
+    Profile("S-1-5-18", "%systemroot%\\system32\\config\\systemprofile");
+    Profile("S-1-5-19", "%SystemRoot%\\ServiceProfiles\\LocalService");
+    Profile(Ann, "C:\\Users\\Ann");
+    Profile(Bob, "%SystemDrive%\\Users\\bob.HOST");
+    Profile(Ann + ".bak", "C:\\Users\\Ann");
+    software.Key("Classes\\.txt").Text("", "machine");
+    system.Key("Select").Dword("Current", 2);
+    system.Key("ControlSet001").Dword("set", 1);
+    system.Key("ControlSet002").Dword("set", 2);
+    system.Key("ControlSet002\\Hardware Profiles\\0001").Dword("p", 1);
+    system.Key("ControlSet002\\Hardware Profiles\\Current")
+        .LinkTo("\\Registry\\Machine\\System\\CurrentControlSet\\Hardware Profiles\\0001");
+    WriteMachine();
+    Write("windows/serviceprofiles/LocalService/ntuser.dat", Hive("Service"));
+    Write("users/ann/Ntuser.Dat", Hive("Software\\Ann"));
+    RegfBuilder classes;
+    classes.Key(".txt").Text("", "ann");
+    Write("users/ann/AppData/local/Microsoft/Windows/USRCLASS.DAT", classes);
+    Write("users/BOB.host/NTUSER.DAT", Hive("Software\\Bob"));
+    Write("windows/System32/Config/DEFAULT", Hive("Default"));
+  }
+
+  static RegfBuilder Hive(std::string_view key) {
+    RegfBuilder hive;
+    hive.Key(key);
+    return hive;
+  }
+
+  RegfKey& Profile(const std::string& sid, const char* path) {
+    RegfKey& key = software.Key("Microsoft\\Windows NT\\CurrentVersion\\ProfileList\\" + sid);
+    const std::string data = text::ToUtf16Le(path) + std::string(2, '\0');
+    return key.Value("ProfileImagePath", regtype::ExpandSz, data);
+  }
+
+  void Write(const std::string& name, RegfBuilder hive) {
+    const std::string path = m_folder.Of(name);
+    clsFileWorks::MakeFolders(std::filesystem::path(path).parent_path());
+    clsFileWorks::ReplaceWhole(path, hive.Build());
+  }
+
+  void WriteMachine() {
+    Write("windows/System32/Config/SOFTWARE", software);
+    Write("windows/System32/Config/system", system);
+  }
+
+  std::unique_ptr<clsRegistry> Open(std::string_view user = {}) {
+    return OpenVolumeRegistry(m_folder.Path(), user);
+  }
+
+  static bool Has(clsRegistry& registry, std::uint32_t root, std::string_view path) {
+    clsRegistry::Handle key;
+    return registry.RegOpenKeyEx(root, path, key) == regstatus::Success;
+  }
+
+  TempFolder m_folder;
+  RegfBuilder software;
+  RegfBuilder system;
+};
+
+TEST_F(clsVolumeRegistryTest, PutsTheHivesBelowTheirRoots) {
+  const auto registry = Open();
+  EXPECT_EQ(registry->Roots().size(), 5u);
+  EXPECT_EQ(DumpKeys(*registry, hkey::Users),
+            "[]\n[.DEFAULT]\n[.DEFAULT\\Default]\n[S-1-5-18]\n[S-1-5-18\\Default]\n"
+            "[S-1-5-19]\n[S-1-5-19\\Service]\n[" +
+                Ann + "]\n[" + Ann + "\\Software]\n[" + Ann + "\\Software\\Ann]\n[" + Ann +
+                "\\Software\\Classes]\n[" + Ann +
+                "\\Software\\Classes\\.txt]\n=1:61006e006e000000\n[" + Ann + "_Classes]\n[" + Ann +
+                "_Classes\\.txt]\n=1:61006e006e000000\n[" + Bob + "]\n[" + Bob + "\\Software]\n[" +
+                Bob + "\\Software\\Bob]\n");
+  EXPECT_EQ(Query(*registry, hkey::LocalMachine, "System\\CurrentControlSet", "set"), "4:02000000");
+  EXPECT_EQ(Query(*registry, hkey::LocalMachine, "System\\ControlSet001", "set"), "4:01000000");
+  EXPECT_EQ(DumpKeys(*registry, hkey::CurrentConfig), "[]\np=4:01000000\n");
+  EXPECT_EQ(DumpKeys(*registry, hkey::ClassesRoot), "[]\n[.txt]\n=1:61006e006e000000\n");
+  EXPECT_TRUE(registry->Remarks().empty());
+  EXPECT_EQ(registry->RegCreateKeyEx(hkey::LocalMachine, "SOFTWARE\\x"), regstatus::AccessDenied);
+}
+
+TEST_F(clsVolumeRegistryTest, ChoosesTheCurrentUser) {
+  const auto isBob = [](clsRegistry& registry) {
+    return Has(registry, hkey::CurrentUser, "Software\\Bob");
+  };
+  EXPECT_FALSE(isBob(*Open()));  // the first person, no service
+  for (const std::string& user : {Bob, std::string("BOB.HOST"), std::string("bob"),
+                                  std::string("HOST\\Bob"), std::string(".\\bob")}) {
+    EXPECT_TRUE(isBob(*Open(user))) << user;
+  }
+  EXPECT_TRUE(Has(*Open("LocalService"), hkey::CurrentUser, "Service"));
+  try {
+    Open("carl");
+    ADD_FAILURE() << "there is no carl";
+  } catch (const clsError& error) {
+    EXPECT_EQ(error.Number(), errnum::Hive);
+    EXPECT_NE(error.Description().find("Ann, bob.HOST"), std::string::npos) << error.Description();
+  }
+  const char* logon = "Microsoft\\Windows\\CurrentVersion\\Authentication\\LogonUI";
+  const struct {
+    const char* key;
+    const char* name;
+    std::string text;
+  } cases[] = {
+      {"Microsoft\\Windows NT\\CurrentVersion\\Winlogon", "DefaultUserName", "bob"},
+      {logon, "LastLoggedOnUser", ".\\bob"},
+      {logon, "LastLoggedOnSAMUser", "HOST\\bob"},
+      {logon, "LastLoggedOnUserSID", Bob},
+  };
+  for (const auto& last : cases) {
+    const RegfKey before = software.root;
+    software.Key(last.key).Text(last.name, last.text);
+    WriteMachine();
+    EXPECT_TRUE(isBob(*Open())) << last.name;
+    software.root = before;
+  }
+}
+
+TEST_F(clsVolumeRegistryTest, TellsWhatIsNotSeen) {
+  std::filesystem::remove(m_folder.Of("users/BOB.host/NTUSER.DAT"));
+  Profile("S-1-5-21-1-2-3-1003", "E:\\Users\\eve");
+  software.sequence2 = 9;
+  WriteMachine();
+  const auto registry = Open();
+  ASSERT_EQ(registry->Remarks().size(), 3u);
+  EXPECT_NE(registry->Remarks()[0].find("SOFTWARE stand in its log"), std::string::npos);
+  EXPECT_NE(registry->Remarks()[1].find("bob.HOST"), std::string::npos);
+  EXPECT_NE(registry->Remarks()[2].find("E:\\Users\\eve"), std::string::npos);
+  EXPECT_FALSE(Has(*registry, hkey::Users, Bob));
+}
+
+TEST_F(clsVolumeRegistryTest, NeverTakesAHiveThatCannotBeReadForAnEmptyOne) {
+  for (const char* name : {"windows/System32/Config/SOFTWARE", "windows/System32/Config/system",
+                           "windows/System32/Config/DEFAULT", "users/ann/Ntuser.Dat",
+                           "users/ann/AppData/local/Microsoft/Windows/USRCLASS.DAT"}) {
+    const std::string path = m_folder.Of(name);
+    const std::string content = clsFileWorks::ReadWhole(path);
+    clsFileWorks::ReplaceWhole(path, content.substr(0, content.size() / 2));
+    try {
+      Open();
+      ADD_FAILURE() << name;
+    } catch (const clsError& error) {
+      EXPECT_EQ(error.Number(), errnum::Hive);
+      EXPECT_NE(error.Description().find(path), std::string::npos) << error.Description();
+    }
+    clsFileWorks::ReplaceWhole(path, content);
+  }
+  std::filesystem::remove(m_folder.Of("windows/System32/Config/system"));
+  EXPECT_THROW(Open(), clsError);
+}
+
+TEST_F(clsVolumeRegistryTest, DoesWithoutWhatAPlainVolumeLacks) {
+  std::filesystem::remove_all(m_folder.Of("users"));
+  std::filesystem::remove(m_folder.Of("windows/System32/Config/DEFAULT"));
+  software.root = {};
+  system.root = {};
+  WriteMachine();
+  const auto registry = Open();
+  EXPECT_EQ(registry->Roots(), (std::vector<std::uint32_t>{hkey::LocalMachine, hkey::Users}));
+  EXPECT_EQ(DumpKeys(*registry, hkey::LocalMachine), "[]\n[SOFTWARE]\n[SYSTEM]\n");
+  EXPECT_EQ(DumpKeys(*registry, hkey::Users), "[]\n");
+}
+
+TEST_F(clsVolumeRegistryTest, OpenKeysOutliveTheRegistry) {
+  auto registry = Open();
+  clsRegistry::Handle key;
+  ASSERT_EQ(registry->RegOpenKeyEx(hkey::LocalMachine, "", key), regstatus::Success);
+  registry.reset();
+  const std::vector<std::string>& names = key->SubkeyNames();
+  const auto at = std::find(names.begin(), names.end(), "SYSTEM");
+  ASSERT_NE(at, names.end());
+  EXPECT_EQ(key->Subkey(static_cast<std::size_t>(at - names.begin()))->SubkeyNames().size(), 4u);
+}
+
+// The same keys and values, once in each form, give the same registry.
+TEST_F(clsVolumeRegistryTest, GivesWhatAWinePrefixGivesForTheSameContent) {
+  TempFolder prefix;
+  TextHive text;
+  text.head = "WINE REGISTRY Version 2\n";
+  text.tree = std::make_shared<clsKeyTree>();
+  const auto add = [&](RegfKey& key, clsKeyTree::Key& twin, std::string name, std::uint32_t type,
+                       const std::string& data) {
+    key.Value(name, type, data);
+    clsKeyTree::Value& value = clsKeyTree::AddValue(twin, std::move(name));
+    value.type = type;
+    value.data = data;
+  };
+  clsKeyTree::Key* top = text.tree->AddSubkey(*text.tree->Root(), "SOFTWARE");
+  software.root = {};
+  for (const char* name : {"Zed", "é", "日本", "😀", "[x]\"", "empty"}) {
+    RegfKey& key = software.root.Add(name).Add("Sub key");
+    clsKeyTree::Key* twin = text.tree->AddSubkey(*text.tree->AddSubkey(*top, name), "Sub key");
+    if (name == std::string_view("empty")) continue;
+    for (std::uint32_t type = 0; type <= 12; ++type) {
+      for (const std::size_t size : {0u, 1u, 2u, 3u, 4u, 5u, 8u, 100u, 40001u}) {
+        if (size > 100 && type != 3) continue;
+        std::string data(size, '\0');
+        for (std::size_t i = 0; i < size; ++i) data[i] = static_cast<char>(i * 7 + type);
+        if (size == 8) data.replace(6, 2, 2, '\0');
+        add(key, *twin, name + std::to_string(size) + "\\" + std::to_string(type), type, data);
+      }
+    }
+    add(key, *twin, "", 0x80000001u, "x");
+  }
+  WriteMachine();
+  clsFileWorks::ReplaceWhole(prefix.Of("system.reg"), WriteTextHive(text));
+  for (const char* name : {"user.reg", "userdef.reg"}) {
+    clsFileWorks::ReplaceWhole(prefix.Of(name), text.head + "[] 1\n");
+  }
+  const std::string volume = DumpKeys(*Open(), hkey::LocalMachine, "SOFTWARE");
+  EXPECT_EQ(volume, DumpKeys(*OpenPrefixRegistry(prefix.Path()), hkey::LocalMachine, "SOFTWARE"));
+  EXPECT_EQ(std::count(volume.begin(), volume.end(), '\n'), 1 + 6 * 2 + 5 * (13 * 8 + 1 + 1));
+}
+
+}  // namespace
+}  // namespace sandrel
