@@ -70,11 +70,19 @@ check() {
     "$work/before" "$work/machine" "$work/analysis.mdb"
 }
 
+# All checks of a run, so that one that fails doesn't hide the others.
+check_all() {
+  local failed=0
+  check || failed=1
+  check_replacement || failed=1
+  return $failed
+}
+
 # Replaces the Before snapshot and takes another After one of the unchanged machine: files and registry
 # have to be equal then.
 check_replacement() {
-  sandrel replace
-  sandrel after "$work/again.mdb" --yes
+  sandrel replace || return 1
+  sandrel after "$work/again.mdb" --yes || return 1
   python3 - "$work/again.mdb" <<'PYTHON'
 import sqlite3, sys
 database = sqlite3.connect(sys.argv[1])

@@ -105,10 +105,11 @@ def value_text(kind, data):
         return stored(ansi_text(data))
     if kind in (1, 2):
         return stored(terminated(data).decode("utf-16-le", "replace")[:-1])
-    if kind == 4:
-        return str(signed(int.from_bytes(data[:4], "little")))
-    if kind == 5:
-        return str(signed(swapped(int.from_bytes(data[:4], "little"))))
+    if kind in (4, 5):
+        if len(data) > 4:
+            return ""  # doesn't fit the number that it is read into
+        number = int.from_bytes(data, "little")
+        return str(signed(number if kind == 4 else swapped(number)))
     if kind == 7:
         return hexadecimal(ansi_bytes(terminated(data).decode("utf-16-le", "replace")))
     return hexadecimal(data)

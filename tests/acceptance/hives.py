@@ -207,9 +207,10 @@ class Registry:
         if is_prefix(folder):
             machine, _ = read_text_hive(os.path.join(folder, "system.reg"))
             user, place = read_text_hive(os.path.join(folder, "user.reg"))
-            default, _ = read_text_hive(os.path.join(folder, "userdef.reg"))
+            default, default_place = read_text_hive(os.path.join(folder, "userdef.reg"))
             self.user_sid = place.rpartition("\\")[2]
-            self._mount(users, ".DEFAULT", default)
+            # Wine spells it .Default, Windows .DEFAULT.
+            self._mount(users, default_place.rpartition("\\")[2], default)
             self._mount(users, self.user_sid, user)
         else:
             user = self._read_volume(folder, machine, users)
@@ -238,6 +239,8 @@ class Registry:
         path = _find_case(config, "DEFAULT")
         if path:
             self._mount(users, ".DEFAULT", read_regf(path))
+            # On a running machine the local system's key is a link to it.
+            users.subkeys["S-1-5-18"] = self._renamed(users.child(".DEFAULT"), "S-1-5-18")
         first = None
         profiles = machine.find(r"SOFTWARE\Microsoft\Windows NT\CurrentVersion\ProfileList")
         for profile in profiles.subkeys.values() if profiles else ():

@@ -12,5 +12,4 @@ home=$work/machine/drive_c/tools/sandrel
 
 python3 "$repository/scripts/make-sample-machine" "$work/machine"
 snapshot_pair python3 "$repository/scripts/sample-installation" "$work/machine"
-check
-check_replacement
+check_all

@@ -10,5 +10,4 @@ make_work_folder
 
 python3 "$here/make-volume" "$work/machine"
 snapshot_pair python3 "$here/make-volume" "$work/machine" --installed
-check
-check_replacement
+check_all

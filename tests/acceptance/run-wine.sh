@@ -66,4 +66,4 @@ install() {
 }
 
 snapshot_pair install
-check
+check_all
