@@ -75,13 +75,14 @@ def key_header(path, seconds):
 def write(filename, root, relative_to, arch="win64"):
     """Writes the tree below `root` as a registry file whose keys are relative to `relative_to`.
 
-    A key that has only subkeys gets no section of its own, as in Wine.
+    As in Wine, a key that has only subkeys gets no section of its own; a root key that has nothing
+    gets one, so that no file ends before its first key.
     """
     out = ["WINE REGISTRY Version 2", f";; All keys relative to {escape(relative_to, '')}", ""]
     if arch:
         out += [f"#arch={arch}", ""]
     for path, key in root.walk():
-        if not path or (key.subkeys and not key.values and not key.is_link):
+        if key.subkeys and not key.values and not key.is_link:
             continue
         out.append(key_header(path, key.seconds))
         if key.is_link:

@@ -122,7 +122,7 @@ clsRegistry::Handle clsPrefixRegistry::OpenRoot(std::uint32_t root) {
       return OpenHive(Tree(User));
     case hkey::Users: {
       auto users = std::make_shared<clsFolderKey>();
-      users->Add(".Default", [tree = Tree(DefaultUser)] { return OpenHive(tree); });
+      users->Add(".DEFAULT", [tree = Tree(DefaultUser)] { return OpenHive(tree); });
       users->Add(m_userSid, [tree = Tree(User)] { return OpenHive(tree); });
       return users;
     }
@@ -171,7 +171,7 @@ std::int32_t clsPrefixRegistry::LocateInHives(std::uint32_t root, std::string_vi
   } else if (root == hkey::Users) {
     if (keypath::CutPrefix(path, m_userSid)) {
       file = User;
-    } else if (keypath::CutPrefix(path, ".Default")) {
+    } else if (keypath::CutPrefix(path, ".DEFAULT")) {
       file = DefaultUser;
     } else {
       return path.empty() ? regstatus::InvalidParameter : regstatus::FileNotFound;
