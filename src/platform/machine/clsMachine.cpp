@@ -149,7 +149,7 @@ FileDetails clsMachine::Details(std::string_view windowsPath) const {
 std::shared_ptr<clsFolderListing> clsMachine::State::Listing(std::string_view folder,
                                                              bool folders) {
   std::string withSeparator = clsPathText::AddSeparator(folder);
-  const std::shared_ptr<clsFolderListing> last = std::exchange(LastFiles, nullptr);
+  std::shared_ptr<clsFolderListing> last = std::exchange(LastFiles, nullptr);
   if (folders && last && last->WindowsFolder() == withSeparator && last->IsCurrent()) return last;
 
   auto listing = std::make_shared<clsFolderListing>();

@@ -67,7 +67,7 @@ bool AppendPart(std::string& hostPath, std::string_view part) {
   return hostnames::AppendHostName(hostPath, part);
 }
 
-std::string OrRoot(std::string path) {
+std::string OrRoot(const std::string& path) {
   return path.empty() ? "/" : path;
 }
 
@@ -163,7 +163,7 @@ std::optional<std::string> clsPathMap::ExactHostPath(std::string_view windowsPat
   for (const std::string_view part : Parts(windowsPath.substr(2))) {
     if (!AppendPart(path, part)) return {};
   }
-  return OrRoot(std::move(path));
+  return OrRoot(path);
 }
 
 std::optional<std::string> clsPathMap::HostPath(std::string_view windowsPath, int* reason) {
@@ -187,7 +187,7 @@ std::optional<std::string> clsPathMap::HostPath(std::string_view windowsPath, in
     path += '/';
     path += name;
   }
-  return OrRoot(std::move(path));
+  return OrRoot(path);
 }
 
 std::string clsPathMap::FindName(const std::string& hostFolder, std::string_view windowsName) {

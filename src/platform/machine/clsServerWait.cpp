@@ -28,13 +28,11 @@ std::string StateOf(const std::string& path) {
 }
 
 clsServerWait::Surroundings SurroundingsOf(const clsMachine& machine) {
-  const std::string folder = machine.Folder();
+  const std::string system = clsFileWorks::Join(machine.Folder(), "system.reg");
+  const std::string user = clsFileWorks::Join(machine.Folder(), "user.reg");
   const bool prefix = machine.MachineKind() == clsMachine::Kind::WinePrefix;
-  return {[=] { return prefix && PrefixServerRuns(folder); },
-          [=] {
-            return StateOf(clsFileWorks::Join(folder, "system.reg")) + ", " +
-                   StateOf(clsFileWorks::Join(folder, "user.reg"));
-          },
+  return {[prefix, folder = machine.Folder()] { return prefix && PrefixServerRuns(folder); },
+          [system, user] { return StateOf(system) + ", " + StateOf(user); },
           [] { return std::chrono::steady_clock::now(); },
           [](milliseconds time) { std::this_thread::sleep_for(time); }};
 }

@@ -15,7 +15,7 @@ namespace {
 class clsVersionInfoTest : public testing::Test {
  protected:
   std::string Write(const std::string& content) {
-    const std::string path = m_folder.Of("program.exe");
+    std::string path = m_folder.Of("program.exe");
     std::ofstream(path, std::ios::binary | std::ios::trunc) << content;
     return path;
   }

@@ -1,0 +1,86 @@
+#include "platform/machine/clsEnvironment.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "common/text.h"
+#include "support/TempFolder.h"
+
+namespace sandrel {
+namespace {
+
+class clsEnvironmentTest : public testing::Test {
+ protected:
+  void Set(std::uint32_t root, std::string_view key, std::string_view name, std::string_view text,
+           std::uint32_t type = regtype::Sz) {
+    ASSERT_EQ(m_registry->RegCreateKeyEx(root, key), regstatus::Success);
+    ASSERT_EQ(
+        m_registry->RegSetValueEx(root, key, name, type, text::ToUtf16Le(std::string(text) + '\0')),
+        regstatus::Success);
+  }
+  void AddProfile(const std::string& sid, std::string_view folder) {
+    Set(hkey::Users, sid, "", "");
+    Set(hkey::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList\\" + sid,
+        "ProfileImagePath", folder, regtype::ExpandSz);
+  }
+
+  test::TempFolder m_volume;
+  std::unique_ptr<clsRegistry> m_registry = MakeMemoryRegistry();
+  clsPathMap m_paths = clsPathMap::OfVolume(m_volume.Path());
+  clsEnvironment m_environment{*m_registry, m_paths};
+};
+
+TEST_F(clsEnvironmentTest, FindsTheUsersFolderOfAnOfflineVolume) {
+  EXPECT_EQ(m_environment.Variable("USERPROFILE"), "");
+  Set(hkey::CurrentUser, "Environment", "TEMP", "%USERPROFILE%\\Temp", regtype::ExpandSz);
+  EXPECT_EQ(m_environment.Variable("temp"), "%USERPROFILE%\\Temp");  // unknown, so left alone
+  AddProfile("S-1-5-18", "%systemroot%\\system32\\config\\systemprofile");
+  AddProfile("S-1-5-21-1-2-3-1000", "%SystemDrive%\\Users\\ann");
+  EXPECT_EQ(m_environment.Variable("temp"), "C:\\Users\\ann\\Temp");
+  // Of several, the one in which the current user's folders lie; "ann" is no folder above theirs.
+  AddProfile("S-1-5-21-1-2-3-1001", "C:\\Users\\Anna");
+  Set(hkey::CurrentUser, "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders",
+      "AppData", "C:\\Users\\anna\\AppData\\Roaming");
+  EXPECT_EQ(m_environment.Variable("temp"), "C:\\Users\\Anna\\Temp");
+}
+
+TEST_F(clsEnvironmentTest, FallsBackToTheWindowsFolderThatIsThere) {
+  EXPECT_EQ(m_environment.WindowsFolder(), "C:\\windows");
+  std::filesystem::create_directory(m_volume.Of("WINNT"));
+  std::filesystem::create_directory(m_volume.Of("Windows"));
+  EXPECT_EQ(m_environment.WindowsFolder(), "C:\\Windows");
+  // The volume was another drive when its system ran.
+  Set(hkey::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion", "SystemRoot",
+      "E:\\WINDOWS");
+  EXPECT_EQ(m_environment.WindowsFolder(), "C:\\Windows");
+  Set(hkey::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion", "SystemRoot",
+      "C:\\winnt\\");
+  EXPECT_EQ(m_environment.WindowsFolder(), "C:\\winnt");
+}
+
+TEST_F(clsEnvironmentTest, ExpandsReferencesWithoutEnd) {
+  const char* system = "System\\CurrentControlSet\\Control\\Session Manager\\Environment";
+  Set(hkey::LocalMachine, system, "Path", "%SystemRoot%\\system32");
+  Set(hkey::LocalMachine, system, "Half", "50% of %NoSuch% and %%");
+  Set(hkey::CurrentUser, "Environment", "PATH", "%path%;%Home%\\bin");
+  Set(hkey::CurrentUser, "Environment", "Home", "%systemdrive%\\home");
+  Set(hkey::CurrentUser, "Volatile Environment", "Home", "hidden by the user's own");
+  EXPECT_EQ(m_environment.Variable("Path"), "C:\\windows\\system32;C:\\home\\bin");
+  EXPECT_EQ(m_environment.Variable("half"), "50% of %NoSuch% and %%");
+  EXPECT_EQ(m_environment.Variable("none"), "");
+
+  std::string previous(1000, 'x');
+  for (int i = 0; i < 40; ++i) {
+    const std::string name = "V" + std::to_string(i);
+    Set(hkey::CurrentUser, "Environment", name, previous);
+    previous = "%" + name + "%%" + name + "%";
+  }
+  EXPECT_LT(m_environment.Variable("V39").size(), 1000000u);  // would be 2 to the 39 times 1000
+  Set(hkey::CurrentUser, "Environment", "A", "<%B%%B%>");
+  Set(hkey::CurrentUser, "Environment", "B", "%A%%A%");
+  EXPECT_LT(m_environment.Variable("A").size(), 1000u);
+}
+
+}  // namespace
+}  // namespace sandrel
