@@ -37,6 +37,7 @@ class DynasetRecordset final : public Recordset {
   std::int64_t m_position = 0;  // number of the current row, from 1
   std::int64_t m_visited = 0;
   bool m_onRow = false;
+  bool m_atLast = false;  // MoveLast fetched the row; m_rows stands before the first
   bool m_loaded = false;  // m_record holds the current row
 };
 
@@ -77,14 +78,19 @@ void DynasetRecordset::Next() {
 
 void DynasetRecordset::MoveFirst() {
   if (m_visited == 0) throw clsError(errnum::NoCurrentRecord, "No current record.");
-  if (m_onRow && m_position == 1) return;
+  if (m_onRow && m_position == 1 && !m_atLast) return;
   m_rows.Reset();
   m_position = 0;
+  m_atLast = false;
   Next();
 }
 
 void DynasetRecordset::MoveNext() {
   if (!m_onRow) throw clsError(errnum::NoCurrentRecord, "No current record.");
+  if (m_atLast) {
+    m_onRow = false;
+    return;
+  }
   Next();
 }
 
@@ -104,7 +110,7 @@ void DynasetRecordset::MoveLast() {
   for (std::size_t i = 0; i < m_record.size(); ++i)
     last.Column(static_cast<int>(i) + 1, m_record[i]);
   m_rows.Reset();
-  m_onRow = m_loaded = true;
+  m_onRow = m_atLast = m_loaded = true;
 }
 
 void DynasetRecordset::NeedRecord() {

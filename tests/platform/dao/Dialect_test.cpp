@@ -2,19 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include "common/clsError.h"
+#include "support/NumberOf.h"
 
 namespace sandrel::dao {
-namespace {
 
-std::int32_t NumberOf(std::string (*translate)(std::string_view), std::string_view sql) {
-  try {
-    translate(sql);
-  } catch (const clsError& error) {
-    return error.Number();
-  }
-  return 0;
-}
+using test::NumberOf;
+
+namespace {
 
 TEST(Dialect, JoinsBecomeARowThatIndexesCanAnswer) {
   // A RIGHT JOIN is turned round, and a chain of outer joins in parentheses is laid out in a row.
@@ -71,7 +65,7 @@ TEST(Dialect, RefusesWhatItDoesNotKnow) {
         "SELECT a FROM t WHERE \"open", "SELECT [a FROM t", "SELECT a FROM t WHERE a = 1x",
         "SELECT a FROM (t", "SELECT a FROM t WHERE ((a)=1", "DROP TABLE t",
         "SELECT a FROM t WHERE a IS 1", "SELECT FROM FROM t"}) {
-    EXPECT_EQ(NumberOf(TranslateSelect, sql), errnum::SyntaxError) << sql;
+    EXPECT_EQ(NumberOf([&] { TranslateSelect(sql); }), errnum::SyntaxError) << sql;
   }
   // What a value with quotes of its own would make of a DELETE.
   for (const char* sql :
@@ -79,7 +73,7 @@ TEST(Dialect, RefusesWhatItDoesNotKnow) {
         "DELETE t.* FROM t WHERE t.A=\"x\" OR t.A<>\"\"", "DELETE t.* FROM t WHERE t.A<>\"\"",
         "DELETE t.* FROM t WHERE NOT t.A=\"x\"", "DELETE t.* FROM u WHERE u.A=\"x\"",
         "DELETE FROM t", "DELETE t.A FROM t"}) {
-    EXPECT_EQ(NumberOf(TranslateDelete, sql), errnum::SyntaxError) << sql;
+    EXPECT_EQ(NumberOf([&] { TranslateDelete(sql); }), errnum::SyntaxError) << sql;
   }
 }
 

@@ -4,22 +4,14 @@
 
 #include "common/clsError.h"
 #include "platform/dao/Workspace.h"
+#include "support/NumberOf.h"
 #include "support/TempFolder.h"
 
 namespace sandrel::dao {
+using test::NumberOf;
 using test::TempFolder;
 
 namespace {
-
-template <class Body>
-std::int32_t NumberOf(Body&& body) {
-  try {
-    body();
-  } catch (const clsError& error) {
-    return error.Number();
-  }
-  return 0;
-}
 
 class RecordsetTest : public testing::Test {
  protected:
@@ -185,6 +177,15 @@ TEST_F(RecordsetTest, DynasetCountsAndReadsItsRows) {
   for (; !rows->Eof(); rows->MoveNext()) seen += rows->Get(1).ToText();
   EXPECT_EQ(seen, "134");
   EXPECT_EQ(rows->RecordCount(), 3);
+  rows->MoveLast();
+  rows->MoveNext();
+  EXPECT_TRUE(rows->Eof());
+  auto one = m_database->OpenRecordset(
+      "SELECT tblFiles.PathId FROM tblFiles WHERE tblFiles.PathId = 2;", RecordsetType::Dynaset);
+  one->MoveLast();
+  one->MoveFirst();
+  one->MoveNext();
+  EXPECT_TRUE(one->Eof());
   EXPECT_EQ(NumberOf([&] { rows->AddNew(); }), errnum::ReadOnly);
   EXPECT_EQ(NumberOf([&] {
               m_database->OpenRecordset("SELECT x.Y FROM tblFiles", RecordsetType::Dynaset);

@@ -9,22 +9,14 @@
 
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
+#include "support/NumberOf.h"
 #include "support/TempFolder.h"
 
 namespace sandrel::dao {
+using test::NumberOf;
 using test::TempFolder;
 
 namespace {
-
-template <class Body>
-std::int32_t NumberOf(Body&& body) {
-  try {
-    body();
-  } catch (const clsError& error) {
-    return error.Number();
-  }
-  return 0;
-}
 
 TableDef OneColumn(const std::string& name) {
   TableDef table(name);

@@ -1,0 +1,246 @@
+#include "snapshot/clsAnalysis.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "common/clsFileWorks.h"
+#include "support/SnapshotFixture.h"
+
+namespace sandrel {
+
+using test::Cell;
+using test::IsWhole;
+using test::Rows;
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class clsAnalysisTest : public test::SnapshotFixture {
+ protected:
+  void SetSystem(const std::string& keys) {
+    m_sample.SetSystemReg(test::SampleMachine::SystemKeys() + keys);
+  }
+};
+
+TEST_F(clsAnalysisTest, NothingChangedGivesNineEmptyTables) {
+  Before();
+  After();
+  EXPECT_EQ(m_shell.Last(), "status: Analysis Created");
+  EXPECT_EQ(m_shell.State.AnalysisPath, m_analysisPath);
+  EXPECT_EQ(Analysis("SELECT Value FROM tblStats WHERE id <= 9"), Lines(9, "0"));
+  EXPECT_EQ(Analysis("SELECT count(*) FROM sqlite_master WHERE type = 'table'"), Lines{"12"});
+  EXPECT_EQ(Analysis("SELECT Hive, Name FROM tblHives").front(), "-2147483648|HKEY_CLASSES_ROOT");
+  EXPECT_EQ(Analysis("SELECT Name FROM tblValueTypes WHERE ValueType = 10"),
+            Lines{"RESOURCE_REQUIREMENTS_LIST"});
+  EXPECT_TRUE(m_shell.Has("open: " + m_analysisPath));
+  EXPECT_TRUE(IsWhole(m_analysisPath) && IsWhole(Working()));
+  EXPECT_EQ(m_analysis.GetStat("FILES - NEW"), "0");
+  EXPECT_EQ(m_analysis.GetStat("nothing"), "");
+}
+
+TEST_F(clsAnalysisTest, FindsWhatAnInstallationDid) {
+  m_settings.SaveSetting("Enabled", "VersionInfo", "1");
+  m_sample.WriteFile("C:\\old.txt", "old");
+  m_sample.WriteFile("C:\\app.ini", "[Fonts]\ndevice=a\nkeep=1\ngone=1\n[Left]\nx=1\n");
+  SetSystem(
+      "[Software\\\\T] 1\n\"change\"=\"a\"\n\"type\"=\"5\"\n\"gone\"=\"x\"\n\"Path\"=\"p\"\n\n");
+  Before();
+  m_sample.Remove("C:\\old.txt");
+  m_sample.WriteFile("C:\\New\\new.txt", "new");
+  m_sample.MakeFolder("C:\\New\\Empty");
+  m_sample.WriteProgram("C:\\windows\\system32\\sample.dll", 0x00020000, 0x00000001);
+  m_sample.WriteFile("C:\\app.ini", "[FONTS]\ndevice=b\nkeep=1\ndevice=c\nfresh=2\n");
+  m_sample.SetTime("C:\\app.ini", 1000000000);
+  SetSystem(
+      "[Software\\\\T] "
+      "1\n\"change\"=\"b\"\n\"type\"=dword:00000005\n\"PATH\"=\"P\"\n@=\"new\"\n\n["
+      "Software\\\\T\\\\Sub] 1\n"
+      "\"s\"=\"1\"\n\n");
+  After();
+  EXPECT_EQ(Analysis("SELECT PathName, FileName, Size FROM tblNewFiles ORDER BY 1, 2"),
+            (Lines{"C:\\New\\|new.txt|3", "C:\\New\\Empty\\||NULL"}));
+  EXPECT_EQ(Analysis("SELECT FileName, OldVersion, NewVersion FROM tblChangedFiles ORDER BY 1"),
+            (Lines{"app.ini||", "sample.dll|1.2.3.4|2.0.0.1"}));
+  EXPECT_EQ(Analysis("SELECT PathName, FileName, Size FROM tblDeletedFiles"),
+            Lines{"C:\\|old.txt|3"});
+  EXPECT_EQ(
+      Analysis(
+          "SELECT Branch, ValueName, Value, ValueType FROM tblNewRegistryEnteries ORDER BY 1, 2"),
+      (Lines{"Software\\T||new|1", "Software\\T\\Sub|s|1|1"}));
+  // "Path" and "PATH" are one value, "p" and "P" one text.
+  EXPECT_EQ(Analysis("SELECT ValueName, OldValue, NewValue, OldValueType, NewValueType FROM "
+                     "tblChangedRegistryEnteries ORDER BY 1"),
+            (Lines{"change|a|b|1|1", "type|5|5|1|4"}));
+  EXPECT_EQ(Analysis("SELECT Hive, Branch, ValueName, Value FROM tblDeletedRegistryEnteries"),
+            Lines{"-2147483646|Software\\T|gone|x"});
+  // A further repetition of "device" is no new entry: new and deleted entries don't count
+  // repetitions.
+  EXPECT_EQ(Analysis("SELECT PathName, FileName, Section, Parameter, Value FROM tblNewIniEnteries"),
+            Lines{"C:\\|app.ini|Fonts|fresh|2"});
+  EXPECT_EQ(Analysis("SELECT Section, Parameter, OldValue, NewValue FROM tblChangedIniEnteries"),
+            Lines{"Fonts|device|a|b"});
+  EXPECT_EQ(Analysis("SELECT Section, Parameter, Value FROM tblDeletedIniEnteries ORDER BY 1"),
+            (Lines{"Fonts|gone|1", "Left|x|1"}));
+  EXPECT_EQ(Analysis("SELECT Description, Value FROM tblStats WHERE id <= 3"),
+            (Lines{"Registry - New|2", "Registry - Changed|2", "Registry - Deleted|1"}));
+  EXPECT_TRUE(IsWhole(m_analysisPath) && IsWhole(Working()));
+}
+
+TEST_F(clsAnalysisTest, RepeatedChangesOfOneParameterKeepTheFirstRow) {
+  m_sample.WriteFile("C:\\app.ini", "[s]\nd=1\nd=2\n");
+  Before();
+  m_sample.WriteFile("C:\\app.ini", "[s]\nd=3\nd=4\n");
+  After();
+  EXPECT_EQ(Analysis("SELECT OldValue, NewValue FROM tblChangedIniEnteries"), Lines{"1|3"});
+  EXPECT_EQ(Stat("INI Entries - Changed"), "2");  // the count is the statement's
+  EXPECT_EQ(m_shell.Last(), "status: Analysis Created");
+}
+
+TEST_F(clsAnalysisTest, AValueThatAppearsWhereNoneWasIsNoChange) {
+  Before();  // without versions
+  m_settings.SaveSetting("Enabled", "VersionInfo", "1");
+  After();
+  EXPECT_EQ(Stat("Files - Changed"), "0");
+}
+
+// Before, After, Replace, After, Replace, After: each analysis is as right as the first.
+TEST_F(clsAnalysisTest, ReplacedSnapshotsCompareAsWellAsTheFirst) {
+  m_sample.WriteFile("C:\\A\\a.ini", "[s]\nk=1\n");
+  m_sample.WriteFile("C:\\A\\z.ini", "[s]\nk=1\n");
+  Before();
+  m_sample.WriteFile("C:\\A\\b.ini", "[s]\nk=b1\n");
+  m_sample.Remove("C:\\A\\z.ini");
+  After();
+  EXPECT_EQ(Analysis("SELECT FileName, Value FROM tblNewIniEnteries"), Lines{"b.ini|b1"});
+  EXPECT_EQ(Analysis("SELECT FileName, Value FROM tblDeletedIniEnteries"), Lines{"z.ini|1"});
+  m_snapshots.mnuSnapShotRollUp_Click();
+  m_sample.WriteFile("C:\\A\\a.ini", "[s]\nk=1\nm=a2\n");
+  m_sample.WriteFile("C:\\A\\c.ini", "[s]\nk=c2\n[t]\nq=c2\n");
+  m_sample.WriteFile("C:\\A\\b.ini", "[s]\nk=b2\n");
+  After();
+  EXPECT_EQ(
+      Analysis("SELECT FileName, Section, Parameter, Value FROM tblNewIniEnteries ORDER BY 1, 2"),
+      (Lines{"a.ini|s|m|a2", "c.ini|s|k|c2", "c.ini|t|q|c2"}));
+  EXPECT_EQ(Analysis("SELECT FileName, OldValue, NewValue FROM tblChangedIniEnteries"),
+            Lines{"b.ini|b1|b2"});
+  EXPECT_EQ(Analysis("SELECT * FROM tblDeletedIniEnteries"), Lines{});
+  EXPECT_EQ(Analysis("SELECT FileName FROM tblNewFiles"), Lines{"c.ini"});
+  After();  // a second After of the same pair, over the first
+  EXPECT_EQ(Stat("INI Entries - New"), "3");
+  m_snapshots.mnuSnapShotRollUp_Click();
+  m_sample.Remove("C:\\A\\c.ini");
+  m_sample.WriteFile("C:\\A\\d.ini", "[s]\nk=d3\n");
+  After();
+  EXPECT_EQ(Analysis("SELECT FileName, Section FROM tblDeletedIniEnteries ORDER BY 2"),
+            (Lines{"c.ini|s", "c.ini|t"}));
+  EXPECT_EQ(Analysis("SELECT FileName, Value FROM tblNewIniEnteries"), Lines{"d.ini|d3"});
+  EXPECT_TRUE(IsWhole(Working()));
+}
+
+TEST_F(clsAnalysisTest, ReportsTheSettingsInForce) {
+  m_settings.SaveSetting("ScanFolders", "1", "C:\\windows");
+  m_settings.SaveSetting("RegScan", "HKEY_USERS", "False");
+  m_settings.SaveSetting("ExcludeFiles", "1", "C:\\windows\\temp\\");
+  m_settings.SaveSetting("ExcludeFiles", "2", "C:\\windows\\a.txt");
+  Before();
+  After();
+  EXPECT_EQ(Analysis("SELECT Description || '=' || Value FROM tblStats WHERE id > 9"),
+            (Lines{" =",
+                   "Disk Scan Settings=",
+                   "    Folders Scanned=",
+                   "        C:\\windows=",
+                   "    Version Info Included=No",
+                   "    Size Info Included=Yes",
+                   "    Attribute Info Included=Yes",
+                   " =",
+                   "Registry Scan Settings=",
+                   "    Hives Scanned=",
+                   "        HKEY_CLASSES_ROOT=No",
+                   "        HKEY_CURRENT_CONFIG=Yes",
+                   "        HKEY_CURRENT_USER=Yes",
+                   "        HKEY_LOCAL_MACHINE=Yes",
+                   "        HKEY_USERS=No",
+                   " =",
+                   "File Exclude Settings=",
+                   "    Files / Folders Excluded=",
+                   "        C:\\windows\\temp\\=Folder Tree",
+                   "        C:\\windows\\a.txt=File(s)"}));
+  m_settings.SaveSetting("Enabled", "FileExclude", "0");
+  m_settings.SaveSetting("Enabled", "DiskScan", "0");
+  m_settings.SaveSetting("Enabled", "RemoteRegistry", "1");
+  m_settings.SaveSetting("RegScan", "RemoteName", "box");
+  After();
+  EXPECT_EQ(Analysis("SELECT Description || '=' || Value FROM tblStats WHERE id > 9"),
+            (Lines{" =", "Disk Scan Settings=", "    Folders Scanned=None", " =",
+                   "Registry Scan Settings=", "    Hives Scanned=",
+                   "        \\\\box\\HKEY_LOCAL_MACHINE=Yes", "        \\\\box\\HKEY_USERS=No",
+                   " =", "File Exclude Settings=", "    Files / Folders Excluded=None"}));
+}
+
+TEST_F(clsAnalysisTest, ExclusionsApplyBeforeTheComparison) {
+  Before();
+  m_sample.WriteFile("C:\\users\\tester\\Temp\\t.tmp", "");
+  m_sample.WriteFile("C:\\keep.txt", "");
+  After();
+  EXPECT_EQ(Analysis("SELECT FileName FROM tblNewFiles"), Lines{"keep.txt"});
+  EXPECT_EQ(Analysis("SELECT Value FROM tblStats WHERE Description LIKE '%Temp\\'"),
+            Lines{"Folder Tree"});
+}
+
+TEST_F(clsAnalysisTest, ACancelledComparisonLeavesNoFile) {
+  std::ofstream(m_analysisPath) << "older";
+  Before();
+  m_shell.OnEvents = [&] {
+    if (m_shell.Last() == "status: Creating Analysis...") m_snapshots.ConfirmCancelScan();
+  };
+  After();
+  EXPECT_TRUE(m_shell.Has("Overwrite the existing file?"));
+  EXPECT_EQ(m_shell.Last(), "status: Scan Stopped");
+  EXPECT_FALSE(clsFileWorks::FileExists(m_analysisPath));
+  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::BeforeAndAfter);
+}
+
+TEST_F(clsAnalysisTest, AnAbortedComparisonLeavesNoFile) {
+  Before();
+  m_settings.SaveSetting("ExcludeFiles", "1",
+                         "C:\\windows\\*.ini");  // a pattern that ends the analysis
+  After();
+  EXPECT_TRUE(m_shell.Has("error 5: Invalid procedure call or argument"));
+  EXPECT_TRUE(m_shell.Has("[frmSandrel.CreateViews]"));
+  EXPECT_EQ(m_shell.Last(), "unload");
+  EXPECT_FALSE(clsFileWorks::FileExists(m_analysisPath));
+  EXPECT_FALSE(m_shell.State.Scanning);
+}
+
+TEST_F(clsAnalysisTest, BadTargetsAreToldBeforeTheScan) {
+  Before();
+  for (const std::string& target : {m_temp.Path(), m_temp.Of("none/x.mdb"), Working(),
+                                    m_temp.Of("home/../home/SandrelTemp.zqd")}) {
+    m_shell.Log.clear();
+    m_analysis.AfterInto(m_snapshots, target);
+    EXPECT_TRUE(m_shell.Has("error 7")) << target;
+    EXPECT_FALSE(m_shell.Has("status: Scanning")) << target;
+  }
+  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
+  EXPECT_TRUE(IsWhole(Working()));
+  m_shell.Questions = {Answer::No};
+  std::ofstream(m_analysisPath) << "older";
+  After();
+  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
+  EXPECT_EQ(clsFileWorks::ReadWhole(m_analysisPath), "older");
+}
+
+TEST_F(clsAnalysisTest, TheCommandAsksForTheFile) {
+  Before();
+  m_analysis.mnuSnapShotAfter_Click(m_snapshots);  // cancelled in the dialog
+  EXPECT_EQ(m_shell.Last(), "choose: Create Analysis Sandrel.mdb");
+  m_shell.File = m_analysisPath;
+  m_analysis.mnuSnapShotAfter_Click(m_snapshots);
+  EXPECT_EQ(m_shell.Last(), "status: Analysis Created");
+}
+
+}  // namespace
+}  // namespace sandrel
