@@ -81,9 +81,10 @@ def hexadecimal(data):
 
 
 def terminated(data):
-    """String data with its terminating zero; data of size 0 gets none."""
-    data = data[:len(data) // 2 * 2]
-    return data if not data or data.endswith(b"\0\0") and len(data) % 2 == 0 else data + b"\0\0"
+    """String data with its terminating zero; data of size 0 gets none. Half a character at the end gets
+    its other half."""
+    data += bytes(len(data) % 2)
+    return data if not data or data.endswith(b"\0\0") else data + b"\0\0"
 
 
 def ansi_bytes(text):
@@ -104,14 +105,14 @@ def value_text(kind, data):
     if kind == 0:
         return stored(ansi_text(data))
     if kind in (1, 2):
-        return stored(terminated(data).decode("utf-16-le", "replace")[:-1])
+        return stored(terminated(data).decode("utf-16-le", "surrogatepass")[:-1])
     if kind in (4, 5):
         if len(data) > 4:
             return ""  # doesn't fit the number that it is read into
         number = int.from_bytes(data, "little")
         return str(signed(number if kind == 4 else swapped(number)))
     if kind == 7:
-        return hexadecimal(ansi_bytes(terminated(data).decode("utf-16-le", "replace")))
+        return hexadecimal(ansi_bytes(terminated(data).decode("utf-16-le", "surrogatepass")))
     return hexadecimal(data)
 
 
@@ -444,6 +445,13 @@ def check_snapshots(report, database, before, after, shared):
                     .fetchall())
 
 
+def open_database(path):
+    """A database, read only. A text may hold half of a surrogate pair, as a registry can."""
+    database = sqlite3.connect(f"file:{path}?mode=ro", uri=True)
+    database.text_factory = lambda data: data.decode("utf-8", "surrogatepass")
+    return database
+
+
 def parse_arguments():
     parser = argparse.ArgumentParser(description="Checks an analysis against two copies of a machine.")
     parser.add_argument("before")
@@ -471,6 +479,7 @@ def parse_arguments():
 
 def main():
     options = parse_arguments()
+    sys.stdout.reconfigure(errors="backslashreplace")
     for path in (options.analysis, options.database):
         if path and not os.path.isfile(path):
             sys.exit(f"expected.py: {path} doesn't exist")
@@ -486,11 +495,10 @@ def main():
     rows = compare(before, after, shared)
 
     report = Report()
-    with sqlite3.connect(f"file:{options.analysis}?mode=ro", uri=True) as database:
-        check_analysis(report, database, rows, expected_statistics(scanned, options, rows))
+    check_analysis(report, open_database(options.analysis), rows,
+                   expected_statistics(scanned, options, rows))
     if options.database:
-        with sqlite3.connect(f"file:{options.database}?mode=ro", uri=True) as database:
-            check_snapshots(report, database, before, after, shared)
+        check_snapshots(report, open_database(options.database), before, after, shared)
     counts = ", ".join(f"{name} {len(rows[table])}" for name, table in zip(STATISTICS, TABLES))
     print(f"{counts}; {len(before.files)} and {len(after.files)} files, "
           f"{len(before.values)} and {len(after.values)} values: "

@@ -125,7 +125,12 @@ def read_text_hive(filename):
             else:
                 kind = int(kind, 16) if kind else 3
                 data = bytes.fromhex(digits.replace(",", " "))
-            node.values.append((name, kind, data))
+            # A value that comes again replaces the one before, as in Wine.
+            same = [i for i, (n, _, _) in enumerate(node.values) if n.upper() == name.upper()]
+            if same:
+                node.values[same[0]] = (node.values[same[0]][0], kind, data)
+            else:
+                node.values.append((name, kind, data))
     return root, place
 
 
@@ -207,10 +212,10 @@ class Registry:
         if is_prefix(folder):
             machine, _ = read_text_hive(os.path.join(folder, "system.reg"))
             user, place = read_text_hive(os.path.join(folder, "user.reg"))
-            default, default_place = read_text_hive(os.path.join(folder, "userdef.reg"))
+            default, _ = read_text_hive(os.path.join(folder, "userdef.reg"))
             self.user_sid = place.rpartition("\\")[2]
-            # Wine spells it .Default, Windows .DEFAULT.
-            self._mount(users, default_place.rpartition("\\")[2], default)
+            # Spelled as on Windows; Wine's file says .Default.
+            self._mount(users, ".DEFAULT", default)
             self._mount(users, self.user_sid, user)
         else:
             user = self._read_volume(folder, machine, users)
@@ -284,28 +289,31 @@ class Registry:
             merged.subkeys[folded] = cls._merged(*below) if None not in below else below[0] or below[1]
         return merged
 
-    def find(self, hive, path):
+    def find(self, hive, path, hops=16):
         """A key by its path, through links; None when it doesn't exist."""
         node = self.roots[hive]
         for part in path.split("\\") if path else ():
             node = node.child(part)
             if node is not None and node.is_link:
-                node = self.follow(node)
+                node = self.follow(node, hops - 1)
             if node is None:
                 return None
         return node
 
-    def follow(self, link):
-        """The key that a link leads to, by one step; None when there is none."""
+    def follow(self, link, hops=16):
+        """The key that a link leads to, itself no link; None when there is none."""
         target = link.text("SymbolicLinkValue") or ""
         found = re.match(r"\\registry\\(machine|user)\\?(.*)$", target, re.I | re.S)
-        if not found:
+        if not found or hops == 0:
             return None
-        node = self.roots[HKLM if found[1].lower() == "machine" else HKU].find(found[2])
-        return node
+        return self.find(HKLM if found[1].lower() == "machine" else HKU, found[2], hops)
 
     def walk(self, hive):
-        """Every key of a hive as (path, node), a link's contents under the link's own path."""
+        """Every key of a hive as (path, node), a link's contents under the link's own path.
+
+        A link that leads nowhere can't be opened and is empty. Links below a followed one are shown as
+        they stand, so that a link to a key above it doesn't go on for ever.
+        """
 
         def below(path, node, followed):
             if node.is_link and not followed:
