@@ -42,8 +42,8 @@ class clsMachine {
   /// Where a Windows path lies on the host, found without regard to case; nothing when it doesn't
   /// exist. Resolving paths in the order of a depth-first walk costs a step each.
   std::optional<std::string> HostPath(std::string_view windowsPath) const;
-  /// The Windows path of a host path, by the first drive that holds it; nothing when none does. The
-  /// path need not exist.
+  /// The Windows path of a host path, which need not exist, by the drive whose folder lies nearest
+  /// above it (the first letter of several); nothing when no drive holds it.
   std::optional<std::string> WindowsPath(const std::string& hostPath) const;
 
   bool FileExists(std::string_view windowsPath) const;

@@ -9,12 +9,13 @@ namespace sandrel {
 
 class clsVersionInfo {
  public:
-  /// The size in bytes of the file's version resource; 0 when it has none, is no PE file or can't be
-  /// read. Reads headers and the resource directory only, never the whole file.
+  /// The size in bytes of the file's version resource; 0 when it has none, is no PE file or can't
+  /// be read. Reads headers and the resource directory only, never the whole file.
   static std::size_t GetFileVersionInfoSize(const std::string& hostPath);
 
   /// Fills `buffer` with at most `size` bytes of the version resource. False on failure.
-  static bool GetFileVersionInfo(const std::string& hostPath, std::size_t size, std::string& buffer);
+  static bool GetFileVersionInfo(const std::string& hostPath, std::size_t size,
+                                 std::string& buffer);
 
   struct FixedFileInfo {
     std::uint32_t FileVersionMS = 0;

@@ -74,7 +74,7 @@ TEST_F(clsEnvironmentTest, ExpandsReferencesWithoutEnd) {
   for (int i = 0; i < 40; ++i) {
     const std::string name = "V" + std::to_string(i);
     Set(hkey::CurrentUser, "Environment", name, previous);
-    previous = "%" + name + "%%" + name + "%";
+    previous.assign("%").append(name).append("%%").append(name).append("%");
   }
   EXPECT_LT(m_environment.Variable("V39").size(), 1000000u);  // would be 2 to the 39 times 1000
   Set(hkey::CurrentUser, "Environment", "A", "<%B%%B%>");
