@@ -331,13 +331,13 @@ bool clsRegfHive::ReadSplitData(std::string_view cell, std::size_t size, std::st
   if (list.size() / 4 < count || size > count * SplitSegment) return false;
   const auto places = static_cast<std::size_t>(list.data() - m_bytes.data());
   data.reserve(size);
-  for (std::size_t i = 0; i < count && data.size() < size; ++i) {
+  for (std::size_t i = 0; data.size() < size; ++i) {
     const std::size_t wanted = std::min(SplitSegment, size - data.size());
     const std::string_view segment = Cell(FirstBin + Number32(places + 4 * i));
     if (segment.size() < wanted) return false;
     data += segment.substr(0, wanted);
   }
-  return data.size() == size;
+  return true;
 }
 
 bool clsRegfHive::IsLink(hive_node_h node) const {

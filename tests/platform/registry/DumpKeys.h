@@ -28,7 +28,7 @@ inline void DumpKeys(clsRegistry& registry, std::uint32_t root, const std::strin
     out += '\n';
   }
   for (std::size_t i = 0; registry.RegEnumKey(key, i, name) == regstatus::Success; ++i) {
-    DumpKeys(registry, root, path.empty() ? name : path + "\\" + name, out);
+    DumpKeys(registry, root, path.empty() ? name : fmt::format("{}\\{}", path, name), out);
   }
 }
 

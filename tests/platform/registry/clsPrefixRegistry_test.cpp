@@ -94,7 +94,7 @@ TEST_F(clsPrefixRegistry, PutsTheHivesBelowTheirRoots) {
   const auto registry = OpenPrefixRegistry(m_folder.Path());
   EXPECT_EQ(registry->Roots().size(), 5u);
   EXPECT_EQ(DumpKeys(*registry, hkey::Users),
-            "[]\n[.Default]\n[.Default\\Console]\nx=1:64000000\n[" + Sid + "]\n[" + Sid +
+            "[]\n[.DEFAULT]\n[.DEFAULT\\Console]\nx=1:64000000\n[" + Sid + "]\n[" + Sid +
                 "\\Software]\n[" + Sid + "\\Software\\Classes]\n[" + Sid +
                 "\\Software\\Classes\\.TXT]\n=1:7500730065007200"
                 "0000\n[" +

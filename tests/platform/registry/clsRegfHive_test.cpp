@@ -187,6 +187,8 @@ TEST_F(clsRegfHiveTest, LeavesOutAndCountsWhatIsDamaged) {
   const std::size_t db = builder.CellsOf("db").front();
   ASSERT_EQ(nk.size(), 4u);
   ASSERT_EQ(vk.size(), 7u);
+  // The list of the three cells of split data stands right before the cell that names it.
+  const std::size_t segments = db - 16;
   const auto place = [](std::size_t cell) { return static_cast<std::uint32_t>(cell - 4096); };
 
   using Names = std::vector<std::string>;
@@ -220,7 +222,10 @@ TEST_F(clsRegfHiveTest, LeavesOutAndCountsWhatIsDamaged) {
        1,
        0},
       {"the root as a subkey of itself",
-       [&](std::string& h) { Set32(h, list + 12, place(nk[0])); },
+       [&](std::string& h) {
+         Set32(h, list + 12, place(nk[0]));
+         Set32(h, nk[0] + NkParent, place(nk[0]));
+       },
        {"a", "c"},
        allValues,
        1,
@@ -311,6 +316,12 @@ TEST_F(clsRegfHiveTest, LeavesOutAndCountsWhatIsDamaged) {
        1},
       {"split data of too many cells",
        [&](std::string& h) { h[db + 7] = '\x7F'; },
+       allKeys,
+       {"one", "long", "four"},
+       0,
+       1},
+      {"a cell of split data that is too short",
+       [&](std::string& h) { Set32(h, segments + 4, place(vk[0])); },
        allKeys,
        {"one", "long", "four"},
        0,

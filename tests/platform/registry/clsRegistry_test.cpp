@@ -57,9 +57,12 @@ TEST(clsRegistry, FindsAnyOfManySubkeysInAnyOrder) {
   ASSERT_EQ(registry->RegOpenKeyEx(Machine, "Top", key), regstatus::Success);
   std::uint32_t type = 0;
   std::string data;
+  std::string name;
+  EXPECT_EQ(registry->RegEnumValue(key, 5, name), regstatus::Success);
   EXPECT_EQ(registry->RegQueryValueEx(key, "VALUE9999", type, data), regstatus::Success);
   EXPECT_EQ(data, "9999");
-  std::string name;
+  EXPECT_EQ(registry->RegQueryValueEx(key, name, type, data), regstatus::Success);
+  EXPECT_EQ(data, "5");
   EXPECT_EQ(registry->RegEnumKey(key, Count - 1, name), regstatus::Success);
   EXPECT_EQ(name, "Key9999");
   EXPECT_EQ(registry->RegEnumKey(key, Count, name), regstatus::NoMoreItems);
@@ -153,6 +156,23 @@ TEST(clsRegistry, WritesSeenByTheNextOpenKeepOpenKeysValid) {
   EXPECT_EQ(data, "1");
 }
 
+TEST(clsRegistry, FindsWhatIsLeftOfManyAfterADeletion) {
+  const auto registry = MakeMemoryRegistry();
+  for (int i = 0; i < 20; ++i) {
+    registry->RegCreateKeyEx(Machine, "k" + std::to_string(i));
+    registry->RegSetValueEx(Machine, "", std::to_string(i), 3, std::to_string(i));
+  }
+  EXPECT_EQ(registry->RegDeleteKey(Machine, "k3"), regstatus::Success);
+  EXPECT_EQ(registry->RegDeleteValue(Machine, "", "3"), regstatus::Success);
+  EXPECT_EQ(registry->RegDeleteKey(Machine, "K19"), regstatus::Success);
+  EXPECT_EQ(registry->RegSetValueEx(Machine, "", "19", 3, "x"), regstatus::Success);
+  EXPECT_EQ(Query(*registry, Machine, "", "19"), "3:78");
+  EXPECT_EQ(Query(*registry, Machine, "", "3"), "none");
+  EXPECT_EQ(registry->RegSetValueEx(Machine, "K10", "v", 3, "y"), regstatus::Success);
+  EXPECT_EQ(Query(*registry, Machine, "k10", "v"), "3:79");
+  EXPECT_EQ(Open(*registry, "k19"), regstatus::FileNotFound);
+}
+
 // A provider of one key, for what no real hive of ours can be made to hold by writing it.
 class clsOddRegistry : public clsRegistry {
  public:
@@ -186,7 +206,7 @@ class clsOddRegistry : public clsRegistry {
 TEST(clsRegistry, TellsNamesApartThatDifferOnlyInCase) {
   clsOddRegistry registry;
   EXPECT_EQ(registry.Roots(), std::vector<std::uint32_t>{Machine});
-  for (int i = 0; i < 20; ++i) registry.names.push_back("x" + std::to_string(i));
+  for (int i = 0; i < 20; ++i) registry.names.push_back(fmt::format("x{}", i));
   registry.names.insert(registry.names.end(), {"TWIN", "twin", "Twin"});
   for (const char* path : {"twin", "TWIN", "Twin"}) {  // each holds a subkey of its own name
     Handle key;
@@ -233,6 +253,7 @@ TEST(clsRegistry, CountsKeysThatLieTooDeepOnce) {
     std::string name;
     ASSERT_EQ(registry.RegOpenKeyEx(Machine, path, key), regstatus::Success);
     EXPECT_EQ(registry.RegEnumKey(key, 0, name), regstatus::NoMoreItems);
+    EXPECT_EQ(Open(registry, path + "\\k"), regstatus::FileNotFound);
     EXPECT_EQ(registry.LeftOutCounts().Of(LeftOut::DeepKey), 1u);
   }
 }

@@ -35,7 +35,7 @@ class clsVolumeRegistryTest : public testing::Test {
     Profile(Bob, "%SystemDrive%\\Users\\bob.HOST");
     Profile(Ann + ".bak", "C:\\Users\\Ann");
     software.Key("Classes\\.txt").Text("", "machine");
-    system.Key("Select").Dword("Current", 2);
+    system.Key("Select").Dword("Default", 1).Dword("Current", 2);
     system.Key("ControlSet001").Dword("set", 1);
     system.Key("ControlSet002").Dword("set", 2);
     system.Key("ControlSet002\\Hardware Profiles\\0001").Dword("p", 1);

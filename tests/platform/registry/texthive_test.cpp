@@ -78,18 +78,20 @@ TEST(texthive, ReadsEveryFormOfAValue) {
 }
 
 TEST(texthive, ReadsKeysInAnyOrder) {
-  const TextHive hive = ReadTextHive(
-      Head +
-          "\n[Software\\\\Wine\\\\A] 1290444000 "
-          "\n#time=1cb8a5c1f3a2b00\n#class=\"C\\x20ac\"\n#other\n"
-          ";; note\n\"v\"=\"1\"\n\n[Software\\\\Wine] 1290444000\n\"v\"=\"2\"\n\n"
-          "[SOFTWARE\\\\wine\\\\a\\\\\\[\\x20ac\\]\\\\\\\\b] 2\n\n[Soft] 3\n[] 4\n@=\"root\"\n"
-          "[Software\\\\Wine\\\\A] 5\n#link\n\"V\"=\"3\"\n",
-      "f");
+  const TextHive hive =
+      ReadTextHive(Head +
+                       "\n[Software\\\\Wine\\\\A] 1290444000 "
+                       "\n#time=1cb8a5c1f3a2b00\n#class=\"C\\x20ac\"\n#other\n"
+                       ";; note\n\"v\"=\"1\"\n\n[Software\\\\Wine] 1290444000\n\"v\"=\"2\"\n\n"
+                       "[SOFTWARE\\\\wine\\\\a\\\\\\[\\x20ac\\]\\\\\\\\b] 2\n\n[Soft] 3\n[Soft2] "
+                       "3\n[] 4\n@=\"root\"\n"
+                       "[Software\\\\Wine\\\\A] 5\n#link\n\"V\"=\"3\"\n",
+                   "f");
   clsKeyTree::Key* root = hive.tree->Root();
-  ASSERT_EQ(root->subkeys.size(), 2u);
+  ASSERT_EQ(root->subkeys.size(), 3u);
   EXPECT_EQ(root->subkeys[0]->name, "Software");
   EXPECT_EQ(root->subkeys[1]->name, "Soft");
+  EXPECT_EQ(root->subkeys[2]->name, "Soft2");
   EXPECT_EQ(root->values.size(), 1u);
   const clsKeyTree::Key* key = clsKeyTree::FindKey(root, "Software\\Wine\\A");
   ASSERT_NE(key, nullptr);
