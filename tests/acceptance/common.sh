@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Helpers of the acceptance runs; sourced by them.
 #
 # A run works in a temporary folder that it removes at its end; KEEP=1 keeps it for a look.
@@ -17,7 +18,7 @@ find_cli() {
   if [ -z "$cli" ]; then
     cli=$(ls -t "$repository"/build/*/src/sandrel-cli "$repository"/build*/src/sandrel-cli 2>/dev/null | head -n 1)
   fi
-  [ -n "$cli" ] && [ -x "$cli" ] || skip "no sandrel-cli; build it, or name it as the first argument"
+  [ -x "$cli" ] || skip "no sandrel-cli; build it, or name it as the first argument"
   cli=$(realpath "$cli")
 }
 
@@ -66,7 +67,7 @@ check() {
   python3 "$here/expected.py" --version-info \
     --hive HKEY_CLASSES_ROOT --hive HKEY_CURRENT_CONFIG --hive HKEY_CURRENT_USER \
     --hive HKEY_LOCAL_MACHINE --hive HKEY_USERS \
-    --home "$home" --database "$home/SandrelTemp.zqd" "$@" \
+    --home "$home" --database "$home/SandrelTemp.zqd" \
     "$work/before" "$work/machine" "$work/analysis.mdb"
 }
 

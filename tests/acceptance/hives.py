@@ -189,7 +189,7 @@ def read_regf(filename):
 # ---- a machine's root keys -------------------------------------------------------------------------
 
 
-def _find_case(folder, *parts):
+def find_case(folder, *parts):
     """A path below `folder` found without regard to case, or None."""
     for part in parts:
         names = [n for n in os.listdir(folder) if n.lower() == part.lower()] if folder else []
@@ -230,9 +230,9 @@ class Registry:
         parent.subkeys[name.upper()] = node
 
     def _read_volume(self, folder, machine, users):
-        config = _find_case(folder, "Windows", "System32", "config")
+        config = find_case(folder, "Windows", "System32", "config")
         for name in ("SOFTWARE", "SYSTEM", "SAM", "SECURITY"):
-            path = _find_case(config, name)
+            path = find_case(config, name)
             if path:
                 self._mount(machine, name, read_regf(path))
         system = machine.child("SYSTEM")
@@ -241,7 +241,7 @@ class Registry:
             number = int.from_bytes(select.value("Current")[1], "little")
             current = system.child(f"ControlSet{number:03}")
             system.subkeys.setdefault("CURRENTCONTROLSET", self._renamed(current, "CurrentControlSet"))
-        path = _find_case(config, "DEFAULT")
+        path = find_case(config, "DEFAULT")
         if path:
             self._mount(users, ".DEFAULT", read_regf(path))
             # On a running machine the local system's key is a link to it.
@@ -251,12 +251,12 @@ class Registry:
         for profile in profiles.subkeys.values() if profiles else ():
             image = profile.text("ProfileImagePath") or ""
             parts = re.sub("(?i)%systemdrive%", "C:", image).split("\\")[1:]
-            hive = _find_case(folder, *parts, "NTUSER.DAT")
+            hive = find_case(folder, *parts, "NTUSER.DAT")
             if hive is None:
                 continue
             self._mount(users, profile.name, read_regf(hive))
             first = first or profile.name
-            classes = _find_case(folder, *parts, "AppData", "Local", "Microsoft", "Windows",
+            classes = find_case(folder, *parts, "AppData", "Local", "Microsoft", "Windows",
                                  "UsrClass.dat")
             if classes:
                 self._mount(users, profile.name + "_Classes", read_regf(classes))

@@ -6,7 +6,7 @@ import stat
 import struct
 import time
 
-from hives import Registry, _find_case, is_prefix
+from hives import HKCU, HKLM, Registry, find_case, is_prefix
 
 READ_ONLY, HIDDEN, SYSTEM, ARCHIVE = 1, 2, 4, 32
 
@@ -35,13 +35,15 @@ def _version_resource(image):
     pe = struct.unpack_from("<I", image, 0x3C)[0]
     if image[:2] != b"MZ" or image[pe:pe + 4] != b"PE\0\0":
         return None
-    sections, optional = struct.unpack_from("<H", image, pe + 6)[0], struct.unpack_from("<H", image, pe + 20)[0]
+    sections, = struct.unpack_from("<H", image, pe + 6)
+    optional, = struct.unpack_from("<H", image, pe + 20)
     directories = pe + 24 + (112 if struct.unpack_from("<H", image, pe + 24)[0] == 0x20B else 96)
     rva = struct.unpack_from("<I", image, directories + 16)[0]
 
     def offset(address):
         for i in range(sections):
-            size, start, raw_size, raw = struct.unpack_from("<IIII", image, pe + 24 + optional + 40 * i + 8)
+            header = pe + 24 + optional + 40 * i
+            size, start, raw_size, raw = struct.unpack_from("<IIII", image, header + 8)
             if start <= address < start + max(size, raw_size):
                 return address - start + raw
         raise struct.error("no such address")
@@ -91,7 +93,8 @@ def version_text(path):
 
 
 def decode_ini(data):
-    for mark, encoding in ((b"\xef\xbb\xbf", "utf-8"), (b"\xff\xfe", "utf-16-le"), (b"\xfe\xff", "utf-16-be")):
+    for mark, encoding in ((b"\xef\xbb\xbf", "utf-8"), (b"\xff\xfe", "utf-16-le"),
+                           (b"\xfe\xff", "utf-16-be")):
         if data.startswith(mark):
             return data[len(mark):].decode(encoding, "replace")
     try:
@@ -144,7 +147,7 @@ class Machine:
         """Where a Windows path lies on the host, or None."""
         drive, _, rest = path.partition("\\")
         base = self.drives.get(drive.upper())
-        return base and _find_case(base, *(p for p in rest.split("\\") if p))
+        return base and find_case(base, *(p for p in rest.split("\\") if p))
 
     def windows_path(self, host):
         """The Windows path of a host path, or None where no drive holds it."""
@@ -156,7 +159,6 @@ class Machine:
 
     def variable(self, name):
         """An environment variable of the machine's; empty when there is none."""
-        from hives import HKCU, HKLM
         current_nt = r"Software\Microsoft\Windows NT\CurrentVersion"
         for hive, path in ((HKCU, "Environment"), (HKCU, "Volatile Environment"),
                            (HKLM, r"System\CurrentControlSet\Control\Session Manager\Environment")):
