@@ -266,7 +266,7 @@ int Parse(int argc, char** argv) {
 
   for (const char* later : {"export", "copy"}) {
     CLI::App* sub = app.add_subcommand(later, "Comes with a later version");
-    sub->allow_extras();
+    sub->fallthrough(false)->allow_extras();
     sub->callback([&arguments, &status, later] { status = clsCommands(arguments).NotYet(later); });
   }
 

@@ -1,0 +1,234 @@
+// The program as a user runs it: a process of its own, its output and its exit status.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "common/clsFileWorks.h"
+#include "store/clsTableMaint.h"
+#include "support/Rows.h"
+#include "support/SampleMachine.h"
+#include "support/TempFolder.h"
+
+namespace sandrel {
+
+using test::Cell;
+using test::IsWhole;
+
+namespace {
+
+class SandrelCli : public testing::Test {
+ protected:
+  struct Result {
+    int Status = -1;
+    std::string Out, Err;
+  };
+
+  SandrelCli() { std::filesystem::create_directory(m_temp.Of("home")); }
+
+  /// Starts the program; the process is the caller's to wait for.
+  pid_t Start(std::vector<std::string> arguments, rlim_t fileLimit = RLIM_INFINITY) {
+    arguments.insert(arguments.begin(),
+                     {SANDREL_CLI, "--machine", m_machine, "--home", m_temp.Of("home")});
+    const pid_t child = fork();
+    if (child != 0) return child;
+    setenv("SANDREL_SETTINGS", m_temp.Of("settings.ini").c_str(), 1);
+    setenv("LC_ALL", "C", 1);
+    setenv("TZ", "UTC", 1);
+    if (fileLimit != RLIM_INFINITY) {
+      const rlimit limit{fileLimit, fileLimit};
+      setrlimit(RLIMIT_FSIZE, &limit);
+      std::signal(SIGXFSZ, SIG_IGN);
+    }
+    dup2(open(m_temp.Of("out").c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600), STDOUT_FILENO);
+    dup2(open(m_temp.Of("err").c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600), STDERR_FILENO);
+    std::vector<char*> words;
+    for (std::string& argument : arguments) words.push_back(argument.data());
+    words.push_back(nullptr);
+    execv(words[0], words.data());
+    _exit(127);
+  }
+
+  Result Finish(pid_t child) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status),
+            clsFileWorks::ReadWhole(m_temp.Of("out")), clsFileWorks::ReadWhole(m_temp.Of("err"))};
+  }
+
+  Result Run(std::vector<std::string> arguments) { return Finish(Start(std::move(arguments))); }
+
+  /// One line on standard error, and the exit status.
+  void ExpectFailure(std::vector<std::string> arguments, int status, const std::string& part) {
+    const Result result = Run(std::move(arguments));
+    EXPECT_EQ(result.Status, status) << result.Err;
+    EXPECT_NE(result.Err.find(part), std::string::npos) << result.Err;
+    EXPECT_EQ(std::count(result.Err.begin(), result.Err.end(), '\n'), 1) << result.Err;
+    EXPECT_EQ(result.Out, "");
+  }
+
+  std::string Working() { return m_temp.Of("home/SandrelTemp.zqd"); }
+  std::string File() { return m_temp.Of("x.mdb"); }
+
+  test::SampleMachine m_sample;
+  test::TempFolder m_temp;
+  std::string m_machine = m_sample.Folder();
+};
+
+TEST_F(SandrelCli, GoesTheWholeRoad) {
+  EXPECT_EQ(Run({"status"}).Out, "Machine:   " + m_machine + " (Wine prefix)\nHome:      " +
+                                     m_temp.Of("home") + "\nSnapshots: none\n");
+  ExpectFailure({"after", File()}, 1, "There is no 'Before' snapshot");
+  ExpectFailure({"replace"}, 1, "There is no 'After' snapshot");
+  EXPECT_EQ(Run({"before"}).Out, "Before Snapshot Complete\n");
+  EXPECT_EQ(Run({"before"}).Status, 1);  // a question
+  m_sample.WriteFile("C:\\New\\a b.txt", "12345");
+  m_sample.SetTime("C:\\New\\a b.txt", 1000000000);
+  m_sample.SetUserReg(test::SampleMachine::UserKeys() +
+                      "[Software\\\\N] 1\n\"tab\"=\"a\\tb\\n\"\n\"d\"=dword:00000007\n\n");
+  const Result after = Run({"after", File()});
+  EXPECT_EQ(after.Status, 0) << after.Err;
+  EXPECT_EQ(after.Out, "Analysis Created: " + File() + "\n");
+  EXPECT_EQ(after.Err, "");  // no progress line in a pipe
+  EXPECT_EQ(Run({"list", File(), "SHOWNEWFILES"}).Out,
+            "Path Name\tFile Name\tDate\tSize\tAttributes\nC:\\New\\\ta b.txt\t2001-09-09 "
+            "01:46:40\t5\tA\n");
+  EXPECT_EQ(Run({"list", File(), "ShowNewRegistry"}).Out,
+            "Hive\tBranch\tValue Name\tValue\tValue Type\n"
+            "HKEY_CURRENT_USER\tSoftware\\N\ttab\ta\\tb\\n\tSTRING\n"
+            "HKEY_CURRENT_USER\tSoftware\\N\td\t7\tDWORD\n"
+            "HKEY_USERS\tS-1-5-21-0-0-0-1000\\Software\\N\ttab\ta\\tb\\n\tSTRING\n"
+            "HKEY_USERS\tS-1-5-21-0-0-0-1000\\Software\\N\td\t7\tDWORD\n");
+  const auto json = nlohmann::json::parse(Run({"list", File(), "ShowAllFiles", "--json"}).Out);
+  ASSERT_EQ(json.size(), 1U);
+  EXPECT_EQ(json[0]["Size"], 5);
+  EXPECT_EQ(json[0]["Date"], "2001-09-09 01:46:40");
+  EXPECT_EQ(nlohmann::json::parse(Run({"list", File(), "ShowDeletedFiles", "--json"}).Out).size(),
+            0U);
+  // The statistics count the rows that the pages show now.
+  test::Rows(File(), "DELETE FROM tblNewRegistryEnteries WHERE ValueName = 'd'");
+  EXPECT_TRUE(Run({"list", File()}).Out.starts_with("Description\tValue\nRegistry - New\t2\n"));
+  EXPECT_EQ(Run({"after", File()}).Status, 1);  // both the file and the After snapshot are there
+  EXPECT_EQ(Run({"after", File(), "--yes"}).Status, 0);
+  EXPECT_EQ(Run({"replace"}).Status, 0);
+  EXPECT_NE(Run({"status"}).Out.find("Snapshots: Before\n"), std::string::npos);
+  EXPECT_TRUE(IsWhole(Working()) && IsWhole(File()));
+}
+
+TEST_F(SandrelCli, TellsWhatIsWrongInOneLine) {
+  std::ofstream(m_temp.Of("junk.mdb")) << std::string(9000, 'j');
+  ExpectFailure({"list", m_temp.Of("junk.mdb")}, 2, "is an invalid or corrupt Sandrel Database.");
+  ExpectFailure({"list", m_temp.Of("none.mdb")}, 2, "none.mdb");
+  ExpectFailure({"list", m_temp.Path()}, 2, "it is a folder");
+  ExpectFailure({"list", File(), "ShowNothing"}, 2, "Pages: ShowNewRegistry, ");
+  ExpectFailure({"nonsense"}, 2, "--help");
+  ExpectFailure({}, 2, "--help");
+  ExpectFailure({"export", "a", "b"}, 2, "later version");
+  m_machine = m_temp.Of("nowhere");
+  ExpectFailure({"before"}, 2, "drive_c");
+  m_machine = m_sample.Folder();
+  m_sample.SetSystemReg("[Software\\\\Cut] 1\n\"a\"=\"b");
+  ExpectFailure({"before"}, 2, "system.reg");
+  std::filesystem::remove(m_machine + "/system.reg");
+  ExpectFailure({"before"}, 2, "system.reg");
+  EXPECT_FALSE(clsFileWorks::FileExists(Working()));
+  // A working database that is no database is no snapshot.
+  std::ofstream(Working()) << std::string(9000, 'j');
+  EXPECT_NE(Run({"status"}).Out.find("Snapshots: none\n"), std::string::npos);
+}
+
+TEST_F(SandrelCli, SettingsAskBeforeTheyClearSnapshots) {
+  EXPECT_EQ(Run({"settings", "Enabled", "VersionInfo", "1"}).Status, 0);
+  EXPECT_EQ(Run({"settings", "enabled", "versioninfo"}).Out, "1\n");
+  ASSERT_EQ(Run({"before"}).Status, 0);
+  ExpectFailure({"settings", "ScanFolders", "2", "D:\\"}, 1,
+                "Your 'Before' snapshot will become invalid");
+  EXPECT_EQ(Run({"settings", "ScanFolders", "2"}).Out, "\n");
+  EXPECT_EQ(Run({"settings", "ScanFolders", "1", "C:"}).Status, 0);       // no change
+  EXPECT_EQ(Run({"settings", "Enabled", "Toolbar", "False"}).Status, 0);  // not of the scan
+  EXPECT_TRUE(clsFileWorks::FileExists(Working()));
+  EXPECT_EQ(Run({"settings", "ScanFolders", "2", "D:\\", "--yes"}).Status, 0);
+  EXPECT_FALSE(clsFileWorks::FileExists(Working()));
+  EXPECT_EQ(Run({"settings", "ScanFolders"}).Out, "ScanFolders\t1\tC:\nScanFolders\t2\tD:\\\n");
+}
+
+class SandrelCliStopped : public SandrelCli {
+ protected:
+  SandrelCliStopped() {
+    for (int i = 0; i < 4000; ++i)
+      m_sample.WriteFile("C:\\many\\f" + std::to_string(i % 400) + "\\n" + std::to_string(i), "");
+  }
+
+  /// Waits until the walk has begun to commit, then sends the signal.
+  Result Interrupt(pid_t child, int signal, const char* table) {
+    for (int i = 0; i < 2000; ++i) {
+      usleep(1000);
+      try {
+        if (Cell(Working(), std::string("SELECT count(*) > 100 FROM ") + table) == "1") break;
+      } catch (const std::exception&) {
+        continue;  // not there yet
+      }
+    }
+    kill(child, signal);
+    return Finish(child);
+  }
+};
+
+TEST_F(SandrelCliStopped, AnInterruptCancelsCleanly) {
+  const Result before = Interrupt(Start({"before"}), SIGINT, "tblFiles");
+  EXPECT_EQ(before.Status, 1) << before.Err;
+  EXPECT_FALSE(clsFileWorks::FileExists(Working()));
+  ASSERT_EQ(Run({"before"}).Status, 0);
+  std::ofstream(File()) << "older";
+  EXPECT_EQ(Interrupt(Start({"after", File(), "--yes"}), SIGINT, "tblFiles2").Status, 1);
+  EXPECT_EQ(ReadSnapshotLevel(Working()), SnapshotLevel::Before);
+  EXPECT_EQ(clsFileWorks::ReadWhole(File()), "older");
+  EXPECT_TRUE(IsWhole(Working()));
+}
+
+TEST_F(SandrelCliStopped, AKilledScanLeavesAWholeDatabase) {
+  EXPECT_EQ(Interrupt(Start({"before"}), SIGKILL, "tblFiles").Status, -SIGKILL);
+  EXPECT_TRUE(IsWhole(Working()));
+  ASSERT_EQ(Run({"before", "--yes"}).Status, 0);
+  Interrupt(Start({"after", File()}), SIGKILL, "tblFiles2");
+  EXPECT_TRUE(IsWhole(Working()));
+  EXPECT_EQ(Run({"after", File(), "--yes"}).Status, 0);
+  EXPECT_EQ(Cell(File(), "SELECT group_concat(Value) FROM tblStats WHERE id <= 9"),
+            "0,0,0,0,0,0,0,0,0");
+}
+
+TEST_F(SandrelCliStopped, AFullDiskIsToldAndLeavesNothingHalf) {
+  // A limit on the size of files stands for the disk.
+  const Result before = Finish(Start({"before"}, 150000));
+  EXPECT_EQ(before.Status, 2);
+  EXPECT_NE(before.Err.find("SandrelTemp.zqd"), std::string::npos) << before.Err;
+  EXPECT_EQ(ReadSnapshotLevel(Working()), SnapshotLevel::None);
+  ASSERT_EQ(Run({"before"}).Status, 0);
+  const auto size = std::filesystem::file_size(Working());
+  EXPECT_EQ(Finish(Start({"after", File()}, size + 50000)).Status, 2);
+  EXPECT_EQ(ReadSnapshotLevel(Working()), SnapshotLevel::Before);
+  EXPECT_FALSE(clsFileWorks::FileExists(File()));
+  EXPECT_TRUE(IsWhole(Working()));
+}
+
+TEST_F(SandrelCliStopped, TwoCommandsDoNotWorkOnOneHome) {
+  const pid_t first = Start({"before"});
+  for (int i = 0; i < 2000 && !clsFileWorks::FileExists(Working()); ++i) usleep(1000);
+  kill(first, SIGSTOP);
+  std::filesystem::rename(m_temp.Of("out"), m_temp.Of("out1"));
+  std::filesystem::rename(m_temp.Of("err"), m_temp.Of("err1"));
+  ExpectFailure({"before", "--yes"}, 2, "Another snapshot command works on");
+  kill(first, SIGCONT);
+  EXPECT_EQ(Finish(first).Status, 0);
+  EXPECT_EQ(ReadSnapshotLevel(Working()), SnapshotLevel::Before);
+}
+
+}  // namespace
+}  // namespace sandrel
