@@ -45,10 +45,10 @@ void clsScanReg::StartDBTransaction() {
     m_keys = m_database->OpenRecordset(KeyTable, dao::RecordsetType::Table);
     m_keys->SetIndex("PrimaryKey");
     m_values = m_database->OpenRecordset(ValueTable, dao::RecordsetType::Table);
-    m_keyId = m_values->FieldNumber("KeyId");
-    m_valueName = m_values->FieldNumber("ValueName");
-    m_value = m_values->FieldNumber("Value");
-    m_valueType = m_values->FieldNumber("ValueType");
+    m_keyFields = {m_keys->FieldNumber("Id"), m_keys->FieldNumber("Hive"),
+                   m_keys->FieldNumber("Branch")};
+    m_valueFields = {m_values->FieldNumber("KeyId"), m_values->FieldNumber("ValueName"),
+                     m_values->FieldNumber("Value"), m_values->FieldNumber("ValueType")};
     m_workspace->BeginTrans();
     m_transactionOpen = true;
   });
@@ -105,18 +105,45 @@ void clsScanReg::NeedTransaction() const {
   Need(m_transactionOpen ? m_database.get() : nullptr);
 }
 
+std::int64_t clsScanReg::KeyIdOf(const std::string& branch) {
+  // Keys mostly come as the one before did: all new in a Before walk, nearly all known in an After
+  // walk.
+  std::int64_t id = 0;
+  if (m_lastKeyWasNew ? AddKey(branch, id) || FindKey(branch, id)
+                      : FindKey(branch, id) || AddKey(branch, id)) {
+    return id;
+  }
+  throw clsError(errnum::DuplicateKey,
+                 "The registry key is in the table and can't be found there.");
+}
+
+bool clsScanReg::FindKey(const std::string& branch, std::int64_t& id) {
+  m_keys->Seek("=", {static_cast<std::int32_t>(Hive), branch});
+  if (m_keys->NoMatch()) return false;
+  id = m_keys->Get(m_keyFields.Id).Integer();
+  m_lastKeyWasNew = false;
+  return true;
+}
+
+bool clsScanReg::AddKey(const std::string& branch, std::int64_t& id) {
+  m_keys->AddNew();
+  id = m_keys->Get(m_keyFields.Id).Integer();
+  m_keys->SetInteger(m_keyFields.Hive, static_cast<std::int32_t>(Hive));
+  m_keys->SetText(m_keyFields.Branch, branch);
+  try {
+    m_keys->Update();
+  } catch (const clsError& error) {
+    if (error.Number() != errnum::DuplicateKey) throw;
+    m_keys->CancelUpdate();
+    return false;
+  }
+  m_lastKeyWasNew = true;
+  return true;
+}
+
 void clsScanReg::DoXTree(clsRegistry* registry, const std::string& branch) {
   if (m_cancelled) return;
-  m_keys->Seek("=", {static_cast<std::int32_t>(Hive), branch});
-  if (m_keys->NoMatch()) {
-    m_keys->AddNew();
-    m_currentKeyId = m_keys->Get("Id").Integer();
-    m_keys->Set("Hive", static_cast<std::int32_t>(Hive));
-    m_keys->Set("Branch", branch);
-    m_keys->Update();
-  } else {
-    m_currentKeyId = m_keys->Get("Id").Integer();
-  }
+  m_currentKeyId = KeyIdOf(branch);
   // A key that can't be opened has its row, but neither subkeys nor values.
   clsRegistry::Handle key;
   if (registry == nullptr || registry->RegOpenKeyEx(Hive, branch, key) != regstatus::Success)
@@ -145,10 +172,10 @@ void clsScanReg::DoValues(clsRegistry& registry, const clsRegistry::Handle& key)
       m_lastType = m_element.RegType;
       Decode(m_element.RegType, m_element.Value);
       m_values->AddNew();
-      m_values->SetInteger(m_keyId, m_currentKeyId);
-      m_values->SetText(m_valueName, m_element.Name);
-      m_values->Set(m_value, m_element.Value);
-      m_values->SetInteger(m_valueType, static_cast<std::int32_t>(m_element.RegType));
+      m_values->SetInteger(m_valueFields.KeyId, m_currentKeyId);
+      m_values->SetText(m_valueFields.Name, m_element.Name);
+      m_values->Set(m_valueFields.Value, m_element.Value);
+      m_values->SetInteger(m_valueFields.Type, static_cast<std::int32_t>(m_element.RegType));
       try {
         m_values->Update();
       } catch (const clsError& error) {

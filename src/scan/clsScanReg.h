@@ -103,6 +103,9 @@ class clsScanReg {
   void NeedTransaction() const;
   void CountKeys(clsRegistry& registry, const std::string& branch, std::uint32_t hive);
   void DoXTree(clsRegistry* registry, const std::string& branch);
+  std::int64_t KeyIdOf(const std::string& branch);
+  bool FindKey(const std::string& branch, std::int64_t& id);
+  bool AddKey(const std::string& branch, std::int64_t& id);
   void DoValues(clsRegistry& registry, const clsRegistry::Handle& key);
   /// Turns `m_data` of a type into the text or number that the store holds.
   void Decode(std::uint32_t type, dao::Value& value);
@@ -116,7 +119,14 @@ class clsScanReg {
   std::unique_ptr<dao::Database> m_database;
   std::unique_ptr<dao::Recordset> m_keys, m_values;
   bool m_transactionOpen = false;
-  std::size_t m_keyId = 0, m_valueName = 0, m_value = 0, m_valueType = 0;  // fields of m_values
+  // Fields of the recordsets, found once.
+  struct {
+    std::size_t Id, Hive, Branch;
+  } m_keyFields{};
+  struct {
+    std::size_t KeyId, Name, Value, Type;
+  } m_valueFields{};
+  bool m_lastKeyWasNew = true;
 
   std::shared_ptr<clsRegistry> m_remote;
   std::string m_remoteName;

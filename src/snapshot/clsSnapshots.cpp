@@ -69,6 +69,7 @@ bool clsSnapshots::NeedMachine(clsStatements& run) {
 // All hives are opened before anything is deleted: one that can't be read must not cost the
 // snapshot that exists.
 void clsSnapshots::CheckHives() {
+  m_machine->CloseRegistry();
   clsScanSettings settings(m_settings);
   if (settings.RegScan() && settings.RemoteName().empty()) m_machine->Registry();
 }
@@ -331,11 +332,13 @@ void clsSnapshots::ScanRegistryHives(clsStatements& run) {
   }
 }
 
-// The hives are read as they are now, not as they were when the command began; a Wine server that
-// still holds changes in memory is given the time to write them.
+// A Wine server that still holds changes in memory is given the time to write them. The hives are
+// read as they are now, not as they were before the files were scanned.
 void clsSnapshots::WaitForServer() {
+  bool timePassed = clsScanSettings(m_settings).DiskScan();
   const clsServerWait wait(*m_machine);
   if (wait.IsNeeded()) {
+    timePassed = true;
     m_shell.SetStatusText("Waiting for the Wine server to write the registry...");
     const bool waited = wait.Wait([this] {
       m_shell.DoEvents(false);
@@ -346,7 +349,7 @@ void clsSnapshots::WaitForServer() {
       return;
     }
   }
-  m_machine->CloseRegistry();
+  if (timePassed) m_machine->CloseRegistry();
 }
 
 bool clsSnapshots::ConfirmCancelScan() {

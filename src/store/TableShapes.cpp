@@ -33,6 +33,10 @@ Field Memo(const char* name) {
 Index Primary(std::vector<std::string> fields) {
   return {"PrimaryKey", std::move(fields), true, true};
 }
+// For the tables with most rows: one tree to fill and to search instead of two.
+Index Clustered(std::vector<std::string> fields) {
+  return {"PrimaryKey", std::move(fields), true, true, true};
+}
 Index Unique(const char* name) {
   return {name, {name}, false, true};
 }
@@ -62,7 +66,7 @@ const TableShape& RegKeys() {
 const TableShape& RegValues() {
   static const TableShape shape{{Long("KeyId", true), Text("ValueName", 255, Empty::Allowed),
                                  Memo("Value"), Long("ValueType")},
-                                {Primary({"KeyId", "ValueName"})}};
+                                {Clustered({"KeyId", "ValueName"})}};
   return shape;
 }
 
@@ -76,7 +80,7 @@ const TableShape& IniSections() {
 const TableShape& IniValues() {
   static const TableShape shape{{Long("SectionId", true), Text("Parameter", 255, Empty::Allowed),
                                  Long("Occurance", true), Memo("Value")},
-                                {Primary({"SectionId", "Parameter", "Occurance"})}};
+                                {Clustered({"SectionId", "Parameter", "Occurance"})}};
   return shape;
 }
 

@@ -102,10 +102,10 @@ TEST_F(SandrelCli, GoesTheWholeRoad) {
             "01:46:40\t5\tA\n");
   EXPECT_EQ(Run({"list", File(), "ShowNewRegistry"}).Out,
             "Hive\tBranch\tValue Name\tValue\tValue Type\n"
-            "HKEY_CURRENT_USER\tSoftware\\N\ttab\ta\\tb\\n\tSTRING\n"
             "HKEY_CURRENT_USER\tSoftware\\N\td\t7\tDWORD\n"
-            "HKEY_USERS\tS-1-5-21-0-0-0-1000\\Software\\N\ttab\ta\\tb\\n\tSTRING\n"
-            "HKEY_USERS\tS-1-5-21-0-0-0-1000\\Software\\N\td\t7\tDWORD\n");
+            "HKEY_CURRENT_USER\tSoftware\\N\ttab\ta\\tb\\n\tSTRING\n"
+            "HKEY_USERS\tS-1-5-21-0-0-0-1000\\Software\\N\td\t7\tDWORD\n"
+            "HKEY_USERS\tS-1-5-21-0-0-0-1000\\Software\\N\ttab\ta\\tb\\n\tSTRING\n");
   const auto json = nlohmann::json::parse(Run({"list", File(), "ShowAllFiles", "--json"}).Out);
   ASSERT_EQ(json.size(), 1U);
   EXPECT_EQ(json[0]["Size"], 5);

@@ -132,9 +132,9 @@ TEST_F(clsScanDriveTest, IniEntriesCountTheirOccurrences) {
   EXPECT_EQ(Rows(m_path,
                  "SELECT Section, Parameter, Occurance, Value FROM tblIniValues v JOIN "
                  "tblIniSections s ON "
-                 "s.Id = v.SectionId ORDER BY v.rowid"),
-            (std::vector<std::string>{"Fonts|device|0|a", "Fonts|DEVICE|1|b=c", "Fonts||0|v",
-                                      "Fonts|empty|0|", "Fonts|device|2|d"}));
+                 "s.Id = v.SectionId ORDER BY lower(Parameter), Occurance"),
+            (std::vector<std::string>{"Fonts||0|v", "Fonts|device|0|a", "Fonts|DEVICE|1|b=c",
+                                      "Fonts|device|2|d", "Fonts|empty|0|"}));
 }
 
 TEST_F(clsScanDriveTest, LongIniNamesAreLeftOutAndCounted) {

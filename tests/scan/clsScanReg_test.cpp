@@ -52,7 +52,7 @@ class clsScanRegTest : public testing::Test {
                                   const std::string& table = "tblRegValue") {
     return Rows(m_path, "SELECT ValueName, ValueType, Value FROM " + table +
                             " v JOIN tblRegKey k ON k.Id = v.KeyId WHERE Branch = '" + branch +
-                            "' ORDER BY v.rowid");
+                            "' ORDER BY lower(ValueName)");
   }
 
   test::SampleMachine m_sample;
@@ -88,14 +88,14 @@ TEST_F(clsScanRegTest, StoresEveryTypeInItsForm) {
 )");
   Walk(hkey::LocalMachine);
   EXPECT_EQ(Values("Software\\T"),
-            (std::vector<std::string>{
-                "|1|default", "none|0|A\u2400\u20AC",
-                "sz|1|a\u2400"
-                "b\u2603",
-                "empty|1|", "bare|1|a", "expand|2|%x%", "bin|3|41 0F 00", "nobin|3|", "dword|4|-1",
-                "longdword|4|", "shortdword|4|5", "big|5|305419896", "bignegative|5|-2147483632",
-                "link|6|41 00", "multi|7|61 00 62 00 00", "umlaut|7|E4 E2 98 83 00 00",
-                "qword|11|01 02 00 00 00 00 00 00", "typed|2147483647|FF"}));
+            (std::vector<std::string>{"|1|default", "bare|1|a", "big|5|305419896",
+                                      "bignegative|5|-2147483632", "bin|3|41 0F 00", "dword|4|-1",
+                                      "empty|1|", "expand|2|%x%", "link|6|41 00", "longdword|4|",
+                                      "multi|7|61 00 62 00 00", "nobin|3|", "none|0|A\u2400\u20AC",
+                                      "qword|11|01 02 00 00 00 00 00 00", "shortdword|4|5",
+                                      "sz|1|a\u2400"
+                                      "b\u2603",
+                                      "typed|2147483647|FF", "umlaut|7|E4 E2 98 83 00 00"}));
 }
 
 TEST_F(clsScanRegTest, WalksKeysInOrderAndKeepsTheirIds) {

@@ -10,6 +10,8 @@
 namespace sandrel::dao {
 namespace {
 
+constexpr const char* PrimaryKey = "PrimaryKey";
+
 std::string IndexName(std::string_view table, std::string_view index) {
   return fmt::format("{}.{}", table, index);
 }
@@ -47,6 +49,20 @@ std::string ColumnSql(const Field& field) {
     if (!field.AllowZeroLength) sql += " " + EmptyCheck(field.Name);
   }
   return sql;
+}
+
+std::string ColumnsSql(const TableDef& table) {
+  std::string columns;
+  for (const Field& field : table.Fields()) {
+    columns += (columns.empty() ? "" : ", ") + ColumnSql(field);
+  }
+  return columns;
+}
+
+std::string NamesSql(const std::vector<std::string>& names) {
+  std::string list;
+  for (const std::string& name : names) list += (list.empty() ? "" : ", ") + QuoteName(name);
+  return list;
 }
 
 // The type of a column that this or a foreign program declared.
@@ -109,6 +125,11 @@ TableDef TableDefs::Item(std::string_view name) const {
   const std::string sql = find.ColumnText(1);
   find.Reset();
 
+  Statement withoutRowId(m_connection, "SELECT wr FROM pragma_table_list(?) WHERE schema = 'main'");
+  withoutRowId.Bind(1, key);
+  const bool clustered = withoutRowId.Step() && withoutRowId.ColumnInteger(0) != 0;
+  withoutRowId.Reset();
+
   Statement columns(m_connection, "SELECT name, type, \"notnull\", pk FROM pragma_table_info(?)");
   columns.Bind(1, key);
   while (columns.Step()) {
@@ -117,60 +138,87 @@ TableDef TableDefs::Item(std::string_view name) const {
     ReadType(columns.ColumnText(1), field);
     field.Required = columns.ColumnInteger(2) != 0;
     field.AllowZeroLength = sql.find(EmptyCheck(field.Name)) == std::string::npos;
-    if (columns.ColumnInteger(3) == 1 && text::EqualNoCase(columns.ColumnText(1), "INTEGER")) {
+    if (!clustered && columns.ColumnInteger(3) == 1 &&
+        text::EqualNoCase(columns.ColumnText(1), "INTEGER")) {
       field.Attributes = AutoIncrement;
       field.Required = true;
     }
     table.m_fields.push_back(std::move(field));
   }
 
-  Statement indexes(m_connection,
-                    "SELECT l.name, l.\"unique\", i.name FROM pragma_index_list(?) l, "
-                    "pragma_index_info(l.name) i ORDER BY l.seq, i.seqno");
+  Statement indexes(
+      m_connection,
+      "SELECT l.name, l.\"unique\", i.name, l.origin = 'pk' FROM pragma_index_list(?) l, "
+      "pragma_index_info(l.name) i ORDER BY l.seq, i.seqno");
   indexes.Bind(1, key);
   const std::string prefix = IndexName(table.m_name, "");
   while (indexes.Step()) {
     std::string index = indexes.ColumnText(0);
+    // A key that is part of the table's own definition has a name of the engine's making.
+    const bool ofTable = indexes.ColumnInteger(3) != 0;
+    if (ofTable) index = PrimaryKey;
     if (text::StartsWithNoCase(index, prefix)) index.erase(0, prefix.size());
     if (table.m_indexes.empty() || table.m_indexes.back().Name != index) {
-      const bool primary = text::EqualNoCase(index, "PrimaryKey");
-      table.m_indexes.push_back({index, {}, primary, indexes.ColumnInteger(1) != 0});
+      table.m_indexes.push_back({index,
+                                 {},
+                                 text::EqualNoCase(index, PrimaryKey),
+                                 indexes.ColumnInteger(1) != 0,
+                                 ofTable && clustered});
     }
     table.m_indexes.back().Fields.push_back(indexes.ColumnText(2));
   }
   return table;
 }
 
+const Index* TableDef::ClusteredKey() const {
+  for (const Index& index : m_indexes) {
+    if (index.Clustered) return &index;
+  }
+  return nullptr;
+}
+
 void TableDefs::Append(const TableDef& table) {
   if (Contains(table.Name())) {
     throw clsError(errnum::TableExists, fmt::format("Table '{}' already exists.", table.Name()));
   }
-  std::string columns;
-  for (const Field& field : table.Fields()) {
-    if (!columns.empty()) columns += ", ";
-    columns += ColumnSql(field);
+  m_connection->Run(
+      fmt::format("CREATE TABLE {} ({})", QuoteName(table.Name()), ColumnsSql(table)));
+}
+
+void TableDefs::Cluster(const TableDef& table, const Index& key) {
+  Statement any(m_connection, fmt::format("SELECT 1 FROM {} LIMIT 1", QuoteName(table.Name())));
+  if (any.Step()) {
+    throw clsError(
+        errnum::InvalidOperation,
+        fmt::format("The table '{}' has rows; it can't be stored by another key.", table.Name()));
   }
-  m_connection->Run(fmt::format("CREATE TABLE {} ({})", QuoteName(table.Name()), columns));
+  any = Statement();
+  m_connection->Run("DROP TABLE " + QuoteName(table.Name()));
+  m_connection->Run(fmt::format("CREATE TABLE {} ({}, PRIMARY KEY ({})) WITHOUT ROWID",
+                                QuoteName(table.Name()), ColumnsSql(table), NamesSql(key.Fields)));
 }
 
 void TableDefs::AppendIndex(std::string_view table, const Index& index) {
   if (!Contains(table)) {
     throw clsError(errnum::NoSuchTable, fmt::format("There is no table '{}' to index.", table));
   }
-  if (index.Fields.size() == 1) {
-    const TableDef definition = Item(table);
-    for (const Field& field : definition.Fields()) {
-      if (field.IsAutoIncrement() && text::EqualNoCase(field.Name, index.Fields.front())) return;
+  const TableDef definition = Item(table);
+  for (const Field& field : definition.Fields()) {
+    if (!field.IsAutoIncrement()) continue;
+    if (index.Fields.size() == 1 && text::EqualNoCase(field.Name, index.Fields.front())) return;
+    if (index.Clustered) {
+      throw clsError(
+          errnum::InvalidOperation,
+          fmt::format("The table '{}' is stored by its field '{}' already.", table, field.Name));
     }
   }
-  std::string columns;
-  for (const std::string& field : index.Fields) {
-    if (!columns.empty()) columns += ", ";
-    columns += QuoteName(field);
+  if (index.Clustered) {
+    Cluster(definition, index);
+    return;
   }
-  m_connection->Run(
-      fmt::format("CREATE {}INDEX {} ON {} ({})", index.Primary || index.Unique ? "UNIQUE " : "",
-                  QuoteName(IndexName(table, index.Name)), QuoteName(table), columns));
+  m_connection->Run(fmt::format(
+      "CREATE {}INDEX {} ON {} ({})", index.Primary || index.Unique ? "UNIQUE " : "",
+      QuoteName(IndexName(table, index.Name)), QuoteName(table), NamesSql(index.Fields)));
 }
 
 void TableDefs::Delete(std::string_view name) {
@@ -183,12 +231,16 @@ void TableDefs::Rename(std::string_view name, std::string_view newName) {
   if (!text::EqualNoCase(name, newName) && Contains(newName)) {
     throw clsError(errnum::TableExists, fmt::format("Table '{}' already exists.", newName));
   }
+  // A clustered key is part of the table and goes along by itself.
   for (const Index& index : table.Indexes()) {
+    if (index.Clustered) continue;
     m_connection->Run("DROP INDEX " + QuoteName(IndexName(table.Name(), index.Name)));
   }
   m_connection->Run(
       fmt::format("ALTER TABLE {} RENAME TO {}", QuoteName(table.Name()), QuoteName(newName)));
-  for (const Index& index : table.Indexes()) AppendIndex(newName, index);
+  for (const Index& index : table.Indexes()) {
+    if (!index.Clustered) AppendIndex(newName, index);
+  }
 }
 
 }  // namespace sandrel::dao

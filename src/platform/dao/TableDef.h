@@ -21,6 +21,7 @@ struct Index {
   std::vector<std::string> Fields;
   bool Primary = false;
   bool Unique = false;
+  bool Clustered = false;  ///< rows are stored in this order; of a primary key without Null values
 };
 
 class TableDef {
@@ -30,6 +31,8 @@ class TableDef {
   const std::string& Name() const { return m_name; }
   const std::vector<Field>& Fields() const { return m_fields; }
   const std::vector<Index>& Indexes() const { return m_indexes; }
+  /// The primary key that the rows are stored by; null where they are stored by their row id.
+  const Index* ClusteredKey() const;
 
   /// Fields are appended before the definition goes into the database's TableDefs.
   void AppendField(Field field) { m_fields.push_back(std::move(field)); }
@@ -63,6 +66,8 @@ class TableDefs {
   void Rename(std::string_view name, std::string_view newName);
 
  private:
+  void Cluster(const TableDef& table, const Index& key);
+
   std::shared_ptr<Connection> m_connection;
 };
 

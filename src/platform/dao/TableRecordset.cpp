@@ -56,13 +56,19 @@ class TableRecordset final : public Recordset {
   bool IsEmpty();
   void CheckFields() const;
   void BindPending(Statement& statement) const;
+  std::vector<std::size_t> OrderFields() const;
+  bool OrdersByRowId() const;
   std::string Ordered(bool descending) const;
+  std::string IdentityCondition() const;
+  void BindIdentity(Statement& statement, int index) const;
   Statement Prepare(const std::string& sql) const { return {m_connection, sql, m_def.Name()}; }
 
   std::shared_ptr<Connection> m_connection;
   TableDef m_def;
-  std::string m_table;    // quoted
-  std::string m_columns;  // quoted, joined, the row id first
+  std::string m_table;                  // quoted
+  std::string m_columns;                // quoted, joined
+  std::string m_selected;               // the same, the row id first where rows have one
+  std::vector<std::size_t> m_identity;  // fields of the clustered key; empty: rows have a row id
   int m_autoField = -1;
   std::optional<std::int64_t> m_nextId;
 
@@ -87,11 +93,14 @@ TableRecordset::TableRecordset(std::shared_ptr<Connection> connection, std::stri
   m_fields = m_def.Fields();
   m_record.resize(m_fields.size());
   m_pending.resize(m_fields.size());
-  m_columns = RowId;
   for (std::size_t i = 0; i < m_fields.size(); ++i) {
-    m_columns += ", " + QuoteName(m_fields[i].Name);
+    m_columns += (i == 0 ? "" : ", ") + QuoteName(m_fields[i].Name);
     if (m_fields[i].IsAutoIncrement()) m_autoField = static_cast<int>(i);
   }
+  if (const Index* key = m_def.ClusteredKey()) {
+    for (const std::string& field : key->Fields) m_identity.push_back(FieldNumber(field));
+  }
+  m_selected = m_identity.empty() ? fmt::format("{}, {}", RowId, m_columns) : m_columns;
 }
 
 void TableRecordset::SetIndex(std::string_view name) {
@@ -118,21 +127,34 @@ void TableRecordset::SetIndex(std::string_view name) {
   m_position = Position::Start;
 }
 
-std::string TableRecordset::Ordered(bool descending) const {
-  const char* direction = descending ? " DESC" : "";
-  std::string order;
-  for (const std::size_t key : m_keys) order += QuoteName(m_fields[key].Name) + direction + ", ";
-  if (!m_keys.empty() && m_uniqueKeys) {
-    order.resize(order.size() - 2);
-    return order;
+// The fields by which the cursor moves: those of the index, then what tells its equals apart. The
+// row id, which is no field, comes last where it is needed.
+std::vector<std::size_t> TableRecordset::OrderFields() const {
+  std::vector<std::size_t> fields = m_keys;
+  if (m_keys.empty() || !m_uniqueKeys) {
+    fields.insert(fields.end(), m_identity.begin(), m_identity.end());
   }
-  return order + RowId + direction;
+  return fields;
+}
+
+bool TableRecordset::OrdersByRowId() const {
+  return m_identity.empty() && (m_keys.empty() || !m_uniqueKeys);
+}
+
+std::string TableRecordset::Ordered(bool descending) const {
+  std::string order;
+  const auto add = [&](const std::string& name) {
+    order += (order.empty() ? "" : ", ") + name + (descending ? " DESC" : "");
+  };
+  for (const std::size_t field : OrderFields()) add(QuoteName(m_fields[field].Name));
+  if (OrdersByRowId()) add(RowId);
+  return order;
 }
 
 void TableRecordset::Move(Statement& statement, const char* form) {
   if (!statement) {
-    statement =
-        Prepare(fmt::format(fmt::runtime(form), m_columns, m_table, Ordered(false), Ordered(true)));
+    statement = Prepare(
+        fmt::format(fmt::runtime(form), m_selected, m_table, Ordered(false), Ordered(true)));
   }
   Take(statement);
   if (m_position != Position::Record) m_position = Position::End;
@@ -140,9 +162,10 @@ void TableRecordset::Move(Statement& statement, const char* form) {
 
 void TableRecordset::Take(Statement& statement) {
   if (statement.Step()) {
-    m_rowId = statement.ColumnInteger(0);
+    const int first = m_identity.empty() ? 1 : 0;
+    if (first == 1) m_rowId = statement.ColumnInteger(0);
     for (std::size_t i = 0; i < m_record.size(); ++i) {
-      statement.Column(static_cast<int>(i) + 1, m_record[i]);
+      statement.Column(static_cast<int>(i) + first, m_record[i]);
     }
     m_position = Position::Record;
   } else {
@@ -156,7 +179,7 @@ void TableRecordset::MoveNext() {
   if (m_position != Position::Record && m_position != Position::Deleted) {
     throw clsError(errnum::NoCurrentRecord, "No current record.");
   }
-  const bool withRowId = m_keys.empty() || !m_uniqueKeys;
+  const std::vector<std::size_t> fields = OrderFields();
   if (!m_next) {
     std::string names;
     std::string marks;
@@ -164,14 +187,14 @@ void TableRecordset::MoveNext() {
       names += names.empty() ? name : ", " + name;
       marks += marks.empty() ? "?" : ", ?";
     };
-    for (const std::size_t key : m_keys) add(QuoteName(m_fields[key].Name));
-    if (withRowId) add(RowId);
+    for (const std::size_t field : fields) add(QuoteName(m_fields[field].Name));
+    if (OrdersByRowId()) add(RowId);
     m_next = Prepare(fmt::format("SELECT {} FROM {} WHERE ({}) > ({}) ORDER BY {} LIMIT 1",
-                                 m_columns, m_table, names, marks, Ordered(false)));
+                                 m_selected, m_table, names, marks, Ordered(false)));
   }
   int bind = 0;
-  for (const std::size_t key : m_keys) m_next.Bind(++bind, m_record[key]);
-  if (withRowId) m_next.Bind(++bind, m_rowId);
+  for (const std::size_t field : fields) m_next.Bind(++bind, m_record[field]);
+  if (OrdersByRowId()) m_next.Bind(++bind, m_rowId);
   Take(m_next);
   if (m_position != Position::Record) m_position = Position::End;
 }
@@ -195,8 +218,8 @@ void TableRecordset::Seek(std::string_view comparison, std::initializer_list<Val
       marks += i == 0 ? "?" : ", ?";
     }
     if (comparison == ">=") condition = fmt::format("({}) >= ({})", names, marks);
-    seek = Prepare(fmt::format("SELECT {} FROM {} WHERE {} ORDER BY {} LIMIT 1", m_columns, m_table,
-                               condition, Ordered(false)));
+    seek = Prepare(fmt::format("SELECT {} FROM {} WHERE {} ORDER BY {} LIMIT 1", m_selected,
+                               m_table, condition, Ordered(false)));
   }
   int bind = 0;
   for (const Value& key : keys) seek.Bind(++bind, key);
@@ -272,6 +295,23 @@ void TableRecordset::BindPending(Statement& statement) const {
   }
 }
 
+std::string TableRecordset::IdentityCondition() const {
+  if (m_identity.empty()) return fmt::format("{} = ?", RowId);
+  std::string condition;
+  for (const std::size_t field : m_identity) {
+    condition += (condition.empty() ? "" : " AND ") + QuoteName(m_fields[field].Name) + " = ?";
+  }
+  return condition;
+}
+
+void TableRecordset::BindIdentity(Statement& statement, int index) const {
+  if (m_identity.empty()) {
+    statement.Bind(index, m_rowId);
+  } else {
+    for (const std::size_t field : m_identity) statement.Bind(index++, m_record[field]);
+  }
+}
+
 void TableRecordset::Update() {
   if (m_mode == Pending::None) {
     throw clsError(errnum::NoAddOrEdit, "Update or CancelUpdate without AddNew or Edit.");
@@ -281,8 +321,7 @@ void TableRecordset::Update() {
     if (!m_insert) {
       std::string marks = "?";
       for (std::size_t i = 1; i < m_fields.size(); ++i) marks += ", ?";
-      m_insert = Prepare(fmt::format("INSERT INTO {} ({}) VALUES ({})", m_table,
-                                     m_columns.substr(m_columns.find(", ") + 2), marks));
+      m_insert = Prepare(fmt::format("INSERT INTO {} ({}) VALUES ({})", m_table, m_columns, marks));
     }
     BindPending(m_insert);
     m_insert.Execute();
@@ -296,10 +335,11 @@ void TableRecordset::Update() {
       for (const Field& field : m_fields) {
         assignments += (assignments.empty() ? "" : ", ") + QuoteName(field.Name) + " = ?";
       }
-      m_update = Prepare(fmt::format("UPDATE {} SET {} WHERE {} = ?", m_table, assignments, RowId));
+      m_update = Prepare(
+          fmt::format("UPDATE {} SET {} WHERE {}", m_table, assignments, IdentityCondition()));
     }
     BindPending(m_update);
-    m_update.Bind(static_cast<int>(m_pending.size()) + 1, m_rowId);
+    BindIdentity(m_update, static_cast<int>(m_pending.size()) + 1);
     m_update.Execute();
     std::swap(m_record, m_pending);
     if (m_autoField >= 0) m_rowId = m_record[static_cast<std::size_t>(m_autoField)].Integer();
@@ -316,8 +356,10 @@ void TableRecordset::CancelUpdate() {
 
 void TableRecordset::Delete() {
   NeedRecord();
-  if (!m_delete) m_delete = Prepare(fmt::format("DELETE FROM {} WHERE {} = ?", m_table, RowId));
-  m_delete.Bind(1, m_rowId);
+  if (!m_delete) {
+    m_delete = Prepare(fmt::format("DELETE FROM {} WHERE {}", m_table, IdentityCondition()));
+  }
+  BindIdentity(m_delete, 1);
   m_delete.Execute();
   m_position = Position::Deleted;
 }
