@@ -19,6 +19,9 @@ namespace {
 // Marks the files as Sandrel's for tools that look at a database header ("SNDR").
 constexpr std::uint32_t ApplicationId = 0x534E4452;
 
+// Bytes. Long registry values fit a page of this size, and the trees are flat.
+constexpr int PageSize = 16384;
+
 constexpr const char* JournalSuffix = "-journal";
 
 }  // namespace
@@ -67,7 +70,7 @@ void Workspace::CreateDatabase(const std::string& path) {
   clsFileWorks::DeleteFile(path + JournalSuffix);
   Connection connection(path);
   connection.Run(
-      fmt::format("PRAGMA encoding = 'UTF-8'; PRAGMA application_id = {};", ApplicationId));
+      fmt::format("PRAGMA page_size = {}; PRAGMA application_id = {};", PageSize, ApplicationId));
 }
 
 std::unique_ptr<Database> Workspace::OpenDatabase(const std::string& path) {
