@@ -286,7 +286,11 @@ class Registry:
         names = {**(machine.subkeys if machine else {}), **(user.subkeys if user else {})}
         for folded in names:
             below = [source.subkeys.get(folded) if source else None for source in (machine, user)]
-            merged.subkeys[folded] = cls._merged(*below) if None not in below else below[0] or below[1]
+            if None not in below and not any(node.is_link for node in below):
+                merged.subkeys[folded] = cls._merged(*below)
+            else:
+                # A link isn't merged: what the user has hides what the machine has.
+                merged.subkeys[folded] = below[1] or below[0]
         return merged
 
     def find(self, hive, path, hops=16):
@@ -311,13 +315,13 @@ class Registry:
     def walk(self, hive):
         """Every key of a hive as (path, node), a link's contents under the link's own path.
 
-        A link that leads nowhere can't be opened and is empty. Links below a followed one are shown as
-        they stand, so that a link to a key above it doesn't go on for ever.
+        A link that leads nowhere can't be opened and is empty. So are links below a followed one, as a
+        link to a key above it would go on for ever.
         """
 
         def below(path, node, followed):
-            if node.is_link and not followed:
-                target = self.follow(node)
+            if node.is_link:
+                target = None if followed else self.follow(node)
                 yield from below(path, target or Node(node.name), True)
                 return
             yield path, node

@@ -190,10 +190,11 @@ std::int32_t clsPrefixRegistry::LocateInHives(std::uint32_t root, std::string_vi
     if (!below->link) continue;
     std::uint32_t targetRoot = 0;
     std::string_view targetPath;
-    const std::string target = clsTreeKey(Tree(file), below).LinkTarget();
-    if (hops > 0 && keypath::ReadLinkTarget(target, targetRoot, targetPath)) {
-      return LocateInHives(targetRoot, keypath::Join(targetPath, path), hops - 1, place);
+    const std::string target = clsTreeKey(Tree(file), below).LinkTarget().value_or(std::string());
+    if (hops == 0 || !keypath::ReadLinkTarget(target, targetRoot, targetPath)) {
+      return regstatus::FileNotFound;  // what can't be opened isn't written either
     }
+    return LocateInHives(targetRoot, keypath::Join(targetPath, path), hops - 1, place);
   }
   place.missing = path;
   return regstatus::Success;

@@ -98,7 +98,7 @@ class clsRegfKey : public clsRegKey {
     data = m_values.data[index];
     return true;
   }
-  std::string LinkTarget() override {
+  std::optional<std::string> LinkTarget() override {
     if (!m_hive->IsLink(m_node)) return {};
     const std::vector<std::string>& names = ValueNames();
     for (std::size_t i = 0; i < names.size(); ++i) {
@@ -106,7 +106,7 @@ class clsRegfKey : public clsRegKey {
         return LinkTargetOf(m_values.data[i]);
       }
     }
-    return {};
+    return std::string();
   }
 
  private:

@@ -49,16 +49,14 @@ clsRegistry::Handle clsRegistry::OpenSubkey(const Handle& parent, std::string_vi
   const std::size_t index = parent->FindSubkey(name);
   if (index == clsNameIndex::None) return {};
   Handle key = parent->Subkey(index);
-  if (key == nullptr || !mayFollow) return key;
-  const std::string target = key->LinkTarget();
-  if (target.empty()) return key;
+  if (key == nullptr) return {};
+  const std::optional<std::string> target = key->LinkTarget();
+  if (!target) return key;
   std::uint32_t root = 0;
   std::string_view path;
-  if (!keypath::ReadLinkTarget(target, root, path)) return key;
-  Handle reached = FindKey(root, path, hops);
-  if (reached == nullptr) return key;
+  if (!mayFollow || !keypath::ReadLinkTarget(*target, root, path)) return {};
   followed = true;
-  return reached;
+  return FindKey(root, path, hops);
 }
 
 clsRegistry::Handle clsRegistry::FindKey(std::uint32_t root, std::string_view path, int& hops) {

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -74,8 +75,9 @@ class clsRegKey {
   virtual std::shared_ptr<clsRegKey> Subkey(std::size_t index) = 0;
   /// Type and data of the value by its index in `ValueNames`; false when it has gone.
   virtual bool Value(std::size_t index, std::uint32_t& type, std::string& data) = 0;
-  /// The path that a symbolic link leads to, as "\REGISTRY\MACHINE\..."; empty for other keys.
-  virtual std::string LinkTarget() { return {}; }
+  /// The path that a symbolic link leads to, as "\REGISTRY\MACHINE\...", an empty one where it
+  /// holds none; nothing for other keys.
+  virtual std::optional<std::string> LinkTarget() { return {}; }
 
  private:
   friend class clsRegistry;
@@ -101,9 +103,9 @@ class clsRegistry {
   /// costs no more than one step from the key opened before, however many subkeys the parents have.
   ///
   /// A symbolic link on the path is followed once: the key shows the subkeys and values of its
-  /// target, and links below that are shown as they are, so that no walk runs in circles. A link
-  /// that leads nowhere is shown as it is too. An open key may outlive the registry, whose hives it
-  /// keeps.
+  /// target. A link that leads nowhere, in a circle or to what is no key path can't be opened, nor
+  /// can one below a link that was followed, so that no walk runs in circles: FileNotFound, though
+  /// their names are enumerated. An open key may outlive the registry, whose hives it keeps.
   std::int32_t RegOpenKeyEx(std::uint32_t root, std::string_view path, Handle& key);
 
   /// The name of the subkey or value with this index; NoMoreItems behind the last one, MoreData for

@@ -49,11 +49,11 @@ bool clsTreeKey::Value(std::size_t index, std::uint32_t& type, std::string& data
   return true;
 }
 
-std::string clsTreeKey::LinkTarget() {
+std::optional<std::string> clsTreeKey::LinkTarget() {
   if (!m_key->link) return {};
   const clsKeyTree::Value* value = clsKeyTree::FindValue(*m_key, LinkValueName);
-  if (value == nullptr || value->type != regtype::Link) return {};
-  return LinkTargetOf(value->data);
+  const bool holdsTarget = value != nullptr && value->type == regtype::Link;
+  return holdsTarget ? LinkTargetOf(value->data) : std::string();
 }
 
 }  // namespace sandrel

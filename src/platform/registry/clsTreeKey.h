@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,7 +26,7 @@ class clsTreeKey : public clsRegKey {
   const std::vector<std::string>& ValueNames() override;
   std::shared_ptr<clsRegKey> Subkey(std::size_t index) override;
   bool Value(std::size_t index, std::uint32_t& type, std::string& data) override;
-  std::string LinkTarget() override;
+  std::optional<std::string> LinkTarget() override;
 
  private:
   std::shared_ptr<clsKeyTree> m_tree;

@@ -86,7 +86,7 @@ bool clsMergedKey::Value(std::size_t index, std::uint32_t& type, std::string& da
 std::shared_ptr<clsRegKey> MergeKeys(std::shared_ptr<clsRegKey> upper,
                                      std::shared_ptr<clsRegKey> lower) {
   if (upper == nullptr) return lower;
-  if (lower == nullptr) return upper;
+  if (lower == nullptr || upper->LinkTarget() || lower->LinkTarget()) return upper;
   return std::make_shared<clsMergedKey>(std::move(upper), std::move(lower));
 }
 

@@ -79,7 +79,8 @@ class clsMergedKey : public clsRegKey {
   Union m_values;
 };
 
-/// Both seen as one, or the one that isn't empty; empty when both are.
+/// Both seen as one, or the one that isn't empty; empty when both are. Of a symbolic link and
+/// another key, which can't be united before the link is followed, the upper one is seen alone.
 std::shared_ptr<clsRegKey> MergeKeys(std::shared_ptr<clsRegKey> upper,
                                      std::shared_ptr<clsRegKey> lower);
 

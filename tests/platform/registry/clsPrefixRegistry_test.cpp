@@ -36,32 +36,22 @@ class clsPrefixRegistry : public testing::Test {
 
 [Software\\Classes\\.zip] 1
 
-[Software\\Wow\\Link] 1
-#link
-"SymbolicLinkValue"=hex(6):)" +
-              Target("\\Registry\\Machine\\Software\\Target") +
-              R"(
-
-[Software\\Loop] 1
-#link
-"SymbolicLinkValue"=hex(6):)" +
-              Target("\\REGISTRY\\MACHINE\\software\\loop") +
-              R"(
-
-[Software\\Lost] 1
-#link
-"SymbolicLinkValue"=hex(6):)" +
-              Target("\\REGISTRY\\USER\\nobody") +
-              R"(
-
 [Software\\Target] 1
 "here"="1"
 
-[Software\\Target\\Back] 1
+)" + Link("Wow\\\\Link", "\\Registry\\Machine\\Software\\Target") +
+              Link("Target\\\\Back", "\\Registry\\Machine\\Software") +
+              Link("Loop", "\\REGISTRY\\MACHINE\\software\\loop") +
+              Link("Circle", "\\REGISTRY\\MACHINE\\software\\circle2") +
+              Link("Circle2", "\\REGISTRY\\MACHINE\\software\\circle") +
+              Link("Lost", "\\REGISTRY\\USER\\nobody") + Link("Path", "C:\\windows") +
+              Link("Empty", "") +
+              R"([Software\\Bare] 1
 #link
-"SymbolicLinkValue"=hex(6):)" +
-              Target("\\Registry\\Machine\\Software") +
-              R"(
+
+[Software\\Text] 1
+#link
+"SymbolicLinkValue"="\\Registry\\Machine\\Software\\Target"
 
 [System\\CurrentControlSet\\Hardware Profiles\\0001\\Software] 1
 "p"=dword:00000001
@@ -81,10 +71,11 @@ class clsPrefixRegistry : public testing::Test {
   }
   std::string Read(const char* name) { return clsFileWorks::ReadWhole(m_folder.Of(name)); }
 
-  static std::string Target(const std::string& path) {
+  // A symbolic link below Software; `key` is escaped.
+  static std::string Link(const std::string& key, std::string_view target) {
     std::string hex;
-    for (const char c : path) hex += fmt::format("{}{:02x},00", hex.empty() ? "" : ",", c);
-    return hex;
+    for (const char c : target) hex += fmt::format("{}{:02x},00", hex.empty() ? "" : ",", c);
+    return fmt::format("[Software\\\\{}] 1\n#link\n\"SymbolicLinkValue\"=hex(6):{}\n\n", key, hex);
   }
 
   TempFolder m_folder;
@@ -120,19 +111,40 @@ TEST_F(clsPrefixRegistry, MergesTheUsersClassesOverTheMachines) {
 
 TEST_F(clsPrefixRegistry, FollowsLinksOnce) {
   const auto registry = OpenPrefixRegistry(m_folder.Path());
-  const std::string back = "SymbolicLinkValue=6:";
-  const std::string wow = DumpKeys(*registry, hkey::LocalMachine, "Software\\Wow");
-  EXPECT_EQ(
-      wow.substr(0, wow.find(back)),
-      "[Software\\Wow]\n[Software\\Wow\\Link]\nhere=1:31000000\n[Software\\Wow\\Link\\Back]\n");
-  // Not inside a link, the same key is followed, and its own target's links are not.
+  // A link shows its target, whose own links can't be opened.
+  EXPECT_EQ(DumpKeys(*registry, hkey::LocalMachine, "Software\\Wow"),
+            "[Software\\Wow]\n[Software\\Wow\\Link]\nhere=1:31000000\n"
+            "[Software\\Wow\\Link\\Back]\ncan't be opened\n");
+  // Not inside a link, the same key is followed.
   const std::string direct = DumpKeys(*registry, hkey::LocalMachine, "Software\\Target\\Back");
-  EXPECT_NE(direct.find("[Software\\Target\\Back\\Classes\\.zip]"), std::string::npos);
-  EXPECT_NE(direct.find("[Software\\Target\\Back\\Wow\\Link]\n" + back), std::string::npos);
-  for (const char* path : {"Software\\Loop", "Software\\Lost"}) {  // shown as they are
-    const std::string shown = DumpKeys(*registry, hkey::LocalMachine, path);
-    EXPECT_EQ(shown.find(back), shown.find('\n') + 1) << shown;
+  EXPECT_NE(direct.find("[Software\\Target\\Back\\Classes\\.zip]\n["), std::string::npos);
+  EXPECT_NE(direct.find("[Software\\Target\\Back\\Wow\\Link]\ncan't be opened\n"),
+            std::string::npos);
+}
+
+TEST_F(clsPrefixRegistry, LinksThatLeadToNoKeyCannotBeOpened) {
+  const auto registry = OpenPrefixRegistry(m_folder.Path());
+  const std::string all = DumpKeys(*registry, hkey::LocalMachine);
+  EXPECT_EQ(all.find("SymbolicLinkValue"), std::string::npos);
+  for (const char* name : {"Loop", "Circle", "Circle2", "Lost", "Path", "Empty", "Bare", "Text"}) {
+    const std::string path = std::string("Software\\") + name;
+    EXPECT_NE(all.find("[" + path + "]\ncan't be opened\n"), std::string::npos) << name;
+    EXPECT_EQ(registry->RegSetValueEx(hkey::LocalMachine, path, "v", 3, "x"),
+              regstatus::FileNotFound)
+        << name;
   }
+}
+
+TEST_F(clsPrefixRegistry, SeesTheUsersClassAloneWhereOneIsALink) {
+  Write("system.reg", "Machine",
+        Link("Classes\\\\.a", "\\Registry\\Machine\\Software\\Classes\\.c") +
+            "[Software\\\\Classes\\\\.b] 1\n\"b\"=hex:01\n"
+            "[Software\\\\Classes\\\\.c] 1\n\"c\"=hex:02\n");
+  Write("user.reg", "User\\\\" + Sid,
+        "[Software\\\\Classes\\\\.a] 1\n\"a\"=hex:03\n" +
+            Link("Classes\\\\.b", "\\Registry\\Machine\\Software\\Classes\\.c"));
+  EXPECT_EQ(DumpKeys(*OpenPrefixRegistry(m_folder.Path()), hkey::ClassesRoot),
+            "[]\n[.a]\na=3:03\n[.b]\nc=3:02\n[.c]\nc=3:02\n");
 }
 
 TEST_F(clsPrefixRegistry, OpenKeysOutliveTheRegistry) {

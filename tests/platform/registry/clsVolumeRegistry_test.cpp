@@ -230,6 +230,23 @@ TEST_F(clsVolumeRegistryTest, GivesWhatAWinePrefixGivesForTheSameContent) {
     }
     add(key, *twin, "", 0x80000001u, "x");
   }
+  // Of these only the first can be opened, and below it none.
+  RegfKey& links = software.root.Add("links");
+  clsKeyTree::Key* twins = text.tree->AddSubkey(*top, "links");
+  for (const auto& [name, target] :
+       {std::pair("up", "\\Registry\\Machine\\Software\\Links"),
+        std::pair("lost", "\\Registry\\Machine\\Nowhere"), std::pair("odd", "C:\\")}) {
+    clsKeyTree::Key* twin = text.tree->AddSubkey(*twins, name);
+    twin->link = true;
+    links.Add(name).link = true;
+    add(links.subkeys.back(), *twin, "SymbolicLinkValue", regtype::Link, text::ToUtf16Le(target));
+  }
+  for (const char* name : {"bare", "text"}) {
+    clsKeyTree::Key* twin = text.tree->AddSubkey(*twins, name);
+    twin->link = true;
+    links.Add(name).link = true;
+    if (*name == 't') add(links.subkeys.back(), *twin, "SymbolicLinkValue", regtype::Sz, "\\");
+  }
   WriteMachine();
   clsFileWorks::ReplaceWhole(prefix.Of("system.reg"), WriteTextHive(text));
   for (const char* name : {"user.reg", "userdef.reg"}) {
@@ -237,7 +254,9 @@ TEST_F(clsVolumeRegistryTest, GivesWhatAWinePrefixGivesForTheSameContent) {
   }
   const std::string volume = DumpKeys(*Open(), hkey::LocalMachine, "SOFTWARE");
   EXPECT_EQ(volume, DumpKeys(*OpenPrefixRegistry(prefix.Path()), hkey::LocalMachine, "SOFTWARE"));
-  EXPECT_EQ(std::count(volume.begin(), volume.end(), '\n'), 1 + 6 * 2 + 5 * (13 * 8 + 1 + 1));
+  EXPECT_EQ(std::count(volume.begin(), volume.end(), '\n'),
+            1 + 6 * 2 + 5 * (13 * 8 + 1 + 1) + 2 + 4 * 2 + 5 * 2);
+  EXPECT_EQ(volume.find("SymbolicLinkValue"), std::string::npos);
 }
 
 }  // namespace
