@@ -37,12 +37,17 @@ clsError ReadError(const std::string& path) {
           fmt::format("Can't read {}: {}", path, std::generic_category().message(errno))};
 }
 
-std::string RealPath(const std::string& path) {
-  char* resolved = realpath(path.c_str(), nullptr);
-  if (resolved == nullptr) return path;
-  std::string result = resolved;
-  std::free(resolved);
-  return result;
+// Where the links at `path` lead, whether or not a file stands there.
+std::string TargetOf(const std::string& path) {
+  constexpr int MostLinks = 40;  // as the system follows
+  std::filesystem::path target = path;
+  for (int links = 0; links <= MostLinks; ++links) {
+    std::error_code failure;
+    const std::filesystem::path next = std::filesystem::read_symlink(target, failure);
+    if (failure) return target.string();
+    target = target.parent_path() / next;
+  }
+  throw ErrnoError(ELOOP, "Can't write " + path);
 }
 
 void WriteAll(int descriptor, std::string_view content, const std::string& path) {
@@ -99,7 +104,7 @@ std::string clsFileWorks::ReadWhole(const std::string& path, std::uint64_t limit
 }
 
 void clsFileWorks::ReplaceWhole(const std::string& path, std::string_view content) {
-  const std::string target = RealPath(path);
+  const std::string target = TargetOf(path);
   std::string temporary = target + ".XXXXXX";
   clsDescriptor file(mkostemp(temporary.data(), O_CLOEXEC));
   if (file.Get() < 0) throw ErrnoError(errno, "Can't write " + path);

@@ -19,8 +19,8 @@ class clsFileWorks {
                                std::uint64_t limit = std::uint64_t{1} << 31);
 
   /// Puts `content` in the place of the file at `path`, which keeps its old content until the new
-  /// one is on disk; a link is followed, the file's permissions and, where possible, its owner
-  /// stay. Raises the number of the failure.
+  /// one is on disk; a link is followed even to a file that isn't there yet, the file's
+  /// permissions and, where possible, its owner stay. Raises the number of the failure.
   static void ReplaceWhole(const std::string& path, std::string_view content);
 
   /// Deletes a file; one that isn't there is no error.

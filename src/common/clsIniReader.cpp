@@ -1,17 +1,19 @@
 #include "common/clsIniReader.h"
 
+#include <utility>
+
 #include "common/clsFileWorks.h"
 #include "common/text.h"
 
 namespace sandrel {
 namespace {
 
-std::string AsText(std::string bytes) {
+std::string AsText(std::string&& bytes) {
   const std::string_view view = bytes;
   if (view.starts_with("\xEF\xBB\xBF")) return bytes.substr(3);
   if (view.starts_with("\xFF\xFE")) return text::FromUtf16Le(view.substr(2));
   if (view.starts_with("\xFE\xFF")) return text::FromUtf16Be(view.substr(2));
-  return text::IsValidUtf8(view) ? bytes : text::FromCp1252(view);
+  return text::IsValidUtf8(view) ? std::move(bytes) : text::FromCp1252(view);
 }
 
 }  // namespace

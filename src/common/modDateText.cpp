@@ -20,7 +20,7 @@ std::string LocalDateText(std::time_t utcSeconds) {
 
 std::string LocalDateText(std::string_view stored) {
   std::tm parts{};
-  const std::string text(stored);
+  std::string text(stored);
   const char* end = strptime(text.c_str(), "%Y-%m-%d %H:%M:%S", &parts);
   if (end == nullptr || *end != '\0') return text;
   return LocalDateText(timegm(&parts));

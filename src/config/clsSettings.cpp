@@ -98,7 +98,7 @@ std::string clsSettings::DefaultPath() {
     const char* value = std::getenv(name);
     return std::string(value != nullptr ? value : "");
   };
-  if (const std::string own = variable("SANDREL_SETTINGS"); !own.empty()) return own;
+  if (std::string own = variable("SANDREL_SETTINGS"); !own.empty()) return own;
   std::string folder = variable("XDG_CONFIG_HOME");
   if (folder.empty()) folder = clsFileWorks::Join(variable("HOME"), ".config");
   return clsFileWorks::Join(folder, "sandrel/settings.ini");
