@@ -44,6 +44,15 @@ TEST(clsFileWorks, ReplacesAFileWholeAndKeepsItsPlace) {
   clsFileWorks::ReplaceWhole(path, "");
   EXPECT_EQ(clsFileWorks::ReadWhole(folder.Of("link")), "");
   EXPECT_EQ(FilesIn(folder.Path()), 2u);
+
+  // Links, one after the other, to a file that isn't there yet.
+  std::filesystem::create_directory(folder.Of("below"));
+  std::filesystem::create_symlink("below/second", folder.Of("first"));
+  std::filesystem::create_symlink("../new", folder.Of("below/second"));
+  clsFileWorks::ReplaceWhole(folder.Of("first"), "made");
+  EXPECT_EQ(clsFileWorks::ReadWhole(folder.Of("new")), "made");
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.Of("first")));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.Of("below/second")));
 }
 
 TEST(clsFileWorks, LeavesEverythingAsItWasWhenItFails) {
@@ -55,6 +64,13 @@ TEST(clsFileWorks, LeavesEverythingAsItWasWhenItFails) {
             errnum::FileNotFound);
   std::filesystem::create_directory(folder.Of("folder"));
   EXPECT_NE(ErrorOf([&] { clsFileWorks::ReplaceWhole(folder.Of("folder"), "new"); }), 0);
+  for (const char* target : {"circle", "no/such"}) {
+    const std::string link = folder.Of("circle");
+    std::filesystem::create_symlink(target, link);
+    EXPECT_NE(ErrorOf([&] { clsFileWorks::ReplaceWhole(link, "new"); }), 0) << target;
+    EXPECT_EQ(std::filesystem::read_symlink(link), target);
+    std::filesystem::remove(link);
+  }
   EXPECT_EQ(clsFileWorks::ReadWhole(path), "old");
   EXPECT_EQ(FilesIn(folder.Path()), 2u);  // no temporary file stays behind
   EXPECT_EQ(FilesIn(folder.Of("folder")), 0u);
