@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <utility>
 
 #include "common/clsPathText.h"
 #include "common/text.h"
@@ -23,10 +22,6 @@ constexpr std::array<Source, 3> Sources = {
 constexpr std::string_view CurrentVersion = "Software\\Microsoft\\Windows NT\\CurrentVersion";
 constexpr std::string_view ProfileList =
     "Software\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList";
-constexpr std::string_view ShellFolders =
-    "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
-// The accounts of the system and its services have profiles, but nobody's.
-constexpr std::array<std::string_view, 3> Services = {"S-1-5-18", "S-1-5-19", "S-1-5-20"};
 
 // Variables that refer to each other could grow without end.
 constexpr int MostReferences = 200;
@@ -119,25 +114,13 @@ std::string clsEnvironment::Expand(std::string_view text) {
   return result;
 }
 
-// The folder of the user whose hive is HKEY_CURRENT_USER. A live system has it in the volatile
-// environment; on a disk only the list of profiles is left, and of several the one that the user's
-// own folders lie in.
+// A live system has it in the volatile environment; on a disk only the list of profiles is left.
 std::string clsEnvironment::UserProfile() {
-  clsRegistry::Handle users;
-  if (m_registry.RegOpenKeyEx(hkey::Users, "", users) != regstatus::Success) return {};
-  const std::string data = Text(hkey::CurrentUser, ShellFolders, "AppData").value_or(std::string());
-  std::string first;
-  std::string sid;
-  for (std::size_t i = 0; m_registry.RegEnumKey(users, i, sid) != regstatus::NoMoreItems; ++i) {
-    if (std::find(Services.begin(), Services.end(), sid) != Services.end()) continue;
-    const std::optional<std::string> image =
-        Text(hkey::LocalMachine, std::string(ProfileList) + "\\" + sid, "ProfileImagePath");
-    if (!image) continue;
-    std::string folder = clsPathText::RemoveSeparator(Expand(*image));
-    if (text::StartsWithNoCase(data, folder + "\\")) return folder;
-    if (first.empty()) first = std::move(folder);
-  }
-  return first;
+  const std::string& sid = m_registry.CurrentUserSid();
+  if (sid.empty()) return {};
+  const std::optional<std::string> image =
+      Text(hkey::LocalMachine, std::string(ProfileList) + "\\" + sid, "ProfileImagePath");
+  return image ? clsPathText::RemoveSeparator(Expand(*image)) : std::string();
 }
 
 }  // namespace sandrel

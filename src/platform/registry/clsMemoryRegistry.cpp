@@ -1,6 +1,8 @@
 // The registry in memory: five roots that share nothing.
 #include <map>
 #include <memory>
+#include <string>
+#include <utility>
 
 #include "platform/registry/clsTreeKey.h"
 #include "platform/registry/clsTreeRegistry.h"
@@ -11,7 +13,8 @@ namespace {
 
 class clsMemoryRegistry : public clsTreeRegistry {
  public:
-  clsMemoryRegistry() {
+  explicit clsMemoryRegistry(std::string currentUserSid) {
+    m_currentUserSid = std::move(currentUserSid);
     for (const std::uint32_t root : {hkey::ClassesRoot, hkey::CurrentUser, hkey::LocalMachine,
                                      hkey::Users, hkey::CurrentConfig}) {
       m_trees[root] = std::make_shared<clsKeyTree>();
@@ -51,8 +54,8 @@ class clsMemoryRegistry : public clsTreeRegistry {
 
 }  // namespace
 
-std::unique_ptr<clsRegistry> MakeMemoryRegistry() {
-  return std::make_unique<clsMemoryRegistry>();
+std::unique_ptr<clsRegistry> MakeMemoryRegistry(std::string currentUserSid) {
+  return std::make_unique<clsMemoryRegistry>(std::move(currentUserSid));
 }
 
 }  // namespace sandrel

@@ -74,7 +74,7 @@ class clsPrefixRegistry : public clsTreeRegistry {
       m_files[i].path = clsFileWorks::Join(m_folder, Names[i]);
       ReadHive(m_files[i]);
     }
-    m_userSid = UserSid();
+    m_currentUserSid = UserSid();
     FindRoots();
   }
 
@@ -101,7 +101,6 @@ class clsPrefixRegistry : public clsTreeRegistry {
 
   std::string m_folder;
   std::array<HiveFile, 3> m_files;
-  std::string m_userSid;
 };
 
 // The comment at the head of user.reg names the user's key.
@@ -123,7 +122,7 @@ clsRegistry::Handle clsPrefixRegistry::OpenRoot(std::uint32_t root) {
     case hkey::Users: {
       auto users = std::make_shared<clsFolderKey>();
       users->Add(".DEFAULT", [tree = Tree(DefaultUser)] { return OpenHive(tree); });
-      users->Add(m_userSid, [tree = Tree(User)] { return OpenHive(tree); });
+      users->Add(m_currentUserSid, [tree = Tree(User)] { return OpenHive(tree); });
       return users;
     }
     case hkey::ClassesRoot:
@@ -169,7 +168,7 @@ std::int32_t clsPrefixRegistry::LocateInHives(std::uint32_t root, std::string_vi
   if (root == hkey::CurrentUser) {
     file = User;
   } else if (root == hkey::Users) {
-    if (keypath::CutPrefix(path, m_userSid)) {
+    if (keypath::CutPrefix(path, m_currentUserSid)) {
       file = User;
     } else if (keypath::CutPrefix(path, ".DEFAULT")) {
       file = DefaultUser;

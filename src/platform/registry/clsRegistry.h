@@ -133,6 +133,10 @@ class clsRegistry {
   /// Root keys that this registry has.
   const std::vector<std::uint32_t>& Roots() const { return m_roots; }
 
+  /// The SID of the user whose hive is HKEY_CURRENT_USER, as its key in HKEY_USERS has it; empty
+  /// when there is none.
+  const std::string& CurrentUserSid() const { return m_currentUserSid; }
+
   /// What was found in the hives that the user should know, one sentence each: a hive whose log was
   /// not applied, for instance.
   const std::vector<std::string>& Remarks() const { return m_remarks; }
@@ -159,6 +163,7 @@ class clsRegistry {
   /// providers that make one root out of parts of others; remembers nothing.
   Handle FindKey(std::uint32_t root, std::string_view path);
 
+  std::string m_currentUserSid;
   std::vector<std::string> m_remarks;
   clsLeftOut m_leftOut;
 
@@ -195,8 +200,9 @@ std::unique_ptr<clsRegistry> OpenPrefixRegistry(const std::string& folder);
 /// when SOFTWARE or SYSTEM is missing, and when there is no profile `user`.
 std::unique_ptr<clsRegistry> OpenVolumeRegistry(const std::string& folder, std::string_view user);
 
-/// An empty registry in memory with all five roots, for tests. It can be written.
-std::unique_ptr<clsRegistry> MakeMemoryRegistry();
+/// An empty registry in memory with all five roots, which share nothing, for tests. It can be
+/// written.
+std::unique_ptr<clsRegistry> MakeMemoryRegistry(std::string currentUserSid = {});
 
 /// True when a Wine server runs on the prefix, so that its registry files may lag behind.
 bool PrefixServerRuns(const std::string& folder);

@@ -78,6 +78,7 @@ clsVolumeRegistry::clsVolumeRegistry(const std::string& folder, std::string_view
   OpenMachineHives(folder);
   FindControlSet();
   ChooseUser(OpenProfiles(folder), user);
+  if (m_currentUser.has_value()) m_currentUserSid = m_users[*m_currentUser].sid;
   FindRoots();
 }
 

@@ -20,13 +20,12 @@ class clsEnvironmentTest : public testing::Test {
         regstatus::Success);
   }
   void AddProfile(const std::string& sid, std::string_view folder) {
-    Set(hkey::Users, sid, "", "");
     Set(hkey::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList\\" + sid,
         "ProfileImagePath", folder, regtype::ExpandSz);
   }
 
   test::TempFolder m_volume;
-  std::unique_ptr<clsRegistry> m_registry = MakeMemoryRegistry();
+  std::unique_ptr<clsRegistry> m_registry = MakeMemoryRegistry("S-1-5-21-1-2-3-1001");
   clsPathMap m_paths = clsPathMap::OfVolume(m_volume.Path());
   clsEnvironment m_environment{*m_registry, m_paths};
 };
@@ -36,12 +35,9 @@ TEST_F(clsEnvironmentTest, FindsTheUsersFolderOfAnOfflineVolume) {
   Set(hkey::CurrentUser, "Environment", "TEMP", "%USERPROFILE%\\Temp", regtype::ExpandSz);
   EXPECT_EQ(m_environment.Variable("temp"), "%USERPROFILE%\\Temp");  // unknown, so left alone
   AddProfile("S-1-5-18", "%systemroot%\\system32\\config\\systemprofile");
-  AddProfile("S-1-5-21-1-2-3-1000", "%SystemDrive%\\Users\\ann");
-  EXPECT_EQ(m_environment.Variable("temp"), "C:\\Users\\ann\\Temp");
-  // Of several, the one in which the current user's folders lie; "ann" is no folder above theirs.
-  AddProfile("S-1-5-21-1-2-3-1001", "C:\\Users\\Anna");
-  Set(hkey::CurrentUser, "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders",
-      "AppData", "C:\\Users\\anna\\AppData\\Roaming");
+  AddProfile("S-1-5-21-1-2-3-1000", "C:\\Users\\ann");
+  EXPECT_EQ(m_environment.Variable("userprofile"), "");  // nobody else's
+  AddProfile("S-1-5-21-1-2-3-1001", "%SystemDrive%\\Users\\Anna\\");
   EXPECT_EQ(m_environment.Variable("temp"), "C:\\Users\\Anna\\Temp");
 }
 

@@ -8,6 +8,8 @@
 #include <filesystem>
 
 #include "common/clsError.h"
+#include "common/clsFileWorks.h"
+#include "support/RegfBuilder.h"
 #include "support/SampleMachine.h"
 
 namespace sandrel {
@@ -191,6 +193,29 @@ TEST_F(clsMachineTest, TakesItsFoldersAndVariablesFromItsOwnRegistry) {
   m_machine->CloseRegistry();
   EXPECT_EQ(m_machine->Environ("temp"), "D:\\Temp");
   EXPECT_EQ(m_machine->Environ("tmp"), "");
+}
+
+TEST_F(clsMachineTest, TheEnvironmentOfAVolumeIsThatOfTheUserAskedFor) {
+  test::TempFolder folder;
+  test::RegfBuilder software;
+  for (const char* name : {"ann", "bob"}) {
+    software
+        .Key(std::string("Microsoft\\Windows NT\\CurrentVersion\\ProfileList\\S-1-5-21-1-") + name)
+        .Text("ProfileImagePath", std::string("%SystemDrive%\\Users\\") + name);
+    test::RegfBuilder user;
+    user.Key("Environment").Text("TEMP", "%USERPROFILE%\\Temp");
+    std::filesystem::create_directories(folder.Of(std::string("Users/") + name));
+    clsFileWorks::ReplaceWhole(folder.Of(std::string("Users/") + name + "/NTUSER.DAT"),
+                               user.Build());
+  }
+  std::filesystem::create_directories(folder.Of("Windows/System32/config"));
+  clsFileWorks::ReplaceWhole(folder.Of("Windows/System32/config/SOFTWARE"), software.Build());
+  clsFileWorks::ReplaceWhole(folder.Of("Windows/System32/config/SYSTEM"),
+                             test::RegfBuilder().Build());
+  EXPECT_EQ(clsMachine::Open(folder.Path())->Environ("temp"), "C:\\Users\\ann\\Temp");
+  setenv("SANDREL_USER", "bob", 1);
+  EXPECT_EQ(clsMachine::Open(folder.Path())->Environ("temp"), "C:\\Users\\bob\\Temp");
+  unsetenv("SANDREL_USER");
 }
 
 TEST_F(clsMachineTest, AnUnreadableRegistryIsAnErrorNotAnEmptyText) {

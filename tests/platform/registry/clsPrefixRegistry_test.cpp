@@ -84,6 +84,7 @@ class clsPrefixRegistry : public testing::Test {
 TEST_F(clsPrefixRegistry, PutsTheHivesBelowTheirRoots) {
   const auto registry = OpenPrefixRegistry(m_folder.Path());
   EXPECT_EQ(registry->Roots().size(), 5u);
+  EXPECT_EQ(registry->CurrentUserSid(), Sid);
   EXPECT_EQ(DumpKeys(*registry, hkey::Users),
             "[]\n[.DEFAULT]\n[.DEFAULT\\Console]\nx=1:64000000\n[" + Sid + "]\n[" + Sid +
                 "\\Software]\n[" + Sid + "\\Software\\Classes]\n[" + Sid +
@@ -95,10 +96,9 @@ TEST_F(clsPrefixRegistry, PutsTheHivesBelowTheirRoots) {
             "1:75007300650072000000");
   // The user's own SID stands in the file.
   Write("user.reg", "User\\\\S-1-5-21-1-2-3-4", "[K] 1\n");
-  EXPECT_EQ(Query(*OpenPrefixRegistry(m_folder.Path()), hkey::Users, "S-1-5-21-1-2-3-4\\K", ""),
-            "none");
   clsRegistry::Handle key;
   const auto other = OpenPrefixRegistry(m_folder.Path());
+  EXPECT_EQ(other->CurrentUserSid(), "S-1-5-21-1-2-3-4");
   EXPECT_EQ(other->RegOpenKeyEx(hkey::Users, "s-1-5-21-1-2-3-4\\k", key), regstatus::Success);
 }
 

@@ -109,7 +109,9 @@ TEST_F(clsVolumeRegistryTest, PutsTheHivesBelowTheirRoots) {
 
 TEST_F(clsVolumeRegistryTest, ChoosesTheCurrentUser) {
   const auto isBob = [](clsRegistry& registry) {
-    return Has(registry, hkey::CurrentUser, "Software\\Bob");
+    const bool has = Has(registry, hkey::CurrentUser, "Software\\Bob");
+    EXPECT_EQ(registry.CurrentUserSid(), has ? Bob : Ann);
+    return has;
   };
   EXPECT_FALSE(isBob(*Open()));  // the first person, no service
   for (const std::string& user : {Bob, std::string("BOB.HOST"), std::string("bob"),
@@ -185,6 +187,7 @@ TEST_F(clsVolumeRegistryTest, DoesWithoutWhatAPlainVolumeLacks) {
   WriteMachine();
   const auto registry = Open();
   EXPECT_EQ(registry->Roots(), (std::vector<std::uint32_t>{hkey::LocalMachine, hkey::Users}));
+  EXPECT_EQ(registry->CurrentUserSid(), "");
   EXPECT_EQ(DumpKeys(*registry, hkey::LocalMachine), "[]\n[SOFTWARE]\n[SYSTEM]\n");
   EXPECT_EQ(DumpKeys(*registry, hkey::Users), "[]\n");
 }
