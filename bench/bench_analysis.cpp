@@ -31,6 +31,7 @@ int Run(const std::string& database, const std::string& analysis) {
   sandrel::test::TempFolder temp;
   const sandrel::test::SampleMachine sample;
   const sandrel::clsHome home = sandrel::clsHome::Find(temp.Of("home"));
+  std::filesystem::create_directory(home.Path());
   std::filesystem::copy_file(database, home.WorkingDatabase());
   sandrel::clsSettings settings(temp.Of("settings.ini"));
   sandrel::clsCliShell shell(true);

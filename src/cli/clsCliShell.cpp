@@ -41,6 +41,10 @@ void clsCliShell::CatchInterrupts() {
   for (const int number : {SIGINT, SIGTERM}) std::signal(number, OnSignal);
 }
 
+bool clsCliShell::WasInterrupted() {
+  return g_interrupted != 0;
+}
+
 void clsCliShell::Say(std::string_view text) {
   ClearLine();
   fmt::print(stderr, "sandrel-cli: {}\n", OneLine(text));
@@ -103,7 +107,7 @@ Answer clsCliShell::ReportError(std::int32_t /*number*/, std::string_view descri
 }
 
 void clsCliShell::DoEvents(bool /*often*/) {
-  if (g_interrupted == 0 || !State.Scanning) return;
+  if (g_interrupted == 0) return;
   // Each scanner that still starts is cancelled in its turn.
   if (m_status == exitstatus::Done) m_status = exitstatus::Refused;
   m_interrupting = true;

@@ -31,6 +31,7 @@ class clsCliShell final : public clsShell {
 
   /// Status of what ran so far, and whether the user interrupted.
   int ExitStatus() const { return m_status; }
+  static bool WasInterrupted();
   void Refuse(std::string_view why);
   void Fail(std::string_view why);
 

@@ -51,12 +51,14 @@ class clsCommands {
   std::string OpenMachineText();
   void PrintSection(const std::string& section);
   bool MayChange(const std::string& section);
+  bool MayClearSnapshots();
   int Print(const std::string& line) const;
 
   const Arguments& m_arguments;
   clsCliShell m_shell;
   clsSettings m_settings;
   clsHome m_home;
+  bool m_clear = false;  // the user agreed to lose the snapshots
 };
 
 std::shared_ptr<clsMachine> clsCommands::OpenMachine() {
@@ -65,6 +67,7 @@ std::shared_ptr<clsMachine> clsCommands::OpenMachine() {
 
 int clsCommands::Print(const std::string& line) const {
   if (m_shell.ExitStatus() == exitstatus::Done) fmt::print("{}\n", line);
+  if (m_shell.WasInterrupted()) fmt::print(stderr, "sandrel-cli: Scan Stopped\n");
   return m_shell.ExitStatus();
 }
 
@@ -127,7 +130,7 @@ int clsCommands::Status() {
   fmt::print("Snapshots: {}\n", words);
   if (level != SnapshotLevel::None) {
     fmt::print("Before:    {} ({})\n", time("Before"),
-               m_settings.GetSetting("Snapshot Machine", "Folder"));
+               m_settings.GetSetting("Snapshot Machine", "Before " + m_home.Path()));
   }
   if (level == SnapshotLevel::BeforeAndAfter) fmt::print("After:     {}\n", time("After"));
   return exitstatus::Done;
@@ -149,7 +152,6 @@ int clsCommands::List() {
                     "'sandrel-cli after'.",
                     m_arguments.File));
   }
-  if (std::fflush(stdout) != 0) throw ErrnoError(errno, "Can't write the page");
   return exitstatus::Done;
 }
 
@@ -171,20 +173,19 @@ bool clsCommands::MayChange(const std::string& section) {
       if (text::EqualNoCase(m_arguments.Key, name)) scan = false;
     }
   }
-  const SnapshotLevel level = ReadSnapshotLevel(m_home.WorkingDatabase());
-  if (!scan || level == SnapshotLevel::None) return true;
-  const char* which =
-      level == SnapshotLevel::Before ? "'Before' snapshot" : "'Before' and 'After' snapshots";
-  const clsHomeLock lock(m_home);
-  if (m_shell.Ask(
-          {fmt::format(
-               "Your {} will become invalid and be cleared if you continue.\n\nSave anyway?",
-               which),
-           "Sandrel Manager", Buttons::YesNo, BoxIcon::None}) != Answer::Yes) {
-    return false;
-  }
-  clsTableMaint().DeleteDatabase(m_home.WorkingDatabase());
-  return true;
+  return !scan || ReadSnapshotLevel(m_home.WorkingDatabase()) == SnapshotLevel::None ||
+         MayClearSnapshots();
+}
+
+bool clsCommands::MayClearSnapshots() {
+  const char* which = ReadSnapshotLevel(m_home.WorkingDatabase()) == SnapshotLevel::Before
+                          ? "'Before' snapshot"
+                          : "'Before' and 'After' snapshots";
+  m_clear = m_shell.Ask({fmt::format("Your {} will become invalid and be cleared if you "
+                                     "continue.\n\nSave anyway?",
+                                     which),
+                         "Sandrel Manager", Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
+  return m_clear;
 }
 
 int clsCommands::Settings() {
@@ -193,8 +194,10 @@ int clsCommands::Settings() {
   if (m_arguments.HasText) {
     const std::string absent("\x01", 1);
     if (m_settings.GetSetting(section, key, absent) == m_arguments.Text) return exitstatus::Done;
+    const clsHomeLock lock(m_home);  // no scan runs while what it reads is changed
     if (!MayChange(section)) return m_shell.ExitStatus();
     m_settings.SaveSetting(section, key, m_arguments.Text);
+    if (m_clear) clsTableMaint().DeleteDatabase(m_home.WorkingDatabase());
   } else if (!key.empty()) {
     fmt::print("{}\n", m_settings.GetSetting(section, key));
   } else if (!section.empty()) {
@@ -284,7 +287,9 @@ int Parse(int argc, char** argv) {
 
 int RunCommandLine(int argc, char** argv) {
   try {
-    return Parse(argc, argv);
+    const int status = Parse(argc, argv);
+    if (std::fflush(stdout) != 0) throw ErrnoError(errno, "Can't write the output");
+    return status;
   } catch (const std::exception& error) {
     return Failed(error.what());
   }

@@ -50,6 +50,13 @@ std::string TargetOf(const std::string& path) {
   throw ErrnoError(ELOOP, "Can't write " + path);
 }
 
+// What the system gives a new file.
+mode_t NewFileMode() {
+  const mode_t mask = umask(0);
+  umask(mask);
+  return 0666u & ~mask;
+}
+
 void WriteAll(int descriptor, std::string_view content, const std::string& path) {
   while (!content.empty()) {
     const ssize_t written = write(descriptor, content.data(), content.size());
@@ -63,7 +70,7 @@ void WriteAll(int descriptor, std::string_view content, const std::string& path)
 
 bool clsFileWorks::FileExists(const std::string& path) {
   struct stat status {};
-  return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
 bool clsFileWorks::FolderExists(const std::string& path) {
@@ -111,7 +118,7 @@ void clsFileWorks::ReplaceWhole(const std::string& path, std::string_view conten
   try {
     struct stat status {};
     const bool exists = stat(target.c_str(), &status) == 0;
-    const mode_t mode = exists ? status.st_mode & 07777u : 0644u;
+    const mode_t mode = exists ? status.st_mode & 07777u : NewFileMode();
     // Another user's file stays that user's where this process may see to it.
     [[maybe_unused]] const int owned =
         exists ? fchown(file.Get(), status.st_uid, status.st_gid) : 0;

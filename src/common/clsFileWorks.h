@@ -9,7 +9,7 @@ namespace sandrel {
 
 class clsFileWorks {
  public:
-  /// True when something that is no folder stands at `path`.
+  /// True when a regular file stands at `path`, or a link to one.
   static bool FileExists(const std::string& path);
   static bool FolderExists(const std::string& path);
 

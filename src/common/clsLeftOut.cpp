@@ -16,6 +16,7 @@ constexpr std::array<Words, static_cast<std::size_t>(LeftOut::Count_)> Kinds{{
     {"path that is too long", "paths that are too long"},
     {"hidden folder", "hidden folders"},
     {"symbolic link", "symbolic links"},
+    {"folder that vanished meanwhile", "folders that vanished meanwhile"},
     {"folder of the kernel's", "folders of the kernel's"},
     {"version text that is too long", "version texts that are too long"},
     {"unreadable INI file", "unreadable INI files"},

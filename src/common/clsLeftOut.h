@@ -14,6 +14,7 @@ enum class LeftOut {
   LongPath,        ///< a path of more than 255 UTF-16 units
   HiddenFolder,    ///< a hidden or system folder, which is not entered
   LinkedFolder,    ///< a symbolic link to a folder, or one that leads nowhere
+  VanishedFolder,  ///< a folder that was gone when its turn came
   KernelFolder,    ///< a file system of the kernel's own (proc, sysfs...)
   LongVersion,     ///< a version text of more than 20 characters
   UnreadableIni,   ///< an INI file that can't be read

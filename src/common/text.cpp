@@ -1,7 +1,9 @@
 #include "common/text.h"
 
 #include <clocale>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <cwctype>
 
 namespace sandrel::text {
@@ -48,14 +50,27 @@ std::string MapCharacters(std::string_view text, Map&& map) {
   return result;
 }
 
-std::string FromUtf16(std::string_view bytes, int low, int high) {
-  std::string result;
-  result.reserve(bytes.size());
+// Most text is ASCII, which gives one byte for every unit; what follows it is decoded.
+void AppendUtf16(std::string& text, std::string_view bytes, std::size_t low, std::size_t high) {
+  const std::size_t start = text.size();
+  const std::size_t units = bytes.size() / 2;
+  text.resize(start + units);
+  char* const out = text.data() + start;
+  std::size_t ascii = 0;
+  for (; ascii < units; ++ascii) {
+    const auto byte = static_cast<unsigned char>(bytes[2 * ascii + low]);
+    if (byte >= 0x80 || bytes[2 * ascii + high] != 0) break;
+    out[ascii] = static_cast<char>(byte);
+  }
+  if (ascii == units) return;
+  text.resize(start + ascii);
+  text.reserve(start + ascii + (units - ascii) * 2);
+
   const auto unit = [&](std::size_t at) {
     return static_cast<char32_t>(static_cast<unsigned char>(bytes[at + low]) |
                                  static_cast<unsigned char>(bytes[at + high]) << 8);
   };
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+  for (std::size_t i = 2 * ascii; i + 1 < bytes.size(); i += 2) {
     char32_t c = unit(i);
     if (c >= 0xD800 && c < 0xDC00 && i + 3 < bytes.size()) {
       const char32_t second = unit(i + 2);
@@ -64,12 +79,22 @@ std::string FromUtf16(std::string_view bytes, int low, int high) {
         i += 2;
       }
     }
-    Append(result, c);
+    Append(text, c);
   }
-  return result;
 }
 
 }  // namespace
+
+std::size_t AsciiLength(std::string_view text) {
+  constexpr std::uint64_t HighBits = 0x8080808080808080u;
+  std::size_t length = 0;
+  for (std::uint64_t eight = 0; length + sizeof eight <= text.size(); length += sizeof eight) {
+    std::memcpy(&eight, text.data() + length, sizeof eight);
+    if ((eight & HighBits) != 0) break;
+  }
+  while (length < text.size() && static_cast<unsigned char>(text[length]) < 0x80) ++length;
+  return length;
+}
 
 char32_t Next(std::string_view text, std::size_t& position) {
   const auto byte = [&](std::size_t offset) {
@@ -128,7 +153,7 @@ void Append(std::string& text, char32_t c) {
 }
 
 bool IsValidUtf8(std::string_view text) {
-  for (std::size_t i = 0; i < text.size();) {
+  for (std::size_t i = AsciiLength(text); i < text.size();) {
     const char32_t c = Next(text, i);
     if (c >= StrayByte || (c >= 0xD800 && c < 0xE000)) return false;
   }
@@ -136,8 +161,8 @@ bool IsValidUtf8(std::string_view text) {
 }
 
 std::size_t Length(std::string_view text) {
-  std::size_t units = 0;
-  for (std::size_t i = 0; i < text.size();) {
+  std::size_t units = AsciiLength(text);
+  for (std::size_t i = units; i < text.size();) {
     const char32_t c = Next(text, i);
     units += c >= 0x10000 && c < StrayByte ? 2 : 1;
   }
@@ -224,13 +249,17 @@ std::string_view TrimWhite(std::string_view text) {
 }
 
 void AppendUtf16Le(std::string& text, std::string_view bytes) {
-  text += FromUtf16(bytes, 0, 1);
+  AppendUtf16(text, bytes, 0, 1);
 }
 std::string FromUtf16Le(std::string_view bytes) {
-  return FromUtf16(bytes, 0, 1);
+  std::string result;
+  AppendUtf16(result, bytes, 0, 1);
+  return result;
 }
 std::string FromUtf16Be(std::string_view bytes) {
-  return FromUtf16(bytes, 1, 0);
+  std::string result;
+  AppendUtf16(result, bytes, 1, 0);
+  return result;
 }
 
 std::string ToUtf16Le(std::string_view text) {
@@ -253,6 +282,12 @@ std::string ToUtf16Le(std::string_view text) {
   return result;
 }
 
+void AppendLatin1(std::string& text, std::string_view bytes) {
+  const std::size_t ascii = AsciiLength(bytes);
+  text.append(bytes, 0, ascii);
+  for (const char byte : bytes.substr(ascii)) Append(text, static_cast<unsigned char>(byte));
+}
+
 std::string FromCp1252(std::string_view bytes) {
   std::string result;
   result.reserve(bytes.size());
@@ -266,7 +301,8 @@ std::string FromCp1252(std::string_view bytes) {
 std::string ToCp1252(std::string_view text, Lacking lacking, std::size_t* lost) {
   std::string result;
   result.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) {
+  result.append(text, 0, AsciiLength(text));
+  for (std::size_t i = result.size(); i < text.size();) {
     const std::size_t start = i;
     const char32_t c = Next(text, i);
     const int byte = c == StoredNul ? 0 : Cp1252Byte(c);
@@ -296,6 +332,10 @@ void ReplaceNul(std::string& text) {
     }
   }
   text = std::move(result);
+}
+
+std::string WithNul(std::string_view text) {
+  return MapCharacters(text, [](char32_t c) { return c == StoredNul ? U'\0' : c; });
 }
 
 double Val(std::string_view text) {

@@ -12,6 +12,9 @@
 
 namespace sandrel::text {
 
+/// The number of ASCII bytes at the start: that much needs no decoding.
+std::size_t AsciiLength(std::string_view text);
+
 /// Decodes the character at `position` and moves past it. A stray byte b comes as 0x110000 + b.
 char32_t Next(std::string_view text, std::size_t& position);
 
@@ -56,6 +59,8 @@ std::string FromUtf16Be(std::string_view bytes);
 void AppendUtf16Le(std::string& text, std::string_view bytes);
 std::string ToUtf16Le(std::string_view text);
 
+/// Appends Latin-1 bytes.
+void AppendLatin1(std::string& text, std::string_view bytes);
 /// Code page 1252; its five holes are the C1 controls of the same number.
 std::string FromCp1252(std::string_view bytes);
 
@@ -70,6 +75,8 @@ std::string ToCp1252(std::string_view text, Lacking lacking, std::size_t* lost =
 
 /// The text as the store keeps it: NUL, which ends a comparison there, becomes U+2400.
 void ReplaceNul(std::string& text);
+/// The other way round, for bytes that leave the store.
+std::string WithNul(std::string_view text);
 
 /// The number at the text's start, 0 where there is none: "1", " 1 ", "1x" give 1.
 double Val(std::string_view text);

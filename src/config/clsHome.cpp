@@ -49,9 +49,7 @@ clsHome clsHome::Find(const std::string& given) {
       folder = clsFileWorks::Join(data, "sandrel");
     }
   }
-  folder = Absolute(folder);
-  clsFileWorks::MakeFolders(folder);
-  return clsHome(folder);
+  return clsHome(Absolute(folder));
 }
 
 std::string clsHome::WorkingDatabase() const {
@@ -73,6 +71,7 @@ clsHomeLock::clsHomeLock(const clsHome& home) {
   std::weak_ptr<LockedFile>& known = held[path];
   m_file = known.lock();
   if (m_file != nullptr) return;
+  clsFileWorks::MakeFolders(home.Path());
   m_file = std::make_shared<LockedFile>(path);
   if (m_file->Descriptor < 0)
     throw ErrnoError(errno, "Can't write in the home folder " + home.Path());

@@ -12,8 +12,7 @@ namespace sandrel {
 class clsHome {
  public:
   /// The folder `given`, else $SANDREL_HOME, else the executable's folder when it is writable, else
-  /// "sandrel" in the user's data folder. Makes it when it is missing; raises the number of the
-  /// failure.
+  /// "sandrel" in the user's data folder. Makes nothing: the lock below does.
   static clsHome Find(const std::string& given);
 
   explicit clsHome(std::string folder) : m_folder(std::move(folder)) {}
@@ -28,9 +27,11 @@ class clsHome {
 };
 
 /// Held while a snapshot command works on a home folder. Raises errnum::HomeBusy when another
-/// process holds it. The system releases it when the process ends, however that happens.
+/// process holds it; inside one process it nests. The system releases it when the process ends,
+/// however that happens.
 class clsHomeLock {
  public:
+  /// Makes the folder when it is missing; raises the number of the failure.
   explicit clsHomeLock(const clsHome& home);
 
  private:

@@ -31,12 +31,24 @@ bool clsScanSettings::IsSelected(const ScanHive& hive) {
                            hive.Key != hkey::ClassesRoot);
 }
 
-std::vector<std::string> DefaultExcludes(clsMachine& machine, const std::string& appPath) {
+clsRegistry* RegistryIfNeeded(clsMachine& machine, clsScanSettings& settings) {
+  try {
+    return &machine.Registry();
+  } catch (const clsError&) {
+    if (settings.ScansLocalRegistry()) throw;
+    return nullptr;
+  }
+}
+
+std::vector<std::string> DefaultExcludes(clsMachine& machine, const std::string& appPath,
+                                         clsScanSettings& settings) {
   std::vector<std::string> entries;
   const auto addFolder = [&](const std::string& folder) {
     entries.push_back(clsPathText::AddSeparator(folder));
   };
   if (const auto own = machine.WindowsPath(appPath)) addFolder(*own);
+  // The others are told by the machine's registry.
+  if (RegistryIfNeeded(machine, settings) == nullptr) return entries;
   const std::string temp = machine.Environ("temp");
   const std::string tmp = machine.Environ("tmp");
   if (!temp.empty()) addFolder(temp);

@@ -27,6 +27,8 @@ class clsScanSettings {
   bool SizeInfo() { return IsOn("SizeInfo", "1"); }
   bool AttributeInfo() { return IsOn("AttributeInfo", "1"); }
   bool RegScan() { return IsOn("RegScan", "1"); }
+  /// True when the registry of the machine itself is scanned: then its hives must be readable.
+  bool ScansLocalRegistry() { return RegScan() && RemoteName().empty(); }
   bool RemoteRegistry() { return IsOn("RemoteRegistry", "0"); }
   bool FileExclude() { return IsOn("FileExclude", "1"); }
 
@@ -49,6 +51,11 @@ class clsScanSettings {
 /// The exclusions in force while the user has no list: Sandrel's own folder `appPath` (a host path,
 /// where a drive of the machine holds it), the machine's temporary folders and its swap file.
 /// Folders end in a backslash.
-std::vector<std::string> DefaultExcludes(clsMachine& machine, const std::string& appPath);
+std::vector<std::string> DefaultExcludes(clsMachine& machine, const std::string& appPath,
+                                         clsScanSettings& settings);
+
+/// The machine's registry; null when it can't be read and needn't be, as it isn't scanned.
+/// Otherwise raises errnum::Hive.
+clsRegistry* RegistryIfNeeded(clsMachine& machine, clsScanSettings& settings);
 
 }  // namespace sandrel

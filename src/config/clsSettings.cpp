@@ -21,7 +21,7 @@ namespace {
 class clsFileLock {
  public:
   explicit clsFileLock(const std::string& path)
-      : m_file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
+      : m_file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
     if (m_file < 0) throw ErrnoError(errno, "Can't write the settings beside " + path);
     while (flock(m_file, LOCK_EX) != 0 && errno == EINTR) {
     }
@@ -91,7 +91,8 @@ std::string TakeText(std::string_view& line, char end) {
 
 }  // namespace
 
-clsSettings::clsSettings(std::string path) : m_path(std::move(path)) {}
+clsSettings::clsSettings(std::string path)
+    : m_path(std::filesystem::absolute(std::move(path)).string()) {}
 
 std::string clsSettings::DefaultPath() {
   const auto variable = [](const char* name) {
@@ -202,6 +203,7 @@ void clsSettings::Refresh(bool forWriting) {
 
 void clsSettings::Parse(std::string_view content) {
   Section* current = &m_sections.emplace_back();
+  if (content.starts_with("\xEF\xBB\xBF")) content.remove_prefix(3);
   while (!content.empty()) {
     const std::size_t end = content.find('\n');
     const std::string_view whole = content.substr(0, end);
@@ -217,7 +219,10 @@ void clsSettings::Parse(std::string_view content) {
         continue;
       }
     } else if (!line.empty() && line.front() != ';' && line.front() != '#') {
-      std::string key(text::TrimWhite(TakeText(line, '=')));
+      const bool quoted = line.starts_with('"');
+      std::string key = TakeText(line, '=');
+      if (!quoted) key = text::TrimWhite(key);
+      line = text::TrimWhite(line);
       if (line.starts_with('=')) {
         line = text::TrimWhite(line.substr(1));
         Entry entry{std::move(key), TakeText(line, '\0'), false};

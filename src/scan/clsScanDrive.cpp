@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "common/clsError.h"
 #include "common/clsPathText.h"
 #include "common/text.h"
@@ -20,6 +22,15 @@ std::int64_t LastId(const dao::Database& database, const std::string& table) {
   files->SetIndex("Id");
   files->MoveLast();
   return files->Get("Id").Integer();
+}
+
+std::int64_t LastSectionFile(const dao::Database& database, const std::string& table) {
+  if (table.empty()) return 0;
+  std::int64_t last = 0;
+  const auto rows = database.OpenRecordset(fmt::format("SELECT [{0}].FileId FROM [{0}];", table),
+                                           dao::RecordsetType::Dynaset);
+  for (; !rows->Eof(); rows->MoveNext()) last = std::max(last, rows->Get(0).Integer());
+  return last;
 }
 
 }  // namespace
@@ -49,9 +60,11 @@ void clsScanDrive::StartDBTransaction(bool bNoIni) {
     if (!FirstFileTable.empty()) {
       m_firstFiles = open(FirstFileTable);
       // INI sections find their file by an id that may come from either table, so a file has one id
-      // in both, and a new file one that no file of either has.
-      m_nextFileId =
-          std::max(LastId(*m_database, FileTable), LastId(*m_database, FirstFileTable)) + 1;
+      // in both, and a new file one that no file of either has and no section left over from
+      // earlier walks.
+      m_nextFileId = std::max({LastId(*m_database, FileTable), LastId(*m_database, FirstFileTable),
+                               LastSectionFile(*m_database, IniSectionTable)}) +
+                     1;
     }
     m_workspace->BeginTrans();
     m_transactionOpen = true;
@@ -77,7 +90,7 @@ void clsScanDrive::CommitDBTransaction(bool bNoIni) {
 
 void clsScanDrive::DoXTreeFiles(const std::string& Pathname) {
   NeedTransaction();
-  DoXTree(Pathname);
+  DoXTree(Pathname, true);
   if (m_cancelled && AckCancel) AckCancel();
 }
 
@@ -85,7 +98,7 @@ void clsScanDrive::NeedTransaction() const {
   Need(m_transactionOpen ? m_database.get() : nullptr);
 }
 
-void clsScanDrive::DoXTree(const std::string& given) {
+void clsScanDrive::DoXTree(const std::string& given, bool isRoot) {
   // Here alone a cancel takes effect: the folder in progress is finished, and the queues of its
   // parents drain through this test without touching the disk.
   if (m_cancelled) return;
@@ -113,6 +126,13 @@ void clsScanDrive::DoXTree(const std::string& given) {
     CountFolder();
     subfolders = Subfolders(folder);
   } catch (const clsError& error) {
+    // Temporary folders come and go while a machine runs: one that has gone since it was found is
+    // no fault.
+    if (!isRoot && error.Number() == errnum::BadFileName &&
+        !m_context.Machine.FolderExists(folder)) {
+      m_context.LeftOut.Add(LeftOut::VanishedFolder);
+      return;
+    }
     throw error.WithSource("clsScanDrive.DoXTree")
         .WithDescription(fmt::format("{} - Processing: {}", error.Description(), m_processing));
   }
@@ -120,7 +140,7 @@ void clsScanDrive::DoXTree(const std::string& given) {
   for (const std::string& subfolder : subfolders) {
     ++m_foldersStarted;
     ReportProgress();
-    DoXTree(subfolder);
+    DoXTree(subfolder, false);
   }
 }
 
@@ -167,15 +187,18 @@ void clsScanDrive::DoFile(const clsDirSearch& search, std::int64_t pathId, const
   m_processing.resize(m_processing.rfind('\\') + 1);
   m_processing += name;
   BeginFileRow(pathId, name);
-  SetDetails(search, details);
+  const bool mayOpen = SetDetails(search, details);
   const FileRow row = EndFileRow(pathId, name);
-  if (m_sections) DoIniFile(row, name, search);
+  if (m_sections && mayOpen) DoIniFile(row, name, search);
 }
 
-void clsScanDrive::SetDetails(const clsDirSearch& search, const Details& details) {
+// False for a file that must not be opened.
+bool clsScanDrive::SetDetails(const clsDirSearch& search, const Details& details) {
   // A locked, odd or vanished file costs details of its row, which stay Null, not the walk.
+  bool isOpenDatabase = false;
   try {
     const FileDetails found = search.Details();
+    isOpenDatabase = dao::DBEngine::IsOpen(found.Device, found.Inode);
     m_files->SetText(m_date, dao::DateText(found.LastWritten));
     if (details.Size) m_files->SetInteger(m_size, static_cast<std::int64_t>(found.Length));
     if (details.Attributes) m_files->SetInteger(m_attributes, found.Attributes);
@@ -183,13 +206,14 @@ void clsScanDrive::SetDetails(const clsDirSearch& search, const Details& details
     if (error.Number() != errnum::PathFileAccess && error.Number() != errnum::InvalidArgument)
       throw;
   }
-  if (!details.Version) return;
-  const std::string version = GetVersionInfo(search.HostPath());
+  if (!details.Version) return !isOpenDatabase;
+  const std::string version = isOpenDatabase ? std::string() : GetVersionInfo(search.HostPath());
   if (version.size() <= static_cast<std::size_t>(m_files->Fields()[m_version].Size)) {
     m_files->SetText(m_version, version);
   } else {
     m_context.LeftOut.Add(LeftOut::LongVersion);
   }
+  return !isOpenDatabase;
 }
 
 void clsScanDrive::CountFolder() {

@@ -75,14 +75,14 @@ class clsScanDrive {
   };
 
   void NeedTransaction() const;
-  void DoXTree(const std::string& folder);
+  void DoXTree(const std::string& folder, bool isRoot);
   std::vector<std::string> Subfolders(const std::string& folder);
   std::int64_t PathIdOf(const std::string& folder);
   void DoFile(const clsDirSearch& search, std::int64_t pathId, const std::string& name,
               const Details& details);
   void BeginFileRow(std::int64_t pathId, std::string_view name);
   FileRow EndFileRow(std::int64_t pathId, std::string_view name);
-  void SetDetails(const clsDirSearch& search, const Details& details);
+  bool SetDetails(const clsDirSearch& search, const Details& details);
   void CountFolder();
 
   bool DoIniFile(const FileRow& row, std::string_view name, const clsDirSearch& search);
@@ -92,7 +92,7 @@ class clsScanDrive {
 
   void ExcludeBranch(const std::string& entry);
   void ExcludeFiles(const std::string& entry);
-  bool FindFolder(std::string_view folder, std::int64_t& pathId);
+  std::vector<std::int64_t> FindFolders(std::string_view folder);
   static void DeleteFilesOf(dao::Recordset& files, std::int64_t pathId);
   static void DeleteFile(dao::Recordset& files, std::int64_t pathId, std::string_view name);
   static void DeleteMatches(dao::Recordset& files, std::int64_t pathId, std::string_view pattern);

@@ -17,21 +17,32 @@ bool IsAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
 }
 
+// Names as the platform counts them, in UTF-16 units.
+std::u16string Units(std::string_view text) {
+  const std::string bytes = text::ToUtf16Le(text);
+  std::u16string units(bytes.size() / 2, u'\0');
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    units[i] = static_cast<char16_t>(static_cast<unsigned char>(bytes[2 * i]) |
+                                     static_cast<unsigned char>(bytes[2 * i + 1]) << 8);
+  }
+  return units;
+}
+
 struct Parts {
-  std::string Base, Extension;
+  std::u16string Base, Extension;
 };
 
 Parts SplitName(std::string_view name) {
   const std::string lower = text::Lower(name);
   const std::size_t dot = lower.find('.');
-  if (dot == std::string::npos) return {lower, {}};
-  return {lower.substr(0, dot), std::string(text::Trim(std::string_view(lower).substr(dot + 1)))};
+  if (dot == std::string::npos) return {Units(lower), {}};
+  return {Units(lower.substr(0, dot)), Units(text::Trim(std::string_view(lower).substr(dot + 1)))};
 }
 
 // Where the pattern holds "*", both texts are cut to what stands from the place before it.
-void CutAtStar(std::string& name, std::string& pattern) {
-  const std::size_t star = pattern.find('*');
-  if (star == std::string::npos) return;
+void CutAtStar(std::u16string& name, std::u16string& pattern) {
+  const std::size_t star = pattern.find(u'*');
+  if (star == std::u16string::npos) return;
   if (star == 0) {
     throw clsError(
         errnum::InvalidArgument,
@@ -39,24 +50,16 @@ void CutAtStar(std::string& name, std::string& pattern) {
         "extension begins with '*'. Use '?' for single characters, or '*.*' for all files "
         "of a folder.");
   }
-  // The place counts characters as Windows does, in both texts alike.
-  const std::size_t units = text::Length(std::string_view(pattern).substr(0, star)) - 1;
-  pattern = pattern.substr(text::Left(pattern, units).size());
-  name = name.substr(text::Left(name, units).size());
+  pattern.erase(0, star - 1);
+  name.erase(0, std::min(star - 1, name.size()));
 }
 
-// The name with "?" wherever the pattern has it, for texts of equal length.
-std::string WithQuestionMarks(const std::string& name, const std::string& pattern) {
-  if (text::Length(name) != text::Length(pattern)) return name;
-  std::string result;
-  std::size_t i = 0;
-  std::size_t j = 0;
-  while (i < name.size() && j < pattern.size()) {
-    const char32_t ofName = text::Next(name, i);
-    const char32_t ofPattern = text::Next(pattern, j);
-    text::Append(result, ofPattern == U'?' ? ofPattern : ofName);
+bool Matches(std::u16string name, const std::u16string& pattern) {
+  if (name.size() != pattern.size()) return false;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    if (pattern[i] == u'?') name[i] = u'?';
   }
-  return i == name.size() && j == pattern.size() ? result : name;
+  return name == pattern;
 }
 
 }  // namespace
@@ -67,9 +70,8 @@ bool clsScanDrive::MatchFileName(std::string_view name, std::string_view pattern
   CutAtStar(names.Base, patterns.Base);
   CutAtStar(names.Extension, patterns.Extension);
   // A pattern without an extension matches names with any.
-  return WithQuestionMarks(names.Base, patterns.Base) == patterns.Base &&
-         (patterns.Extension.empty() ||
-          WithQuestionMarks(names.Extension, patterns.Extension) == patterns.Extension);
+  return Matches(names.Base, patterns.Base) &&
+         (patterns.Extension.empty() || Matches(names.Extension, patterns.Extension));
 }
 
 void clsScanDrive::DeleteExcludes() {
@@ -77,7 +79,7 @@ void clsScanDrive::DeleteExcludes() {
   if (!settings.FileExclude()) return;
   NeedTransaction();
   std::vector<std::string> entries = settings.List("ExcludeFiles");
-  if (entries.empty()) entries = DefaultExcludes(m_context.Machine, m_context.AppPath);
+  if (entries.empty()) entries = DefaultExcludes(m_context.Machine, m_context.AppPath, settings);
   for (const std::string& entry : entries) {
     if (entry.ends_with('\\')) {
       ExcludeBranch(entry);
@@ -119,34 +121,36 @@ void clsScanDrive::ExcludeBranch(const std::string& entry) {
 
 void clsScanDrive::ExcludeFiles(const std::string& entry) {
   const std::string last = clsPathText::TextAfterLast(entry, "\\");
-  std::int64_t pathId = 0;
-  if (!FindFolder(clsPathText::TextBeforeLast(entry, "\\") + "\\", pathId)) return;
-  for (dao::Recordset* files : {m_files.get(), m_firstFiles.get()}) {
-    if (files == nullptr || (files->Bof() && files->Eof())) continue;
-    if (last == "*.*") {
-      DeleteFilesOf(*files, pathId);
-    } else if (last.find_first_of("?*") != std::string::npos) {
-      DeleteMatches(*files, pathId, last);
-    } else {
-      DeleteFile(*files, pathId, last);
+  for (const std::int64_t pathId : FindFolders(clsPathText::TextBeforeLast(entry, "\\") + "\\")) {
+    for (dao::Recordset* files : {m_files.get(), m_firstFiles.get()}) {
+      if (files == nullptr || (files->Bof() && files->Eof())) continue;
+      if (last == "*.*") {
+        DeleteFilesOf(*files, pathId);
+      } else if (last.find_first_of("?*") != std::string::npos) {
+        DeleteMatches(*files, pathId, last);
+      } else {
+        DeleteFile(*files, pathId, last);
+      }
     }
   }
   m_context.DoEvents();
 }
 
-bool clsScanDrive::FindFolder(std::string_view folder, std::int64_t& pathId) {
+// More than one where the store tells folders apart that differ only in the case of other letters.
+std::vector<std::int64_t> clsScanDrive::FindFolders(std::string_view folder) {
+  std::vector<std::int64_t> found;
   if (IsAscii(folder)) {
     m_paths->Seek("=", {folder});
-    if (m_paths->NoMatch()) return false;
-  } else {
-    if (m_paths->Bof() && m_paths->Eof()) return false;
-    for (m_paths->MoveFirst(); !text::EqualNoCase(m_paths->Get("PathName").Text(), folder);) {
-      m_paths->MoveNext();
-      if (m_paths->Eof()) return false;
+    if (!m_paths->NoMatch()) found.push_back(m_paths->Get("Id").Integer());
+    return found;
+  }
+  if (m_paths->Bof() && m_paths->Eof()) return found;
+  for (m_paths->MoveFirst(); !m_paths->Eof(); m_paths->MoveNext()) {
+    if (text::EqualNoCase(m_paths->Get("PathName").Text(), folder)) {
+      found.push_back(m_paths->Get("Id").Integer());
     }
   }
-  pathId = m_paths->Get("Id").Integer();
-  return true;
+  return found;
 }
 
 void clsScanDrive::DeleteFilesOf(dao::Recordset& files, std::int64_t pathId) {
@@ -166,9 +170,7 @@ void clsScanDrive::DeleteFile(dao::Recordset& files, std::int64_t pathId, std::s
   files.Seek(">=", {pathId, ""});
   if (files.NoMatch()) return;
   for (; !files.Eof() && files.Get("PathId").Integer() == pathId; files.MoveNext()) {
-    if (!text::EqualNoCase(files.Get("FileName").Text(), name)) continue;
-    files.Delete();
-    return;
+    if (text::EqualNoCase(files.Get("FileName").Text(), name)) files.Delete();
   }
 }
 

@@ -10,6 +10,17 @@
 namespace sandrel {
 namespace {
 
+// False when the record's key is there already; the record then still waits.
+bool TryUpdate(dao::Recordset& records) {
+  try {
+    records.Update();
+    return true;
+  } catch (const clsError& error) {
+    if (error.Number() != errnum::DuplicateKey) throw;
+    return false;
+  }
+}
+
 constexpr std::size_t LongestName = 255;  // UTF-16 units of a section's or parameter's field
 
 }  // namespace
@@ -79,13 +90,14 @@ void clsScanDrive::AddEntries(std::int64_t sectionId, const clsIniReader::Lines&
     m_values->Set("Parameter", parameter);
     m_values->Set("Occurance", 0);
     m_values->Set("Value", entry.substr(equals + 1));
-    try {
-      m_values->Update();
-    } catch (const clsError& error) {
-      if (error.Number() != errnum::DuplicateKey) throw;
-      const auto next = repeated.try_emplace(text::FoldAscii(parameter), 1).first;
-      m_values->Set("Occurance", next->second++);
-      m_values->Update();
+    std::int64_t* next = nullptr;
+    while (!TryUpdate(*m_values)) {
+      if (next == nullptr) {
+        std::string key = text::FoldAscii(parameter);
+        text::ReplaceNul(key);
+        next = &repeated.try_emplace(std::move(key), 1).first->second;
+      }
+      m_values->Set("Occurance", (*next)++);
     }
   }
 }

@@ -100,6 +100,9 @@ class clsScanReg {
   /// The registry in which the key now exists.
   clsRegistry& GetHKey(std::uint32_t hive, const std::string& path, const std::string& machine);
 
+  /// Writes what was changed to disk, whatever became of the last change, whose status is given.
+  void Finish(clsRegistry& registry, std::int32_t status);
+
   void NeedTransaction() const;
   void CountKeys(clsRegistry& registry, const std::string& branch, std::uint32_t hive);
   void DoXTree(clsRegistry* registry, const std::string& branch);

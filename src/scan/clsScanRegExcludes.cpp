@@ -50,13 +50,8 @@ std::vector<std::string> clsScanReg::BuiltInExcludes(clsRegistry* registry) {
 
 void clsScanReg::DeleteExcludes(bool KillKey) {
   NeedTransaction();
-  clsRegistry* registry = nullptr;
-  try {
-    registry = &m_context.Machine.Registry();
-  } catch (const clsError&) {
-    // A machine whose registry isn't scanned need not have one that can be read.
-    if (clsScanSettings(m_context.Settings).RegScan()) throw;
-  }
+  clsScanSettings settings(m_context.Settings);
+  clsRegistry* registry = RegistryIfNeeded(m_context.Machine, settings);
   m_keys->SetIndex("PrimaryKey");
   m_values->SetIndex("PrimaryKey");
   for (const std::string& entry : BuiltInExcludes(registry)) DeleteBranch(entry, KillKey);

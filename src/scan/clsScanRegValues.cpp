@@ -157,7 +157,7 @@ void clsScanReg::SetValue(std::uint32_t plHiveKey, const std::string& KeyName,
       case regtype::Sz:
       case regtype::ExpandSz:
       case regtype::MultiSz:
-        data = text::ToUtf16Le(vValue.ToText()) + std::string(2, '\0');
+        data = text::ToUtf16Le(text::WithNul(vValue.ToText())) + std::string(2, '\0');
         break;
       case regtype::Binary:
         // One zero byte more than the data, which readers of such values expect.
@@ -171,10 +171,10 @@ void clsScanReg::SetValue(std::uint32_t plHiveKey, const std::string& KeyName,
         break;
       }
       default:
+        Finish(registry, regstatus::Success);  // the key is made all the same
         return;
     }
-    CheckRegOK(registry.RegSetValueEx(plHiveKey, KeyName, psvValueName, plValueType, data));
-    CheckRegOK(registry.Flush());
+    Finish(registry, registry.RegSetValueEx(plHiveKey, KeyName, psvValueName, plValueType, data));
   });
 }
 
@@ -182,9 +182,19 @@ void clsScanReg::DeleteValue(std::uint32_t plHiveKey, const std::string& psvKey,
                              const std::string& psvValueName, const std::string& psvMachineName) {
   RaiseAs("clsScanReg.DeleteValue", [&] {
     clsRegistry& registry = GetHKey(plHiveKey, psvKey, psvMachineName);
-    CheckRegOK(registry.RegDeleteValue(plHiveKey, psvKey, psvValueName));
-    CheckRegOK(registry.Flush());
+    Finish(registry, registry.RegDeleteValue(plHiveKey, psvKey, psvValueName));
   });
+}
+
+void clsScanReg::Finish(clsRegistry& registry, std::int32_t status) {
+  // What can't be written is forgotten, or it would go along with the next change.
+  const std::int32_t written = registry.Flush();
+  if (written != regstatus::Success) {
+    m_remote.reset();
+    m_context.Machine.CloseRegistry();
+  }
+  CheckRegOK(status);
+  CheckRegOK(written);
 }
 
 bool clsScanReg::CheckRegOK(std::int32_t status) {

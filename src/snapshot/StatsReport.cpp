@@ -67,7 +67,7 @@ void clsReport::Exclusions(clsMachine& machine, const std::string& appPath) {
   Row("    Files / Folders Excluded", m_settings.FileExclude() ? "" : "None");
   if (!m_settings.FileExclude()) return;
   auto entries = m_settings.List("ExcludeFiles");
-  if (entries.empty()) entries = DefaultExcludes(machine, appPath);
+  if (entries.empty()) entries = DefaultExcludes(machine, appPath, m_settings);
   for (const std::string& entry : entries) {
     Item(entry, entry.ends_with('\\') ? "Folder Tree" : "File(s)");
   }

@@ -31,6 +31,19 @@ bool IsSameFile(const std::string& a, const std::string& b) {
          std::filesystem::weakly_canonical(b, failure);
 }
 
+// All of `body` or nothing, so that it can be run again after an error.
+template <class Body>
+void InTransaction(dao::Workspace& workspace, Body&& body) {
+  workspace.BeginTrans();
+  try {
+    body();
+    workspace.CommitTrans();
+  } catch (const clsError&) {
+    if (workspace.InTransaction()) workspace.Rollback();
+    throw;
+  }
+}
+
 struct Lookup {
   std::int64_t Number;
   const char* Name;
@@ -110,6 +123,14 @@ void clsAnalysis::CheckTarget(const std::string& path) const {
                                "another file.",
                                path));
   }
+  std::error_code ignored;
+  const auto kind = std::filesystem::symlink_status(path, ignored).type();
+  if (kind != std::filesystem::file_type::not_found && !clsFileWorks::FileExists(path)) {
+    throw clsError(errnum::PathFileAccess,
+                   fmt::format("Can't write the analysis {}: what stands there is no file. Choose "
+                               "another name.",
+                               path));
+  }
   const std::string folder = std::filesystem::path(path).parent_path().string();
   if (!folder.empty() && !clsFileWorks::FolderExists(folder)) {
     throw clsError(
@@ -151,7 +172,17 @@ bool clsAnalysis::CreateViews(const std::string& ViewPath) {
         std::optional<clsHomeLock> lock;
         run([&] { lock.emplace(m_home); });
         if (!lock) return;
-        if (!ViewPath.empty()) state.AnalysisPath = ViewPath;
+        const std::string target = ViewPath.empty() ? state.AnalysisPath : ViewPath;
+        // What could never work ends the command, whatever the answer.
+        bool usable = false;
+        run([&] {
+          if (m_machine == nullptr)
+            throw clsError(errnum::Machine, "There is no machine to look at.");
+          CheckTarget(target);
+          usable = true;
+        });
+        if (!usable) return;
+        state.AnalysisPath = target;
         state.Scanning = true;
         run([&] { m_shell.UpdateCommandState(); });
         run([&] { m_shell.CommitPendingDeletes(); });
@@ -167,11 +198,11 @@ bool clsAnalysis::CreateViews(const std::string& ViewPath) {
           run([&] { m_shell.SetStatusText("Analysis Created"); });
         } else {
           if (!state.CloseDown) run([&] { m_shell.SetStatusText("Scan Stopped"); });
-          run([&] { clsTableMaint().DeleteDatabase(state.AnalysisPath); });
+          if (m_targetTouched) run([&] { clsTableMaint().DeleteDatabase(state.AnalysisPath); });
           state.AnalysisPath.clear();
         }
         state.Scanning = false;
-        if (m_machine != nullptr) m_machine->CloseRegistry();
+        m_machine->CloseRegistry();
         if (state.CloseDown) {
           run([&] { m_shell.Unload(); });
         } else {
@@ -207,21 +238,19 @@ void clsAnalysis::Create(clsStatements& run) {
     clsTableMaint maint;
     run([&] { source = views->OpenDatabase(m_home.WorkingDatabase()); });
     run([&] {
-      CheckTarget(state.AnalysisPath);
       m_targetTouched = true;
       maint.DeleteDatabase(state.AnalysisPath);
     });
     run([&] { maint.CreateDatabase(state.AnalysisPath); });
     run([&] { target = targets->OpenDatabase(state.AnalysisPath); });
-    FillLookups(run, target);
+    FillLookups(run, *targets, target);
     run([&] { maint.CreateStatsTable(state.AnalysisPath, "tblStats"); });
     run([&] { stats = Need(target).OpenRecordset("tblStats", dao::RecordsetType::Table); });
     CompareAll(run, *targets, source, target, stats);
     if (!state.Scanning) return;
     run([&] {
-      targets->BeginTrans();
-      WriteStatsReport(Need(stats), m_settings, *m_machine, m_home.Path());
-      targets->CommitTrans();
+      InTransaction(*targets,
+                    [&] { WriteStatsReport(Need(stats), m_settings, *m_machine, m_home.Path()); });
     });
   }
   run([&] { m_shell.OpenAnalysis(state.AnalysisPath); });
@@ -230,7 +259,6 @@ void clsAnalysis::Create(clsStatements& run) {
 // Before the comparison and on both snapshots, so that a changed list works on stored data too.
 void clsAnalysis::ApplyExclusions(clsStatements& run) {
   clsLeftOut ignored;
-  run([&] { Need(m_machine); });
   clsScanContext context{*m_machine, m_settings, ignored, m_home.Path(),
                          [this] { m_shell.DoEvents(); }};
   run([&] { m_shell.SetProgress(0); });
@@ -259,17 +287,20 @@ void clsAnalysis::ApplyExclusions(clsStatements& run) {
   run([&] { m_shell.DoEvents(false); });
 }
 
-void clsAnalysis::FillLookups(clsStatements& run, const std::unique_ptr<dao::Database>& target) {
+void clsAnalysis::FillLookups(clsStatements& run, dao::Workspace& targets,
+                              const std::unique_ptr<dao::Database>& target) {
   clsTableMaint maint;
   const std::string& path = m_shell.State.AnalysisPath;
   const auto fill = [&](const char* table, const char* field, std::span<const Lookup> rows) {
     const auto records = Need(target).OpenRecordset(table, dao::RecordsetType::Table);
-    for (const Lookup& row : rows) {
-      records->AddNew();
-      records->Set(field, row.Number);
-      records->Set("Name", row.Name);
-      records->Update();
-    }
+    InTransaction(targets, [&] {
+      for (const Lookup& row : rows) {
+        records->AddNew();
+        records->Set(field, row.Number);
+        records->Set("Name", row.Name);
+        records->Update();
+      }
+    });
   };
   run([&] { maint.CreateHiveLookupTable(path, "tblHives"); });
   run([&] { fill("tblHives", "Hive", Hives); });
@@ -296,16 +327,7 @@ void clsAnalysis::CompareAll(clsStatements& run, dao::Workspace& targets,
     run([&] { difference.Create(maint, path, difference.Table); });
     run([&] { table = Need(target).OpenRecordset(difference.Table, dao::RecordsetType::Table); });
     // One transaction a table, ended before the next table is made through another workspace.
-    run([&] {
-      targets.BeginTrans();
-      try {
-        CopyRecords(Need(rows), Need(table));
-        targets.CommitTrans();
-      } catch (const clsError&) {
-        if (targets.InTransaction()) targets.Rollback();
-        throw;
-      }
-    });
+    run([&] { InTransaction(targets, [&] { CopyRecords(Need(rows), Need(table)); }); });
   }
   Phase("", "");
 }

@@ -54,7 +54,8 @@ class clsAnalysis {
   void Create(clsStatements& run);
   void ApplyExclusions(clsStatements& run);
   // The objects may be missing: a statement that was to make one can have failed and been ignored.
-  void FillLookups(clsStatements& run, const std::unique_ptr<dao::Database>& target);
+  void FillLookups(clsStatements& run, dao::Workspace& targets,
+                   const std::unique_ptr<dao::Database>& target);
   void CompareAll(clsStatements& run, dao::Workspace& targets,
                   const std::unique_ptr<dao::Database>& source,
                   const std::unique_ptr<dao::Database>& target,

@@ -46,8 +46,13 @@ ScanHive clsSnapshots::HiveByIndex(int index, bool remote) {
   return known ? hives[static_cast<std::size_t>(index) - 1] : ScanHive{};
 }
 
-std::string clsSnapshots::SnapshotMachine() {
-  return m_settings.GetSetting(MachineSection, "Folder");
+std::string clsSnapshots::SnapshotMachine(const char* which) {
+  return m_settings.GetSetting(MachineSection, MachineKey(which));
+}
+
+// Each home folder has snapshots of its own.
+std::string clsSnapshots::MachineKey(const char* which) const {
+  return fmt::format("{} {}", which, m_home.Path());
 }
 
 clsScanContext clsSnapshots::Context() {
@@ -71,15 +76,16 @@ bool clsSnapshots::NeedMachine(clsStatements& run) {
 void clsSnapshots::CheckHives() {
   m_machine->CloseRegistry();
   clsScanSettings settings(m_settings);
-  if (settings.RegScan() && settings.RemoteName().empty()) m_machine->Registry();
+  if (settings.ScansLocalRegistry()) m_machine->Registry();
 }
 
 void clsSnapshots::mnuSnapShotBefore_Click() {
   clsStatements run(m_shell, "frmSandrel.mnuSnapShotBefore", WithAccessAdvice);
-  run.Command([&] { Before(run); },
+  std::optional<clsHomeLock> lock;  // also while an aborted command cleans up
+  run.Command([&] { Before(run, lock); },
               [&] {
-                m_driveScan.reset();
-                m_regScan.reset();
+                moDriveScan.reset();
+                moRegScan.reset();
                 if (m_changed) DiscardBefore();
                 m_shell.State.Scanning = false;
               });
@@ -110,13 +116,12 @@ bool clsSnapshots::MayOverwriteBefore() {
   return m_shell.Ask({question, ManagerTitle, Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
 }
 
-void clsSnapshots::Before(clsStatements& run) {
+void clsSnapshots::Before(clsStatements& run, std::optional<clsHomeLock>& lock) {
   AppState& state = m_shell.State;
   m_changed = false;
   run([&] { m_shell.SetProgress(0); });
   run([&] { m_shell.SetStatusText(""); });
   bool goOn = false;
-  std::optional<clsHomeLock> lock;
   if (NeedMachine(run)) {
     run([&] { lock.emplace(m_home); });
     if (lock) run([&] { goOn = MayOverwriteBefore(); });
@@ -127,7 +132,7 @@ void clsSnapshots::Before(clsStatements& run) {
     state.Scanning = true;
     run([&] { m_shell.UpdateCommandState(); });
     run([&] { CheckHives(); });
-    m_leftOut.Clear();
+    ForgetLeftOut();
     m_changed = true;
     clsTableMaint maint;
     run([&] { maint.DeleteDatabase(database); });
@@ -143,7 +148,7 @@ void clsSnapshots::Before(clsStatements& run) {
     ScanRegistry(run, tables);
     // Also after a cancelled scan, whose time then stands for a snapshot that isn't there.
     run([&] { StoreTime("Before"); });
-    run([&] { m_settings.SaveSetting(MachineSection, "Folder", m_machine->Folder()); });
+    run([&] { StoreMachine("Before", m_machine->Folder()); });
     run([&] { ShowLastBeforeSnapshot(); });
     if (!state.CloseDown) run([&] { m_shell.SetProgress(0); });
     if (state.Scanning) {
@@ -165,7 +170,7 @@ void clsSnapshots::Before(clsStatements& run) {
 }
 
 bool clsSnapshots::SameMachine() {
-  const std::string before = SnapshotMachine();
+  const std::string before = SnapshotMachine("Before");
   if (before.empty() || before == m_machine->Folder()) return true;
   return m_shell.Ask(
              {fmt::format("The 'Before' snapshot was taken of the machine in {}. You are about to "
@@ -177,10 +182,11 @@ bool clsSnapshots::SameMachine() {
 bool clsSnapshots::AfterSnapshot() {
   clsStatements run(m_shell, "frmSandrel.AfterSnapshot", WithAccessAdvice);
   bool complete = false;
-  const bool ended = run.Command([&] { complete = After(run); },
+  std::optional<clsHomeLock> lock;
+  const bool ended = run.Command([&] { complete = After(run, lock); },
                                  [&] {
-                                   m_driveScan.reset();
-                                   m_regScan.reset();
+                                   moDriveScan.reset();
+                                   moRegScan.reset();
                                    if (m_changed) DiscardAfter();
                                    m_shell.State.Scanning = false;
                                  });
@@ -195,13 +201,12 @@ void clsSnapshots::DiscardAfter() {
   }
 }
 
-bool clsSnapshots::After(clsStatements& run) {
+bool clsSnapshots::After(clsStatements& run, std::optional<clsHomeLock>& lock) {
   AppState& state = m_shell.State;
   m_changed = false;
   run([&] { m_shell.SetProgress(0); });
   run([&] { m_shell.SetStatusText(""); });
   if (!NeedMachine(run)) return false;
-  std::optional<clsHomeLock> lock;
   run([&] { lock.emplace(m_home); });
   if (!lock) return false;
   bool goOn = true;
@@ -217,7 +222,7 @@ bool clsSnapshots::After(clsStatements& run) {
   state.Scanning = true;
   run([&] { m_shell.UpdateCommandState(); });
   run([&] { CheckHives(); });
-  m_leftOut.Clear();
+  ForgetLeftOut();
   m_changed = true;
   clsTableMaint maint;
   run([&] { maint.CreateTempRegValueTable(database, "tblRegValue2"); });
@@ -227,6 +232,7 @@ bool clsSnapshots::After(clsStatements& run) {
   ScanDisk(run, tables, false);
   ScanRegistry(run, tables);
   run([&] { StoreTime("After"); });
+  run([&] { StoreMachine("After", m_machine->Folder()); });
   if (!state.CloseDown) run([&] { m_shell.SetProgress(0); });
   const bool complete = state.Scanning;
   if (complete) {
@@ -260,42 +266,49 @@ void clsSnapshots::ScanDisk(clsStatements& run, const Tables& tables, bool store
     std::string folder;
     run([&] { folder = m_settings.GetSetting("ScanFolders", fmt::to_string(i)); });
     if (folder.empty() && i == 1 && storeDrive) {
-      folder = m_machine->CurrentDrive();
+      run([&] {
+        folder = m_machine->CurrentDrive();
+        if (folder.empty()) {
+          throw clsError(errnum::Machine, fmt::format("The machine in {} has no drive to scan.",
+                                                      m_machine->Folder()));
+        }
+      });
+      if (folder.empty()) return;
       run([&] { m_settings.SaveSetting("ScanFolders", "1", folder); });
     }
     if (folder.empty()) return;
-    m_driveScan = std::make_unique<clsScanDrive>(context);
-    m_driveScan->PercentComplete = [this](int percent) { m_shell.SetProgress(percent); };
-    m_driveScan->AckCancel = [this] { AcknowledgeCancel(); };
+    moDriveScan = std::make_unique<clsScanDrive>(context);
+    moDriveScan->PercentComplete = [this](int percent) { m_shell.SetProgress(percent); };
+    moDriveScan->AckCancel = [this] { AcknowledgeCancel(); };
     run([&] { m_shell.SetProgress(0); });
     run([&] { m_shell.SetStatusText("Scanning Folder " + folder + "..."); });
     folder = clsPathText::NormaliseFolder(folder);
-    m_driveScan->Database = m_home.WorkingDatabase();
-    m_driveScan->PathTable = "tblPaths";
-    m_driveScan->FileTable = tables.Files;
-    m_driveScan->FirstFileTable = tables.FirstFiles;
-    m_driveScan->IniSectionTable = "tblIniSections";
-    m_driveScan->IniValueTable = tables.IniValues;
-    run([&] { m_driveScan->StartDBTransaction(false); });
-    run([&] { m_driveScan->DoXTreeFiles(clsPathText::AddSeparator(folder)); });
-    run([&] { m_driveScan->CommitDBTransaction(false); });
-    m_driveScan.reset();
+    moDriveScan->Database = m_home.WorkingDatabase();
+    moDriveScan->PathTable = "tblPaths";
+    moDriveScan->FileTable = tables.Files;
+    moDriveScan->FirstFileTable = tables.FirstFiles;
+    moDriveScan->IniSectionTable = "tblIniSections";
+    moDriveScan->IniValueTable = tables.IniValues;
+    run([&] { moDriveScan->StartDBTransaction(false); });
+    run([&] { moDriveScan->DoXTreeFiles(clsPathText::AddSeparator(folder)); });
+    run([&] { moDriveScan->CommitDBTransaction(false); });
+    moDriveScan.reset();
   }
 }
 
 void clsSnapshots::ScanRegistry(clsStatements& run, const Tables& tables) {
   if (!clsScanSettings(m_settings).RegScan() || !m_shell.State.Scanning) return;
   clsScanContext context = Context();
-  m_regScan = std::make_unique<clsScanReg>(context);
-  m_regScan->PercentComplete = [this](int percent) { m_shell.SetProgress(percent); };
-  m_regScan->AckCancel = [this] { AcknowledgeCancel(); };
-  m_regScan->Database = m_home.WorkingDatabase();
-  m_regScan->KeyTable = "tblRegKey";
-  m_regScan->ValueTable = tables.RegValues;
-  run([&] { m_regScan->StartDBTransaction(); });
+  moRegScan = std::make_unique<clsScanReg>(context);
+  moRegScan->PercentComplete = [this](int percent) { m_shell.SetProgress(percent); };
+  moRegScan->AckCancel = [this] { AcknowledgeCancel(); };
+  moRegScan->Database = m_home.WorkingDatabase();
+  moRegScan->KeyTable = "tblRegKey";
+  moRegScan->ValueTable = tables.RegValues;
+  run([&] { moRegScan->StartDBTransaction(); });
   ScanRegistryHives(run);
-  run([&] { m_regScan->CommitDBTransaction(); });
-  m_regScan.reset();
+  run([&] { moRegScan->CommitDBTransaction(); });
+  moRegScan.reset();
 }
 
 void clsSnapshots::ScanRegistryHives(clsStatements& run) {
@@ -305,28 +318,29 @@ void clsSnapshots::ScanRegistryHives(clsStatements& run) {
   run([&] { m_shell.SetProgress(0); });
   run([&] { m_shell.SetStatusText("Scanning Registry..."); });
   const bool remote = !name.empty();
-  if (!remote) {
-    run([&] { WaitForServer(); });
+  run([&] {
+    const auto scanned = remote ? m_machine->Connect(name) : m_machine;
+    if (scanned == nullptr) return;  // told below, by its empty registry
+    WaitForServer(*scanned);
     if (!m_shell.State.Scanning) return;
-    run([&] {
-      for (const std::string& remark : m_machine->Registry().Remarks()) m_shell.Tell(remark);
-    });
-  }
+    for (const std::string& remark : scanned->Registry().Remarks()) m_shell.Tell(remark);
+  });
+  if (!m_shell.State.Scanning) return;
   for (int i = 1;; ++i) {
     const ScanHive hive = HiveByIndex(i, remote);
     if (hive.Name.empty()) return;
     if (settings.IsSelected(hive)) {
       run([&] { m_shell.SetProgress(0); });
       run([&] { m_shell.SetStatusText("Scanning Registry - " + prefix + hive.Name + "..."); });
-      run([&] { m_regScan->SetBranchCount("", hive.Key, name); });
-      if (m_regScan->BranchCount() == 0 && remote) {
+      run([&] { moRegScan->SetBranchCount("", hive.Key, name); });
+      if (moRegScan->BranchCount() == 0 && remote) {
         run([&] {
           m_shell.Ask({"The remote registry on " + name + " cannot be accessed.", "Sandrel",
                        Buttons::Ok, BoxIcon::None});
         });
         return;
       }
-      run([&] { m_regScan->DoXTreeBranch("", hive.Key, name); });
+      run([&] { moRegScan->DoXTreeBranch("", hive.Key, name); });
     }
     if (!m_shell.State.Scanning) return;
   }
@@ -334,22 +348,22 @@ void clsSnapshots::ScanRegistryHives(clsStatements& run) {
 
 // A Wine server that still holds changes in memory is given the time to write them. The hives are
 // read as they are now, not as they were before the files were scanned.
-void clsSnapshots::WaitForServer() {
+void clsSnapshots::WaitForServer(clsMachine& machine) {
   bool timePassed = clsScanSettings(m_settings).DiskScan();
-  const clsServerWait wait(*m_machine);
+  const clsServerWait wait(machine);
   if (wait.IsNeeded()) {
     timePassed = true;
     m_shell.SetStatusText("Waiting for the Wine server to write the registry...");
     const bool waited = wait.Wait([this] {
       m_shell.DoEvents(false);
-      return m_shell.State.Scanning && !m_regScan->IsCancelled();
+      return m_shell.State.Scanning && !moRegScan->IsCancelled();
     });
     if (!waited) {
       AcknowledgeCancel();
       return;
     }
   }
-  if (timePassed) m_machine->CloseRegistry();
+  if (timePassed) machine.CloseRegistry();
 }
 
 bool clsSnapshots::ConfirmCancelScan() {
@@ -358,10 +372,10 @@ bool clsSnapshots::ConfirmCancelScan() {
     return false;
   }
   m_shell.SetStatusText("Stopping scan. Please wait...");
-  if (m_driveScan != nullptr) {
-    m_driveScan->Cancel();
-  } else if (m_regScan != nullptr) {
-    m_regScan->Cancel();
+  if (moDriveScan != nullptr) {
+    moDriveScan->Cancel();
+  } else if (moRegScan != nullptr) {
+    moRegScan->Cancel();
   } else {
     m_shell.State.Scanning = false;
   }
@@ -379,18 +393,30 @@ void clsSnapshots::ScanStopped() {
   if (!m_shell.State.CloseDown) m_shell.SetStatusText("Scan Stopped");
 }
 
+void clsSnapshots::ForgetLeftOut() {
+  m_leftOut.Clear();
+  m_machine->LeftOutCounts().Clear();
+}
+
 void clsSnapshots::TellLeftOut() {
   m_leftOut.Add(m_machine->LeftOutCounts());
   m_machine->LeftOutCounts().Clear();
   clsScanSettings settings(m_settings);
-  if (settings.RegScan() && settings.RemoteName().empty()) {
+  if (settings.ScansLocalRegistry()) {
     m_leftOut.Add(m_machine->Registry().LeftOutCounts());
+  } else if (settings.RegScan()) {
+    const auto remote = m_machine->RegConnectRegistry(settings.RemoteName());
+    if (remote != nullptr) m_leftOut.Add(remote->LeftOutCounts());
   }
   if (const std::string summary = m_leftOut.Summary(); !summary.empty()) m_shell.Tell(summary);
 }
 
 void clsSnapshots::StoreTime(const char* key) {
   m_settings.SaveSetting(TimeSection, key, LocalDateText(std::time(nullptr)));
+}
+
+void clsSnapshots::StoreMachine(const char* which, const std::string& folder) {
+  m_settings.SaveSetting(MachineSection, MachineKey(which), folder);
 }
 
 void clsSnapshots::mnuSnapShotRollUp_Click() {
@@ -408,6 +434,7 @@ void clsSnapshots::mnuSnapShotRollUp_Click() {
   }
   m_shell.UpdateCommandState();
   m_settings.SaveSetting(TimeSection, "Before", m_settings.GetSetting(TimeSection, "After"));
+  StoreMachine("Before", SnapshotMachine("After"));
   ShowLastBeforeSnapshot();
 }
 

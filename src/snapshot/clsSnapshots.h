@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -53,8 +54,9 @@ class clsSnapshots {
   /// Another computer has only two.
   static ScanHive HiveByIndex(int index, bool remote);
 
-  /// "Snapshot Machine" as stored by the last Before snapshot; empty when there is none.
-  std::string SnapshotMachine();
+  /// The folder of the machine that a snapshot of this home, "Before" or "After", was taken of;
+  /// empty when there is none.
+  std::string SnapshotMachine(const char* which);
 
  private:
   struct Tables {
@@ -67,17 +69,20 @@ class clsSnapshots {
   bool NeedMachine(clsStatements& run);
   bool MayOverwriteBefore();
   bool SameMachine();
-  void Before(clsStatements& run);
-  bool After(clsStatements& run);
+  void Before(clsStatements& run, std::optional<clsHomeLock>& lock);
+  bool After(clsStatements& run, std::optional<clsHomeLock>& lock);
   void CheckHives();
   void ScanDisk(clsStatements& run, const Tables& tables, bool storeDrive);
   void ScanRegistry(clsStatements& run, const Tables& tables);
   void ScanRegistryHives(clsStatements& run);
-  void WaitForServer();
+  void WaitForServer(clsMachine& machine);
   void DropAfterTables();
   void DiscardBefore();
   void DiscardAfter();
   void StoreTime(const char* key);
+  void StoreMachine(const char* which, const std::string& folder);
+  std::string MachineKey(const char* which) const;
+  void ForgetLeftOut();
   void ScanStopped();
   void AcknowledgeCancel();
   void TellLeftOut();
@@ -90,8 +95,8 @@ class clsSnapshots {
   clsLeftOut m_leftOut;
   bool m_changed = false;  // the running command has begun to change the working database
   // Set while that scanner runs.
-  std::unique_ptr<clsScanDrive> m_driveScan;
-  std::unique_ptr<clsScanReg> m_regScan;
+  std::unique_ptr<clsScanDrive> moDriveScan;
+  std::unique_ptr<clsScanReg> moRegScan;
 };
 
 }  // namespace sandrel

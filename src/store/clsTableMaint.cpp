@@ -1,5 +1,7 @@
 #include "store/clsTableMaint.h"
 
+#include <fmt/format.h>
+
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
 #include "platform/dao/Workspace.h"
@@ -40,8 +42,9 @@ bool HasTable(const dao::Database& database, const char* name) {
   try {
     database.OpenRecordset(name, dao::RecordsetType::Table);
     return true;
-  } catch (const clsError&) {
-    return false;
+  } catch (const clsError& error) {
+    // A table that can't be looked at because another program writes is there all the same.
+    return error.Number() == errnum::RecordLocked;
   }
 }
 
@@ -60,6 +63,13 @@ void clsTableMaint::CreateDatabase(const std::string& database) {
 void clsTableMaint::DeleteDatabase(const std::string& database) {
   RaiseAs("clsTableMaint.DeleteDatabase", [&] {
     if (!clsFileWorks::FileExists(database)) return;
+    if (dao::DBEngine::IsLocked(database)) {
+      throw clsError(
+          errnum::RecordLocked,
+          fmt::format("Can't delete {}; another program is writing it. Close that program or "
+                      "wait for it, and try again.",
+                      database));
+    }
     clsFileWorks::DeleteFile(database);
     // A killed run's journal must not be taken for one of the next file of this name.
     clsFileWorks::DeleteFile(database + "-journal");

@@ -15,7 +15,8 @@ class clsTableMaint {
  public:
   /// Makes the file; one that exists stays as it is, without an error.
   void CreateDatabase(const std::string& database);
-  /// Deletes the file; one that doesn't exist is no error.
+  /// Deletes the file; one that doesn't exist is no error. Raises 3218 when another program is
+  /// writing it; the file then stays.
   void DeleteDatabase(const std::string& database);
 
   void CreateTempPathTable(const std::string& database, const std::string& table);
@@ -40,7 +41,8 @@ class clsTableMaint {
 enum class SnapshotLevel : int { None = 0, Before = 1, BeforeAndAfter = 2 };
 
 /// Told by the tables of registry values, which are made before any scanning. Never raises: a file
-/// that can't be opened or is no database holds no snapshot.
+/// that can't be opened or is no database holds no snapshot; one that another program is writing
+/// holds both.
 SnapshotLevel ReadSnapshotLevel(const std::string& workingDatabase);
 
 }  // namespace sandrel

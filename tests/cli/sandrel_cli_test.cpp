@@ -127,6 +127,7 @@ TEST_F(SandrelCli, TellsWhatIsWrongInOneLine) {
   ExpectFailure({"list", m_temp.Of("junk.mdb")}, 2, "is an invalid or corrupt Sandrel Database.");
   ExpectFailure({"list", m_temp.Of("none.mdb")}, 2, "none.mdb");
   ExpectFailure({"list", m_temp.Path()}, 2, "it is a folder");
+  ExpectFailure({"list", "/dev/null"}, 2, "no regular file");
   ExpectFailure({"list", File(), "ShowNothing"}, 2, "Pages: ShowNewRegistry, ");
   ExpectFailure({"nonsense"}, 2, "--help");
   ExpectFailure({}, 2, "--help");
@@ -184,6 +185,7 @@ class SandrelCliStopped : public SandrelCli {
 TEST_F(SandrelCliStopped, AnInterruptCancelsCleanly) {
   const Result before = Interrupt(Start({"before"}), SIGINT, "tblFiles");
   EXPECT_EQ(before.Status, 1) << before.Err;
+  EXPECT_EQ(before.Err, "sandrel-cli: Scan Stopped\n");
   EXPECT_FALSE(clsFileWorks::FileExists(Working()));
   ASSERT_EQ(Run({"before"}).Status, 0);
   std::ofstream(File()) << "older";

@@ -88,7 +88,8 @@ TEST(clsFileWorks, ReadsRegularFilesOnly) {
             errnum::PathFileAccess);
   // A file that tells no size is read to its end.
   EXPECT_THAT(clsFileWorks::ReadWhole("/proc/self/status"), HasSubstr("Name:"));
-  EXPECT_TRUE(clsFileWorks::FileExists(folder.Of("fifo")));
+  EXPECT_TRUE(clsFileWorks::FileExists(folder.Of("file")));
+  EXPECT_FALSE(clsFileWorks::FileExists(folder.Of("fifo")));
   EXPECT_FALSE(clsFileWorks::FileExists(folder.Path()));
   EXPECT_TRUE(clsFileWorks::FolderExists(folder.Path()));
   EXPECT_FALSE(clsFileWorks::FolderExists(folder.Of("file")));

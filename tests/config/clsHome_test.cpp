@@ -93,10 +93,12 @@ TEST(clsScanSettings, ReadsSwitchesListsAndHives) {
 TEST(DefaultExcludes, AreThoseOfTheMachine) {
   test::SampleMachine sample;
   const auto machine = clsMachine::Open(sample.Folder());
-  EXPECT_EQ(DefaultExcludes(*machine, "/nowhere/mapped"),
+  clsSettings store(sample.Folder() + "/settings.ini");
+  clsScanSettings settings(store);
+  EXPECT_EQ(DefaultExcludes(*machine, "/nowhere/mapped", settings),
             (std::vector<std::string>{"C:\\users\\tester\\Temp\\"}));
   sample.WriteFile("C:\\windows\\win386.swp", "");
-  EXPECT_EQ(DefaultExcludes(*machine, sample.HostPath("C:\\tools")),
+  EXPECT_EQ(DefaultExcludes(*machine, sample.HostPath("C:\\tools"), settings),
             (std::vector<std::string>{"C:\\tools\\", "C:\\users\\tester\\Temp\\",
                                       "C:\\windows\\WIN386.SWP"}));
 }

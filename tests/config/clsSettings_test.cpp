@@ -36,13 +36,15 @@ TEST_F(clsSettingsTest, KeepsTextsOfEveryKind) {
     m_settings.SaveSetting("S [1]", "k=" + std::to_string(i), texts[i]);
   m_settings.SaveSetting("other", "[k]", "v");
   m_settings.SaveSetting("other", ";k", "w");
+  for (const char* text : {"1", "2"}) m_settings.SaveSetting("other", " k ", text);
   clsSettings again(m_path);
   for (std::size_t i = 0; i < texts.size(); ++i) {
     EXPECT_EQ(again.GetSetting("s [1]", "K=" + std::to_string(i), "none"), texts[i]) << i;
   }
   EXPECT_EQ(again.GetSetting("Other", "[K]"), "v");
   EXPECT_EQ(again.GetSetting("Other", ";K"), "w");
-  EXPECT_EQ(again.Keys("other"), (std::vector<std::string>{"[k]", ";k"}));
+  EXPECT_EQ(again.GetSetting("Other", " K "), "2");
+  EXPECT_EQ(again.Keys("other"), (std::vector<std::string>{"[k]", ";k", " k "}));
   EXPECT_EQ(again.Sections(), (std::vector<std::string>{"S [1]", "other"}));
 }
 
@@ -54,6 +56,19 @@ TEST_F(clsSettingsTest, ReadsWhatAPersonWroteAndKeepsTheirLines) {
   m_settings.SaveSetting("Enabled", "DiskScan", "1");
   EXPECT_EQ(Content(),
             "# mine\n\n[Enabled]\n ; note\nDiskScan=1\nnonsense\n\n[ScanFolders]\n1=C:\\\n");
+}
+
+TEST_F(clsSettingsTest, AByteOrderMarkAndARelativePathDoNoHarm) {
+  std::filesystem::create_directories(m_temp.Of("deep"));
+  std::ofstream(m_path) << "\xEF\xBB\xBF[Enabled]\nDiskScan=0\n\"q\" = v\n";
+  EXPECT_EQ(m_settings.GetSetting("Enabled", "DiskScan", "1"), "0");
+  EXPECT_EQ(m_settings.GetSetting("Enabled", "q"), "v");
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(m_temp.Path());
+  clsSettings bare("s.ini");
+  std::filesystem::current_path(before);
+  bare.SaveSetting("a", "b", "c");
+  EXPECT_TRUE(clsFileWorks::FileExists(m_temp.Of("s.ini")));
 }
 
 TEST_F(clsSettingsTest, DeletesKeysAndSections) {

@@ -123,6 +123,33 @@ TEST_F(clsScanDriveTest, AFileThatVanishesMeanwhileKeepsItsRow) {
   EXPECT_EQ(m_leftOut.Of(LeftOut::UnreadableIni), 1U);
 }
 
+// Opening the store's file past the engine and closing it again would drop the engine's locks on
+// it.
+TEST_F(clsScanDriveTest, DoesNotOpenItsOwnDatabase) {
+  m_settings.SaveSetting("Enabled", "VersionInfo", "1");
+  m_sample.WriteFile("C:\\A\\other.ini", "[s]\nk=1\n");
+  std::filesystem::create_hard_link(m_path, m_sample.HostPath("C:\\A\\Own.ini"));
+  bool free = false;
+  m_events = [&] { free = free || test::IsFree(m_path); };
+  Walk("C:\\A");
+  EXPECT_FALSE(free);
+  EXPECT_EQ(Rows(m_path, "SELECT FileName, Version FROM tblFiles ORDER BY Id"),
+            (std::vector<std::string>{"Own.ini|", "other.ini|"}));
+  EXPECT_EQ(Cell(m_path, "SELECT count(*) FROM tblIniValues"), "1");
+}
+
+TEST_F(clsScanDriveTest, AFolderThatVanishesBeforeItsTurnIsNoFault) {
+  m_sample.WriteFile("C:\\A\\1\\f.txt", "");
+  m_sample.WriteFile("C:\\A\\2\\f.txt", "");
+  int events = 0;
+  m_events = [&] {
+    if (++events == 3) m_sample.Remove("C:\\A\\2");
+  };
+  Walk("C:\\A");
+  EXPECT_EQ(Files(), (std::vector<std::string>{"C:\\A\\", "C:\\A\\1\\f.txt"}));
+  EXPECT_EQ(m_leftOut.Of(LeftOut::VanishedFolder), 1U);
+}
+
 TEST_F(clsScanDriveTest, IniEntriesCountTheirOccurrences) {
   m_sample.WriteFile("C:\\A\\X.Ini",
                      "none=0\n[Fonts]\ndevice=a\nDEVICE=b=c\n=v\nplain\nempty=\n; "
@@ -283,6 +310,8 @@ TEST(MatchFileName, IsThePrograms) {
       {"\u00C4a", "\u00E4?", true},
       {"a", "??", false},
       {"a.b", "a. b ", true},
+      {"a\U0001F600", "a??", true},
+      {"a\U0001F600", "a?", false},
   };
   for (const auto& c : cases)
     EXPECT_EQ(clsScanDrive::MatchFileName(c.Name, c.Pattern), c.Matches)

@@ -124,6 +124,15 @@ TEST_F(clsScanRegTest, WalksKeysInOrderAndKeepsTheirIds) {
             "1");
 }
 
+// A name with a zero in it, by which programs hide keys, is one key in both snapshots.
+TEST_F(clsScanRegTest, HiddenNamesAreKeysLikeOthers) {
+  SetSystem("[Software\\\\ev\\0il] 1\n\"a\\0b\"=\"1\"\n\n");
+  Walk(hkey::LocalMachine);
+  Walk(hkey::LocalMachine, true);
+  EXPECT_EQ(Values("Software\\ev\u2400il", "tblRegValue2"), std::vector<std::string>{"a\u2400"
+                                                                                     "b|1|1"});
+}
+
 TEST_F(clsScanRegTest, CountsAndReportsExactly) {
   std::string keys;
   for (int i = 0; i < 4; ++i) keys += "[Software\\\\P\\\\k" + std::to_string(i) + "] 1\n\n";

@@ -140,6 +140,46 @@ TEST_F(clsAnalysisTest, ReplacedSnapshotsCompareAsWellAsTheFirst) {
   EXPECT_TRUE(IsWhole(Working()));
 }
 
+// A file whose row was excluded after an earlier comparison leaves INI sections behind; a new file
+// must not come by them.
+TEST_F(clsAnalysisTest, ANewFileDoesNotTakeAnExcludedFilesSections) {
+  m_sample.WriteFile("C:\\zz\\x.ini", "[s]\nk=1\n");
+  m_settings.SaveSetting("ExcludeFiles", "1", "C:\\zz\\");
+  Before();
+  After();
+  m_sample.WriteFile("C:\\aa\\new.ini", "[s]\nk=1\n");
+  After();
+  EXPECT_EQ(Analysis("SELECT FileName, Parameter FROM tblNewIniEnteries WHERE FileName NOT NULL"),
+            Lines{"new.ini|k"});
+}
+
+// Files can be compared on a machine whose registry isn't there, as long as it isn't scanned.
+TEST_F(clsAnalysisTest, AnUnreadableRegistryMattersOnlyWhereItIsScanned) {
+  std::filesystem::remove(m_sample.Folder() + "/system.reg");
+  m_settings.SaveSetting("Enabled", "RegScan", "0");
+  Before();
+  m_sample.WriteFile("C:\\new.txt", "");
+  After();
+  EXPECT_EQ(Analysis("SELECT FileName FROM tblNewFiles"), Lines{"new.txt"});
+
+  // The same with a remote registry; one that can't be read is an error there, never an empty one.
+  const test::SampleMachine far;
+  std::filesystem::create_directory(m_temp.Of("net"));
+  std::filesystem::create_directory_symlink(far.Folder(), m_temp.Of("net/far"));
+  setenv("SANDREL_NETWORK", m_temp.Of("net").c_str(), 1);
+  m_settings.SaveSetting("Enabled", "RegScan", "1");
+  m_settings.SaveSetting("Enabled", "RemoteRegistry", "1");
+  m_settings.SaveSetting("RegScan", "RemoteName", "far");
+  Before();
+  After();
+  EXPECT_EQ(m_shell.Last(), "status: Analysis Created");
+  std::ofstream(far.Folder() + "/user.reg") << "no registry";
+  After();
+  unsetenv("SANDREL_NETWORK");
+  EXPECT_TRUE(m_shell.Has("user.reg"));
+  EXPECT_EQ(m_shell.Last(), "unload");
+}
+
 TEST_F(clsAnalysisTest, ReportsTheSettingsInForce) {
   m_settings.SaveSetting("ScanFolders", "1", "C:\\windows");
   m_settings.SaveSetting("RegScan", "HKEY_USERS", "False");
@@ -231,6 +271,19 @@ TEST_F(clsAnalysisTest, BadTargetsAreToldBeforeTheScan) {
   After();
   EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
   EXPECT_EQ(clsFileWorks::ReadWhole(m_analysisPath), "older");
+}
+
+// A refused target or a missing machine ends the command whatever the user answers.
+TEST_F(clsAnalysisTest, WhatCanNeverWorkIsNotGoneOnWith) {
+  Before();
+  After();
+  m_shell.Errors = {Answer::Ignore, Answer::Ignore};
+  m_shell.OnEvents = [&] { m_shell.State.Scanning = false; };  // a cancel besides
+  EXPECT_FALSE(m_analysis.CreateViews(Working()));
+  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::BeforeAndAfter);
+  clsAnalysis none(m_shell, m_settings, m_home, nullptr);
+  EXPECT_FALSE(none.CreateViews(m_analysisPath));
+  EXPECT_TRUE(m_shell.Has("There is no machine to look at."));
 }
 
 TEST_F(clsAnalysisTest, TheCommandAsksForTheFile) {

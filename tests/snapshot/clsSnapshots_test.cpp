@@ -180,10 +180,17 @@ TEST_F(clsSnapshotsTest, WhatIsMissingIsToldBeforeAnythingIsChanged) {
 
 TEST_F(clsSnapshotsTest, AsksWhenTheMachineIsAnother) {
   Before();
-  m_settings.SaveSetting("Snapshot Machine", "Folder", "/other/prefix");
+  m_settings.SaveSetting("Snapshot Machine", "Before " + m_home.Path(), "/other/prefix");
   m_shell.Questions = {Answer::No};
   EXPECT_FALSE(m_snapshots.AfterSnapshot());
   EXPECT_TRUE(m_shell.Has("ask: The 'Before' snapshot was taken of the machine in /other/prefix."));
+  EXPECT_TRUE(m_snapshots.AfterSnapshot());
+  m_snapshots.mnuSnapShotRollUp_Click();
+  EXPECT_EQ(m_snapshots.SnapshotMachine("Before"), m_machine->Folder());
+  m_shell.Log.clear();
+  EXPECT_TRUE(m_snapshots.AfterSnapshot());
+  EXPECT_FALSE(m_shell.Has("ask: The 'Before' snapshot was taken"));
+  m_snapshots.mnuSnapShotRollUp_Click();
   EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
 }
 

@@ -39,6 +39,16 @@ inline std::string Cell(const std::string& path, const std::string& sql) {
   return rows.empty() ? "no row" : rows.front();
 }
 
+/// True when another program could write the file now.
+inline bool IsFree(const std::string& path) {
+  sqlite3* database = nullptr;
+  const bool free =
+      sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK &&
+      sqlite3_exec(database, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr) == SQLITE_OK;
+  sqlite3_close(database);
+  return free;
+}
+
 inline bool IsWhole(const std::string& path) {
   return Cell(path, "PRAGMA integrity_check") == "ok";
 }

@@ -1,6 +1,7 @@
 #include "platform/dao/Connection.h"
 
 #include <fmt/format.h>
+#include <sys/stat.h>
 
 #include <utility>
 
@@ -43,8 +44,9 @@ std::string QuoteText(std::string_view text) {
 
 Connection::Connection(const std::string& path) : m_path(path) {
   Configure();
-  // The file: prefix is not interpreted, so that a path never becomes an option.
-  const int code = sqlite3_open_v2(path.c_str(), &m_handle,
+  // A relative name that begins with "file:" must not be taken for a URI with options.
+  const std::string name = path.starts_with("file:") ? "./" + path : path;
+  const int code = sqlite3_open_v2(name.c_str(), &m_handle,
                                    SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
   if (code != SQLITE_OK) {
     const std::string reason = m_handle != nullptr ? sqlite3_errmsg(m_handle) : "out of memory";
@@ -60,10 +62,24 @@ Connection::Connection(const std::string& path) : m_path(path) {
   sqlite3_db_config(m_handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   // These touch no page of the file, so that a file that is no database still opens.
   sqlite3_exec(m_handle, Settings, nullptr, nullptr, nullptr);
+  struct stat status {};
+  if (stat(path.c_str(), &status) == 0) m_file = {status.st_dev, status.st_ino};
+  ++OpenFiles()[m_file];
 }
 
 Connection::~Connection() {
   sqlite3_close_v2(m_handle);
+  const auto open = OpenFiles().find(m_file);
+  if (--open->second == 0) OpenFiles().erase(open);
+}
+
+std::map<Connection::FileKey, int>& Connection::OpenFiles() {
+  static std::map<FileKey, int> files;  // by device and inode, with the number of connections
+  return files;
+}
+
+bool Connection::IsOpen(std::uint64_t device, std::uint64_t inode) {
+  return OpenFiles().contains({device, inode});
 }
 
 void Connection::Run(const std::string& sql) {
@@ -132,7 +148,9 @@ clsError Connection::ErrorOf(int code, std::string_view about) {
 }
 
 void Connection::Begin() {
-  Run("BEGIN");
+  // Takes the write lock at once, with patience: a lock that grows in the middle of a transaction
+  // can't wait for another program.
+  Run(sqlite3_db_readonly(m_handle, "main") == 1 ? "BEGIN" : "BEGIN IMMEDIATE");
   m_inTransaction = true;
 }
 

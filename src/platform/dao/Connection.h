@@ -4,9 +4,12 @@
 
 #include <sqlite3.h>
 
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "common/clsError.h"
 #include "platform/dao/Value.h"
@@ -37,7 +40,13 @@ class Connection {
   void Rollback();
   bool InTransaction() const { return m_inTransaction; }
 
+  static bool IsOpen(std::uint64_t device, std::uint64_t inode);
+
  private:
+  using FileKey = std::pair<std::uint64_t, std::uint64_t>;  // device and inode
+  static std::map<FileKey, int>& OpenFiles();
+
+  FileKey m_file;
   std::string m_path;
   sqlite3* m_handle = nullptr;
   bool m_inTransaction = false;

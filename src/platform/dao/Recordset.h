@@ -66,7 +66,8 @@ class Recordset {
   /// Begins the change of the current record.
   virtual void Edit();
   /// Writes the record. Raises 3022 for a key that is there already, 3314 for a missing value, 3315
-  /// for an empty text; the record then still waits for `Update` or `CancelUpdate`.
+  /// for an empty text; the record then still waits for `Update` or `CancelUpdate`. A move or a
+  /// search gives it up.
   virtual void Update();
   virtual void CancelUpdate();
   /// Deletes the current record; the next move goes on from its place.

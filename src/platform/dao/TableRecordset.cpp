@@ -161,6 +161,7 @@ void TableRecordset::Move(Statement& statement, const char* form) {
 }
 
 void TableRecordset::Take(Statement& statement) {
+  m_mode = Pending::None;  // a record that waits for its Update is given up
   if (statement.Step()) {
     const int first = m_identity.empty() ? 1 : 0;
     if (first == 1) m_rowId = statement.ColumnInteger(0);

@@ -17,7 +17,7 @@ class Value {
   Value(std::int64_t number) : m_kind(Kind::Integer), m_integer(number) {}  // NOLINT
   Value(int number) : Value(std::int64_t{number}) {}                        // NOLINT
   Value(double number) : m_kind(Kind::Real), m_real(number) {}              // NOLINT
-  Value(std::string_view text) : m_kind(Kind::Text), m_text(text) {}        // NOLINT
+  Value(std::string_view text) { SetText(text); }                           // NOLINT
   Value(const std::string& text) : Value(std::string_view(text)) {}         // NOLINT
   Value(const char* text) : Value(std::string_view(text)) {}                // NOLINT
 
@@ -37,7 +37,8 @@ class Value {
   void SetNull() { m_kind = Kind::Null; }
   void SetInteger(std::int64_t number);
   void SetReal(double number);
-  /// A NUL in the text, which would end a comparison in the store, becomes U+2400.
+  /// A text by its constructor too: a NUL in the text, which would end a comparison in the store,
+  /// becomes U+2400.
   void SetText(std::string_view text);
 
  private:

@@ -82,6 +82,10 @@ std::unique_ptr<Database> Workspace::OpenDatabase(const std::string& path) {
     throw clsError(errnum::CannotOpen,
                    fmt::format("Couldn't open '{}': it is a folder. Choose a file.", path));
   }
+  if (!S_ISREG(status.st_mode)) {
+    throw clsError(errnum::CannotOpen,
+                   fmt::format("Couldn't open '{}': it is no regular file.", path));
+  }
   const FileKey key{status.st_dev, status.st_ino};
   std::shared_ptr<Connection> connection = m_connections[key].lock();
   if (connection == nullptr) {
@@ -137,6 +141,22 @@ void Workspace::Rollback() {
   m_inTransactionConnections.clear();
   m_inTransaction = false;
   for (const auto& connection : connections) connection->Rollback();
+}
+
+bool DBEngine::IsOpen(std::uint64_t device, std::uint64_t inode) {
+  return Connection::IsOpen(device, inode);
+}
+
+bool DBEngine::IsLocked(const std::string& path) {
+  try {
+    Workspace own("Lock");
+    const auto database = own.OpenDatabase(path);
+    own.BeginTrans();
+    own.Rollback();
+    return false;
+  } catch (const clsError& error) {
+    return error.Number() == errnum::RecordLocked;
+  }
 }
 
 Workspace& DBEngine::FirstWorkspace() {

@@ -84,6 +84,12 @@ class DBEngine {
   /// The first workspace, which always exists.
   static Workspace& FirstWorkspace();
   static std::shared_ptr<Workspace> CreateWorkspace(std::string name);
+
+  /// True while this process has the database file open, in any workspace. Such a file must not be
+  /// opened past the engine: closing it again would drop the engine's locks.
+  static bool IsOpen(std::uint64_t device, std::uint64_t inode);
+  /// True when another program is about to write the file.
+  static bool IsLocked(const std::string& path);
 };
 
 }  // namespace sandrel::dao

@@ -13,6 +13,8 @@ namespace sandrel {
 FileDetails DetailsOf(const struct stat& status, int attributes) {
   FileDetails details;
   details.LastWritten = status.st_mtim.tv_sec;
+  details.Device = status.st_dev;
+  details.Inode = status.st_ino;
   details.Length = S_ISDIR(status.st_mode) ? 0 : static_cast<std::uint64_t>(status.st_size);
   details.Attributes = attributes;
   return details;
@@ -50,8 +52,8 @@ bool clsDirSearch::IsGiven(clsFolderListing::Entry& entry) {
   const bool known = entry.Attributes != clsFolderListing::NotAsked;
   if (!entry.Folder && (refused == 0 || known)) return (entry.Attributes & refused) == 0;
   struct stat status {};
-  // Who asks for details of an item that vanished meanwhile hears of it then.
-  if (m_listing->Status(entry, status) != 0) return true;
+  // A folder that can't be looked at is not given; who asks for details of such a file hears of it.
+  if (m_listing->Status(entry, status) != 0) return !entry.Folder;
   if (entry.Folder && status.st_dev != m_listing->Device()) {
     m_listing->HostPath(entry, m_path);
     if (IsKernelFolder(m_path, status.st_dev)) {

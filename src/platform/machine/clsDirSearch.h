@@ -34,6 +34,8 @@ struct FileDetails {
   std::time_t LastWritten = 0;  ///< UTC seconds
   std::uint64_t Length = 0;     ///< bytes; 0 for a folder
   int Attributes = 0;           ///< bits of fileattr and others as stored, below 32768
+  std::uint64_t Device = 0;  ///< the host's device and inode, which name the file whatever its path
+  std::uint64_t Inode = 0;
 };
 
 /// What all searches of one machine share.

@@ -69,7 +69,7 @@ struct clsMachine::State {
   // Of the search for files that was started last, for the search for folders that follows it.
   std::shared_ptr<clsFolderListing> LastFiles;
   std::shared_ptr<clsRegistry> Registry;
-  std::map<std::string, std::shared_ptr<clsRegistry>> Remotes;  // by folded name
+  std::map<std::string, std::shared_ptr<clsMachine>> Remotes;  // by folded name
 
   std::shared_ptr<clsFolderListing> Listing(std::string_view folder, bool folders);
   clsEnvironment Environment(clsRegistry& registry) { return {registry, Paths}; }
@@ -200,22 +200,27 @@ void clsMachine::CloseRegistry() {
   m_state->Remotes.clear();
 }
 
-std::shared_ptr<clsRegistry> clsMachine::RegConnectRegistry(std::string_view name) {
+std::shared_ptr<clsMachine> clsMachine::Connect(std::string_view name) {
   const std::string bare = clsPathText::BareMachineName(name);
   const std::string network = HostVariable("SANDREL_NETWORK");
   if (bare.empty() || network.empty()) return nullptr;
-  std::shared_ptr<clsRegistry>& remote = m_state->Remotes[text::Fold(bare)];
+  std::shared_ptr<clsMachine>& remote = m_state->Remotes[text::Fold(bare)];
   if (remote) return remote;
   const std::string folder = FindFolder(network, {bare});
   if (folder.empty()) return nullptr;
   try {
-    const std::shared_ptr<clsMachine> machine = Open(folder);
-    machine->Registry();
-    remote = machine->m_state->Registry;
-  } catch (const clsError&) {
-    // A computer whose hives can't be read is one that can't be reached.
+    remote = Open(folder);
+  } catch (const clsError& error) {
+    // A folder that holds no machine is a computer that isn't there.
+    if (error.Number() != errnum::Machine) throw;
   }
   return remote;
+}
+
+std::shared_ptr<clsRegistry> clsMachine::RegConnectRegistry(std::string_view name) {
+  const std::shared_ptr<clsMachine> remote = Connect(name);
+  if (remote == nullptr) return nullptr;
+  return {remote, &remote->Registry()};  // keeps the machine as long as its registry is used
 }
 
 clsLeftOut& clsMachine::LeftOutCounts() {

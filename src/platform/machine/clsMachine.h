@@ -73,8 +73,12 @@ class clsMachine {
   /// hives anew.
   void CloseRegistry();
 
+  /// The computer `name` (with or without leading backslashes): the machine folder of that name in
+  /// $SANDREL_NETWORK. Null when it isn't there.
+  std::shared_ptr<clsMachine> Connect(std::string_view name);
   /// The registry of the computer `name` (with or without leading backslashes): the machine folder
-  /// of that name in $SANDREL_NETWORK. Null when it can't be reached.
+  /// of that name in $SANDREL_NETWORK. Null when it isn't there; raises errnum::Hive when one of
+  /// its hives can't be read.
   std::shared_ptr<clsRegistry> RegConnectRegistry(std::string_view name);
 
   /// What directory searches left out so far; cleared by the reader.

@@ -95,8 +95,10 @@ clsPathMap::clsPathMap(std::string devices, std::vector<Drive> drives)
 
 clsPathMap clsPathMap::OfPrefix(const std::string& folder) {
   const std::string devices = clsFileWorks::Join(folder, "dosdevices");
-  if (clsFileWorks::FolderExists(devices)) return clsPathMap(devices, {});
-  return OfVolume(clsFileWorks::Join(folder, "drive_c"));
+  clsPathMap map = OfVolume(clsFileWorks::Join(folder, "drive_c"));
+  if (clsFileWorks::FolderExists(devices)) map.m_devices = devices;
+  map.m_systemDrive = map.m_drives.front();
+  return map;
 }
 
 clsPathMap clsPathMap::OfVolume(const std::string& folder) {
@@ -114,6 +116,11 @@ void clsPathMap::ReadDrives() {
     if (letter == 0 || letter == name[0] || !clsFileWorks::FolderExists(link)) return;
     m_drives.push_back({letter, RealPath(link)});
   });
+  // A prefix that was copied without its links still has its C:.
+  if (m_systemDrive && std::none_of(m_drives.begin(), m_drives.end(),
+                                    [](const Drive& drive) { return drive.Letter == 'C'; })) {
+    m_drives.push_back(*m_systemDrive);
+  }
   std::sort(m_drives.begin(), m_drives.end(),
             [](const Drive& a, const Drive& b) { return a.Letter < b.Letter; });
 }

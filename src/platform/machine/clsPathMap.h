@@ -55,6 +55,7 @@ class clsPathMap {
 
   std::string m_devices;  // the dosdevices folder; empty for a fixed drive
   FolderStamp m_devicesStamp;
+  std::optional<Drive> m_systemDrive;              // C: where dosdevices names none
   std::vector<Drive> m_drives;                     // by letter
   std::unordered_map<std::string, Found> m_found;  // by folder, "/" and the name asked for
 };

@@ -6,13 +6,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
+#include <vector>
 
 #include "common/clsError.h"
 
 namespace sandrel {
 namespace {
+
+constexpr std::size_t BlockSize = 256 << 10;
 
 [[noreturn]] void Fail(const std::string& path, const std::string& reason) {
   throw clsError(errnum::PathFileAccess, fmt::format("Can't read {}: {}", path, reason));
@@ -37,6 +41,24 @@ class clsOpenFile {
   int m_file;
 };
 
+// Block by block, which costs less than reading into the mapped copy: that faults at every page.
+void CopyContent(int from, int to, std::size_t size, const std::string& path) {
+  std::vector<char> block(BlockSize);
+  while (size > 0) {
+    const ssize_t got = read(from, block.data(), std::min(size, block.size()));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) FailErrno(path);
+    if (got == 0) Fail(path, "it became shorter while it was read");
+    for (ssize_t done = 0; done < got;) {
+      const ssize_t written = write(to, block.data() + done, static_cast<std::size_t>(got - done));
+      if (written < 0 && errno == EINTR) continue;
+      if (written < 0) FailErrno(path);
+      done += written;
+    }
+    size -= static_cast<std::size_t>(got);
+  }
+}
+
 }  // namespace
 
 clsMappedFile::clsMappedFile(const std::string& path) {
@@ -48,19 +70,12 @@ clsMappedFile::clsMappedFile(const std::string& path) {
   if (size == 0) return;
   try {
     m_copy = memfd_create("hive", MFD_CLOEXEC);
-    if (m_copy < 0 || ftruncate(m_copy, status.st_size) != 0) FailErrno(path);
-    void* mapped = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, m_copy, 0);
+    if (m_copy < 0) FailErrno(path);
+    CopyContent(file.Get(), m_copy, size, path);
+    void* mapped = mmap(nullptr, size, PROT_READ, MAP_SHARED, m_copy, 0);
     if (mapped == MAP_FAILED) FailErrno(path);
-    m_bytes = static_cast<char*>(mapped);
+    m_bytes = static_cast<const char*>(mapped);
     m_size = size;
-    for (std::size_t done = 0; done < size;) {
-      const ssize_t got = read(file.Get(), m_bytes + done, size - done);
-      if (got < 0 && errno == EINTR) continue;
-      if (got < 0) FailErrno(path);
-      if (got == 0) Fail(path, "it became shorter while it was read");
-      done += static_cast<std::size_t>(got);
-    }
-    if (mprotect(m_bytes, size, PROT_READ) != 0) FailErrno(path);
   } catch (...) {
     Close();
     throw;
@@ -72,7 +87,7 @@ clsMappedFile::~clsMappedFile() {
 }
 
 void clsMappedFile::Close() {
-  if (m_bytes != nullptr) munmap(m_bytes, m_size);
+  if (m_bytes != nullptr) munmap(const_cast<char*>(m_bytes), m_size);
   if (m_copy >= 0) close(m_copy);
 }
 

@@ -27,7 +27,7 @@ class clsMappedFile {
   void Close();
 
   int m_copy = -1;
-  char* m_bytes = nullptr;
+  const char* m_bytes = nullptr;
   std::size_t m_size = 0;
 };
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <system_error>
 #include <utility>
 
@@ -25,6 +24,7 @@ constexpr std::size_t BaseBinsSize = 40;
 
 constexpr std::size_t KeyFlags = 4 + 2;
 constexpr std::size_t KeyParent = 4 + 16;
+constexpr std::size_t KeySubkeyCount = 4 + 20;
 constexpr std::size_t KeySubkeyList = 4 + 28;
 constexpr std::size_t KeyValueCount = 4 + 36;
 constexpr std::size_t KeyValueList = 4 + 40;
@@ -52,21 +52,10 @@ constexpr std::size_t SplitSegment = 16344;  // bytes of data in each cell of da
                              path, what));
 }
 
-// hivex gives lists that end in 0 and are the caller's.
-std::vector<std::size_t> TakeList(std::size_t* list) {
-  std::vector<std::size_t> places;
-  if (list != nullptr) {
-    std::size_t count = 0;
-    while (list[count] != 0) ++count;
-    places.assign(list, list + count);
-    std::free(list);
-  }
-  return places;
-}
-
 // A cell in two places of a list would be walked twice, and what lies below it twice at every
 // level.
 std::size_t RemoveTwins(std::vector<std::size_t>& places) {
+  if (places.size() < 2) return 0;
   std::vector<std::size_t> sorted = places;
   std::sort(sorted.begin(), sorted.end());
   if (std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end()) return 0;
@@ -94,16 +83,19 @@ class clsRegfKey : public clsRegKey {
     return std::make_shared<clsRegfKey>(m_hive, m_subkeys.nodes[index]);
   }
   bool Value(std::size_t index, std::uint32_t& type, std::string& data) override {
-    type = m_values.types[index];
-    data = m_values.data[index];
+    const clsRegfHive::ValueData& value = m_values.data[index];
+    type = value.type;
+    if (value.isSplit) return m_hive->ReadSplitData(value.content, value.size, &data);
+    data = value.content;
     return true;
   }
   std::optional<std::string> LinkTarget() override {
     if (!m_hive->IsLink(m_node)) return {};
     const std::vector<std::string>& names = ValueNames();
     for (std::size_t i = 0; i < names.size(); ++i) {
-      if (m_values.types[i] == regtype::Link && clsNameIndex::SameName(names[i], LinkValueName)) {
-        return LinkTargetOf(m_values.data[i]);
+      const clsRegfHive::ValueData& value = m_values.data[i];
+      if (value.type == regtype::Link && clsNameIndex::SameName(names[i], LinkValueName)) {
+        return LinkTargetOf(value.content);
       }
     }
     return std::string();
@@ -178,11 +170,12 @@ std::string_view clsRegfHive::Cell(std::size_t at) const {
 }
 
 // False for what is no name of a key or a value.
-bool clsRegfHive::AppendName(std::string_view bytes, bool latin1, std::string& name) const {
+bool clsRegfHive::ReadName(std::size_t at, std::size_t size, bool latin1, std::string& name) const {
+  const std::string_view bytes = m_bytes.substr(at, size);
   if (latin1) {
-    for (const char byte : bytes) text::Append(name, static_cast<unsigned char>(byte));
+    text::AppendLatin1(name, bytes);
   } else {
-    if (bytes.size() % 2 != 0) return false;
+    if (size % 2 != 0) return false;
     text::AppendUtf16Le(name, bytes);
   }
   return true;
@@ -193,29 +186,9 @@ void clsRegfHive::Count(hive_node_h node, LeftOut kind, std::size_t refused) {
   if (m_counted[kind == LeftOut::RefusedValue].insert(node).second) m_counts->Add(kind, refused);
 }
 
-std::vector<std::size_t> clsRegfHive::ListSubkeys(hive_node_h node, std::size_t& refused) {
-  const std::size_t count = hivex_node_nr_children(m_hive, node);
-  if (count == 0) return {};
-  std::size_t* list = hivex_node_children(m_hive, node);
-  std::vector<std::size_t> nodes;
-  if (list != nullptr) {
-    nodes = TakeList(list);
-  } else {
-    CollectSubkeys(FirstBin + Number32(node + KeySubkeyList), 0, nodes);
-    // The number may be what is damaged.
-    const bool plausible = count <= m_bytes.size() / KeyName;
-    if (nodes.size() < count) refused += plausible ? count - nodes.size() : 1;
-    refused += std::erase_if(
-        nodes, [&](std::size_t subkey) { return hivex_node_struct_length(m_hive, subkey) == 0; });
-  }
-  refused += RemoveTwins(nodes);
-  return nodes;
-}
-
 // A list holds places of keys ("li", with hashes between them "lf" and "lh") or of further lists
 // ("ri").
-void clsRegfHive::CollectSubkeys(std::size_t list, int depth,
-                                 std::vector<std::size_t>& nodes) const {
+void clsRegfHive::ListSubkeys(std::size_t list, int depth, std::vector<hive_node_h>& nodes) const {
   const std::string_view cell = Cell(list);
   if (cell.size() < 4 || depth > DeepestList) return;
   const std::string_view kind = cell.substr(0, 2);
@@ -223,119 +196,116 @@ void clsRegfHive::CollectSubkeys(std::size_t list, int depth,
   if (width == 0) return;
   const std::size_t count =
       std::min<std::size_t>(Number16(list + 4 + 2), (cell.size() - 4) / width);
+  if (kind != "ri") nodes.reserve(nodes.size() + count);
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t place = FirstBin + Number32(list + 8 + width * i);
     if (kind == "ri") {
-      CollectSubkeys(place, depth + 1, nodes);
-    } else if (place + KeyName <= m_bytes.size()) {
+      ListSubkeys(place, depth + 1, nodes);
+    } else {
       nodes.push_back(place);
     }
   }
 }
 
 void clsRegfHive::ReadSubkeys(hive_node_h node, Subkeys& subkeys) {
-  std::size_t refused = 0;
-  const std::vector<std::size_t> nodes = ListSubkeys(node, refused);
+  const std::size_t count = Number32(node + KeySubkeyCount);
+  if (count == 0) return;
+  std::vector<hive_node_h>& nodes = subkeys.nodes;
+  ListSubkeys(FirstBin + Number32(node + KeySubkeyList), 0, nodes);
+  // The number may be what is damaged.
+  const bool plausible = count <= m_bytes.size() / KeyName;
+  std::size_t refused = nodes.size() >= count ? 0 : plausible ? count - nodes.size() : 1;
+  refused += RemoveTwins(nodes);
+
   subkeys.names.reserve(nodes.size());
-  subkeys.nodes.reserve(nodes.size());
-  for (const std::size_t subkey : nodes) {
-    const std::string_view cell = Cell(subkey);
-    // A key belongs below the one that it names as its parent; so no key is its own ancestor, and
-    // no walk runs in circles.
-    if (cell.size() < KeyName - 4 || subkey == m_root ||
-        FirstBin + Number32(subkey + KeyParent) != node) {
-      ++refused;
-      continue;
-    }
-    const std::size_t nameSize = Number16(subkey + KeyNameSize);
+  std::size_t kept = 0;
+  for (const hive_node_h subkey : nodes) {
     std::string name;
-    if (cell.size() < KeyName - 4 + nameSize ||
-        !AppendName(m_bytes.substr(subkey + KeyName, nameSize),
-                    (Number16(subkey + KeyFlags) & KeyNameLatin1) != 0, name) ||
-        name.empty() || name.find('\\') != std::string::npos) {
-      ++refused;
-      continue;
-    }
+    if (!ReadSubkey(node, subkey, name)) continue;
     subkeys.names.push_back(std::move(name));
-    subkeys.nodes.push_back(subkey);
+    nodes[kept++] = subkey;
   }
+  refused += nodes.size() - kept;
+  nodes.resize(kept);
   Count(node, LeftOut::RefusedKey, refused);
 }
 
-std::vector<std::size_t> clsRegfHive::ListValues(hive_node_h node, std::size_t& refused) {
-  const std::size_t count = Number32(node + KeyValueCount);
-  if (count == 0) return {};
-  std::size_t* list = hivex_node_values(m_hive, node);
-  if (list != nullptr) return TakeList(list);
-  // Here too one bad place spoils the list; hivex judges each value when it is read.
-  const std::string_view cell = Cell(FirstBin + Number32(node + KeyValueList));
-  if (cell.size() / 4 < count) {
-    refused = count > m_bytes.size() / 4 ? 1 : count;
-    return {};
-  }
-  std::vector<std::size_t> places;
-  const auto start = static_cast<std::size_t>(cell.data() - m_bytes.data());
-  for (std::size_t i = 0; i < count; ++i) places.push_back(FirstBin + Number32(start + 4 * i));
-  return places;
+bool clsRegfHive::ReadSubkey(hive_node_h parent, hive_node_h node, std::string& name) const {
+  const std::string_view cell = Cell(node);
+  if (cell.size() < KeyName - 4) return false;
+  // A key belongs below the one that it names as its parent; so no key is its own ancestor, and no
+  // walk runs in circles.
+  if (node == m_root || FirstBin + Number32(node + KeyParent) != parent) return false;
+  const std::size_t size = Number16(node + KeyNameSize);
+  return cell.size() >= KeyName - 4 + size && hivex_node_struct_length(m_hive, node) != 0 &&
+         ReadName(node + KeyName, size, (Number16(node + KeyFlags) & KeyNameLatin1) != 0, name) &&
+         !name.empty() && name.find('\\') == std::string::npos;
 }
 
 void clsRegfHive::ReadValues(hive_node_h node, Values& values) {
+  const std::size_t count = Number32(node + KeyValueCount);
+  if (count == 0) return;
+  const std::size_t list = FirstBin + Number32(node + KeyValueList);
+  if (Cell(list).size() / 4 < count) {
+    Count(node, LeftOut::RefusedValue, count > m_bytes.size() / 4 ? 1 : count);
+    return;
+  }
   std::size_t refused = 0;
-  const std::vector<std::size_t> places = ListValues(node, refused);
-  values.names.reserve(places.size());
-  values.types.reserve(places.size());
-  values.data.reserve(places.size());
-  for (const std::size_t value : places) {
-    if (!ReadValue(value, values)) ++refused;
+  values.names.reserve(count);
+  values.data.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    std::string name;
+    ValueData data;
+    if (ReadValue(FirstBin + Number32(list + 4 + 4 * i), name, data)) {
+      values.names.push_back(std::move(name));
+      values.data.push_back(data);
+    } else {
+      ++refused;
+    }
   }
   Count(node, LeftOut::RefusedValue, refused);
 }
 
-bool clsRegfHive::ReadValue(hive_value_h value, Values& values) const {
+bool clsRegfHive::ReadValue(hive_value_h value, std::string& name, ValueData& data) const {
   const std::string_view cell = Cell(value);
   hive_type type{};
-  std::size_t size = 0;
-  if (cell.size() < ValueName - 4 || hivex_value_type(m_hive, value, &type, &size) != 0)
+  if (cell.size() < ValueName - 4 || hivex_value_type(m_hive, value, &type, &data.size) != 0)
     return false;
   const std::size_t nameSize = Number16(value + ValueNameSize);
-  std::string name;
   if (cell.size() < ValueName - 4 + nameSize ||
-      !AppendName(m_bytes.substr(value + ValueName, nameSize),
-                  (Number16(value + ValueFlags) & ValueNameLatin1) != 0, name)) {
+      !ReadName(value + ValueName, nameSize, (Number16(value + ValueFlags) & ValueNameLatin1) != 0,
+                name)) {
     return false;
   }
-  std::string data;
+  data.type = Number32(value + ValueType);
   if ((Number32(value + ValueDataSize) & ValueDataInline) != 0) {
-    if (size > 4) return false;
-    data = m_bytes.substr(value + ValueDataPlace, size);
-  } else if (size != 0) {
-    const std::string_view content = Cell(hivex_value_data_cell_offset(m_hive, value, nullptr));
-    if (size <= content.size()) {
-      data = content.substr(0, size);
-    } else if (!ReadSplitData(content, size, data)) {
-      return false;
-    }
+    data.content = m_bytes.substr(value + ValueDataPlace, data.size);
+    return data.size <= 4;
   }
-  values.names.push_back(std::move(name));
-  values.types.push_back(Number32(value + ValueType));
-  values.data.push_back(std::move(data));
+  if (data.size == 0) return true;
+  data.content = Cell(hivex_value_data_cell_offset(m_hive, value, nullptr));
+  data.isSplit = data.size > data.content.size();
+  if (data.isSplit) return ReadSplitData(data.content, data.size, nullptr);
+  data.content = data.content.substr(0, data.size);
   return true;
 }
 
 // Data too long for one cell: "db", the number of cells it is split over, the place of their list.
-bool clsRegfHive::ReadSplitData(std::string_view cell, std::size_t size, std::string& data) const {
+// False when they don't hold it; with null nothing is read.
+bool clsRegfHive::ReadSplitData(std::string_view cell, std::size_t size, std::string* data) const {
   if (cell.size() < 8 || cell.substr(0, 2) != "db") return false;
   const auto at = static_cast<std::size_t>(cell.data() - m_bytes.data());
   const std::size_t count = Number16(at + 2);
   const std::string_view list = Cell(FirstBin + Number32(at + 4));
   if (list.size() / 4 < count || size > count * SplitSegment) return false;
   const auto places = static_cast<std::size_t>(list.data() - m_bytes.data());
-  data.reserve(size);
-  for (std::size_t i = 0; data.size() < size; ++i) {
-    const std::size_t wanted = std::min(SplitSegment, size - data.size());
+  if (data != nullptr) data->clear();
+  for (std::size_t i = 0, done = 0; done < size; ++i) {
+    const std::size_t wanted = std::min(SplitSegment, size - done);
     const std::string_view segment = Cell(FirstBin + Number32(places + 4 * i));
     if (segment.size() < wanted) return false;
-    data += segment.substr(0, wanted);
+    if (data != nullptr) data->append(segment, 0, wanted);
+    done += wanted;
   }
   return true;
 }

@@ -1,10 +1,9 @@
 // One hive file of Windows' own format (regf), read through libhivex.
 //
-// hivex checks the file's structure and lists keys and values. Names and data are then taken from
-// the file's bytes: hivex gives no name that holds a zero or half a surrogate pair, cuts the last
-// bytes off data that is split over several cells, and reads past the end of records that are too
-// short. Where it refuses a list as a whole, for one bad place in it or for its length, the good
-// places are taken.
+// hivex checks the file's structure and judges the record of each key and value. Lists, names and
+// data are taken from the file's bytes: hivex refuses a list as a whole for one bad place in it or
+// for its length, gives no name that holds a zero or half a surrogate pair, cuts the last bytes off
+// data that is split over several cells, and reads past the end of records that are too short.
 #pragma once
 
 #include <hivex.h>
@@ -49,10 +48,15 @@ class clsRegfHive : public std::enable_shared_from_this<clsRegfHive> {
     std::vector<std::string> names;
     std::vector<hive_node_h> nodes;
   };
+  struct ValueData {  // stands in the file's bytes, unless its cell only says where the parts are
+    std::uint32_t type = 0;
+    std::size_t size = 0;
+    std::string_view content;
+    bool isSplit = false;
+  };
   struct Values {
     std::vector<std::string> names;
-    std::vector<std::uint32_t> types;
-    std::vector<std::string> data;
+    std::vector<ValueData> data;
   };
 
   explicit clsRegfHive(const std::string& path);
@@ -61,12 +65,11 @@ class clsRegfHive : public std::enable_shared_from_this<clsRegfHive> {
   void ReadValues(hive_node_h node, Values& values);
   bool IsLink(hive_node_h node) const;
 
-  std::vector<std::size_t> ListSubkeys(hive_node_h node, std::size_t& refused);
-  void CollectSubkeys(std::size_t list, int depth, std::vector<std::size_t>& nodes) const;
-  std::vector<std::size_t> ListValues(hive_node_h node, std::size_t& refused);
-  bool ReadValue(hive_value_h value, Values& values) const;
-  bool ReadSplitData(std::string_view cell, std::size_t size, std::string& data) const;
-  bool AppendName(std::string_view bytes, bool latin1, std::string& name) const;
+  void ListSubkeys(std::size_t list, int depth, std::vector<hive_node_h>& nodes) const;
+  bool ReadSubkey(hive_node_h parent, hive_node_h node, std::string& name) const;
+  bool ReadValue(hive_value_h value, std::string& name, ValueData& data) const;
+  bool ReadSplitData(std::string_view cell, std::size_t size, std::string* data) const;
+  bool ReadName(std::size_t at, std::size_t size, bool latin1, std::string& name) const;
   void Count(hive_node_h node, LeftOut kind, std::size_t refused);
 
   std::uint16_t Number16(std::size_t at) const;

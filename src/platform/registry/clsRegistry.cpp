@@ -1,5 +1,7 @@
 #include "platform/registry/clsRegistry.h"
 
+#include <algorithm>
+
 #include "common/text.h"
 #include "platform/registry/keypath.h"
 
@@ -39,6 +41,7 @@ std::size_t clsRegKey::FindSubkey(std::string_view name) {
 
 std::size_t clsRegKey::FindValue(std::string_view name) {
   const std::vector<std::string>& names = ValueNames();
+  if (m_valueFound < names.size() && names[m_valueFound] == name) return m_valueFound;
   return m_valueIndex.Find(name, names.size(),
                            [&](std::size_t i) -> std::string_view { return names[i]; });
 }
@@ -80,29 +83,33 @@ std::int32_t clsRegistry::RegOpenKeyEx(std::uint32_t root, std::string_view path
     Handle top = OpenRoot(root);
     if (top == nullptr) return regstatus::FileNotFound;
     m_lastRoot = root;
-    m_chain.assign(1, Step{{}, std::move(top), false});
+    m_chain.assign(1, Step{std::move(top)});
   }
-  std::size_t level = 0;
-  for (std::string_view rest = path; !rest.empty();) {
-    const std::string_view part = keypath::CutPart(rest);
-    if (level + 1 < m_chain.size() && m_chain[level + 1].name == part) {
-      ++level;
-      continue;
-    }
-    if (level == MaxKeyLevel) return regstatus::FileNotFound;
-    m_chain.resize(level + 1);
-    Step& above = m_chain.back();
+  const auto leadsHere = [&](const Step& step) {
+    return (step.end == path.size() || (step.end < path.size() && path[step.end] == '\\')) &&
+           path.compare(0, step.end, m_lastPath, 0, step.end) == 0;
+  };
+  while (m_chain.size() > 1 && !leadsHere(m_chain.back())) m_chain.pop_back();
+
+  for (;;) {
+    const Step& above = m_chain.back();
+    const std::size_t start = m_chain.size() == 1 ? 0 : above.end + 1;
+    if (start >= path.size()) break;
+    if (m_chain.size() > MaxKeyLevel) return regstatus::FileNotFound;
+    const std::size_t end = std::min(path.find('\\', start), path.size());
     bool followed = false;
     int hops = MaxHops;
-    Handle below = OpenSubkey(above.key, part, !above.insideLink, followed, hops);
+    Handle below =
+        OpenSubkey(above.key, path.substr(start, end - start), !above.insideLink, followed, hops);
     if (below == nullptr) return regstatus::FileNotFound;
     const bool insideLink = above.insideLink || followed;
-    m_chain.push_back(Step{std::string(part), std::move(below), insideLink});
-    ++level;
+    m_lastPath.resize(above.end);
+    m_lastPath.append(path, above.end, end - above.end);
+    m_chain.push_back(Step{std::move(below), end, insideLink});
   }
-  key = m_chain[level].key;
-  key->m_level = level;
-  if (level == MaxKeyLevel) CountDeepKeys(root, path, key);
+  key = m_chain.back().key;
+  key->m_level = m_chain.size() - 1;
+  if (key->m_level == MaxKeyLevel) CountDeepKeys(root, path, key);
   return regstatus::Success;
 }
 
@@ -129,19 +136,14 @@ std::int32_t clsRegistry::RegEnumValue(const Handle& key, std::size_t index, std
   const std::vector<std::string>& names = key->ValueNames();
   if (index >= names.size()) return regstatus::NoMoreItems;
   name = names[index];
-  m_enumeratedKey = key;
-  m_enumeratedIndex = index;
+  key->m_valueFound = index;
   return regstatus::Success;
 }
 
 std::int32_t clsRegistry::RegQueryValueEx(const Handle& key, std::string_view name,
                                           std::uint32_t& type, std::string& data) {
   if (key == nullptr) return regstatus::InvalidHandle;
-  std::size_t index = m_enumeratedIndex;
-  const std::vector<std::string>& names = key->ValueNames();
-  if (m_enumeratedKey.lock() != key || index >= names.size() || names[index] != name) {
-    index = key->FindValue(name);
-  }
+  const std::size_t index = key->FindValue(name);
   if (index == clsNameIndex::None || !key->Value(index, type, data)) return regstatus::FileNotFound;
   if (IsText(type)) Terminate(data);
   return regstatus::Success;
@@ -149,7 +151,7 @@ std::int32_t clsRegistry::RegQueryValueEx(const Handle& key, std::string_view na
 
 void clsRegistry::ForgetOpenKeys() {
   m_chain.clear();
-  m_enumeratedKey.reset();
+  m_lastPath.clear();
 }
 
 void clsRegistry::FindRoots() {

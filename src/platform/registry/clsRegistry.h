@@ -86,6 +86,7 @@ class clsRegKey {
 
   std::size_t m_level = 0;  // parts of the path by which it was opened last
   std::size_t m_subkeyFound = 0;
+  std::size_t m_valueFound = 0;
   clsNameIndex m_subkeyIndex;
   clsNameIndex m_valueIndex;
 };
@@ -169,8 +170,8 @@ class clsRegistry {
 
  private:
   struct Step {  // one level of the path opened last
-    std::string name;
     Handle key;
+    std::size_t end = 0;  // of the path to it
     bool insideLink = false;
   };
 
@@ -181,9 +182,8 @@ class clsRegistry {
 
   std::vector<std::uint32_t> m_roots;
   std::uint32_t m_lastRoot = 0;
+  std::string m_lastPath;
   std::vector<Step> m_chain;  // from the root key down
-  std::weak_ptr<clsRegKey> m_enumeratedKey;
-  std::size_t m_enumeratedIndex = 0;
   std::unordered_set<std::string> m_deepKeysCounted;
 };
 

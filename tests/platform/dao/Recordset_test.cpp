@@ -154,6 +154,19 @@ TEST_F(RecordsetTest, AnIndexThatRepeatsVisitsEveryRow) {
   EXPECT_EQ(seen, "01234");
 }
 
+// A record that couldn't be written is no current record: what a search finds is.
+TEST_F(RecordsetTest, ASearchGivesUpTheRecordThatWaits) {
+  auto table = Table();
+  table->SetIndex("PrimaryKey");
+  Add(*table, 1, "a");
+  EXPECT_EQ(NumberOf([&] { Add(*table, 1, "A"); }), errnum::DuplicateKey);
+  table->Seek("=", {1, "a"});
+  EXPECT_EQ(table->Get("Id").Integer(), 1);
+  Add(*table, 1, std::string_view("n\0l", 3));
+  table->Seek("=", {1, std::string_view("N\0L", 3)});
+  EXPECT_FALSE(table->NoMatch());
+}
+
 TEST_F(RecordsetTest, DynasetCountsAndReadsItsRows) {
   auto rows = m_database->OpenRecordset(
       "SELECT tblFiles.FileName AS [File Name], tblFiles.PathId FROM tblFiles "

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <csignal>
 #include <filesystem>
@@ -95,6 +96,18 @@ TEST_F(WorkspaceTest, OneTransactionSpansTheWorkspace) {
   EXPECT_EQ(Count(m_path), 1);
 }
 
+TEST_F(WorkspaceTest, KnowsWhichFilesAreOpen) {
+  m_workspace.CreateDatabase(m_path);
+  struct stat status {};
+  ASSERT_EQ(stat(m_path.c_str(), &status), 0);
+  {
+    const auto database = m_workspace.OpenDatabase(m_path);
+    const auto again = Workspace("Other").OpenDatabase(m_path);
+    EXPECT_TRUE(DBEngine::IsOpen(status.st_dev, status.st_ino));
+  }
+  EXPECT_FALSE(DBEngine::IsOpen(status.st_dev, status.st_ino));
+}
+
 TEST_F(WorkspaceTest, ALockedFileIsTold) {
   m_workspace.CreateDatabase(m_path);
   auto database = m_workspace.OpenDatabase(m_path);
@@ -104,7 +117,9 @@ TEST_F(WorkspaceTest, ALockedFileIsTold) {
   other.BeginTrans();
   Add(*held, "a");
   EXPECT_EQ(NumberOf([&] { Add(*database, "b"); }), errnum::RecordLocked);
+  EXPECT_TRUE(DBEngine::IsLocked(m_path));
   other.CommitTrans();
+  EXPECT_FALSE(DBEngine::IsLocked(m_path));
   Add(*database, "b");
   EXPECT_EQ(Count(m_path), 2);
 }
