@@ -80,6 +80,27 @@ TEST(text, GoesThroughUtf16AndBack) {
   EXPECT_EQ(FromUtf16Le("\x3D\xD8"s), "\xED\xA0\xBD");  // half a pair at the end
 }
 
+// ASCII is taken in one go, wherever it ends.
+TEST(text, DecodesWhatFollowsAsciiOfAnyLength) {
+  for (std::size_t length = 0; length < 20; ++length) {
+    const std::string ascii = std::string("0123456789\0bcdefghijkl", 22).substr(22 - length);
+    for (const std::string& rest : {""s, "\xC3\xA9z"s, "\xF0\x9F\x98\x80 a"s, "\xED\xA0\x80"s}) {
+      const std::string all = ascii + rest;
+      EXPECT_EQ(AsciiLength(all), length);
+      EXPECT_EQ(FromUtf16Le(ToUtf16Le(all)), all);
+      std::string appended = "\xFF";
+      AppendUtf16Le(appended, ToUtf16Le(all) + "x");
+      EXPECT_EQ(appended, "\xFF" + all);
+      EXPECT_EQ(Length(all), ToUtf16Le(all).size() / 2);
+      EXPECT_EQ(IsValidUtf8(all), rest != "\xED\xA0\x80");
+      EXPECT_EQ(ToCp1252(all, Lacking::Utf8), ascii + (rest[0] == '\xC3' ? "\xE9z" : rest));
+    }
+    std::string latin = "\xC3\xA9";
+    AppendLatin1(latin, ascii + "\x80z\xFF");
+    EXPECT_EQ(latin, "\xC3\xA9" + ascii + "\xC2\x80z\xC3\xBF");
+  }
+}
+
 TEST(text, GoesThroughCodePage1252AndBack) {
   std::string all;
   for (int i = 0; i < 256; ++i) all.push_back(static_cast<char>(i));
