@@ -1,9 +1,9 @@
 // A recordset: a table with a cursor, or the rows of a statement.
 //
 // A table recordset (OpenTableRecordset) is read and written; with an `Index` set it moves in that
-// index's order and can `Seek`, otherwise in the order of the rows' making. A dynaset
-// (OpenDynaset) is read only. Statements are prepared once and reset after every move of a table
-// recordset, so that it holds no lock between operations.
+// index's order and can `Seek`, otherwise in the order of its row ids or of its clustered key. A
+// dynaset (OpenDynaset) is read only. Statements are prepared once and reset after every move of a
+// table recordset, so that it holds no lock between operations.
 #pragma once
 
 #include <cstdint>
