@@ -197,7 +197,8 @@ void clsRegfHive::ListSubkeys(std::size_t list, int depth, std::vector<hive_node
   const std::size_t count =
       std::min<std::size_t>(Number16(list + 4 + 2), (cell.size() - 4) / width);
   if (kind != "ri") nodes.reserve(nodes.size() + count);
-  for (std::size_t i = 0; i < count; ++i) {
+  // Lists named over and over could give more places than the file has room for keys.
+  for (std::size_t i = 0; i < count && nodes.size() <= m_bytes.size() / KeyName; ++i) {
     const std::size_t place = FirstBin + Number32(list + 8 + width * i);
     if (kind == "ri") {
       ListSubkeys(place, depth + 1, nodes);
