@@ -10,11 +10,13 @@
 
 namespace sandrel::test {
 
+using Lines = std::vector<std::string>;
+
 /// One text a row, cells joined by "|", Null as "NULL". Fails on any error.
-inline std::vector<std::string> Rows(const std::string& path, const std::string& sql) {
+inline Lines Rows(const std::string& path, const std::string& sql) {
   sqlite3* database = nullptr;
   sqlite3_stmt* statement = nullptr;
-  std::vector<std::string> rows;
+  Lines rows;
   std::string failure;
   if (sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK ||
       sqlite3_prepare_v2(database, sql.c_str(), -1, &statement, nullptr) != SQLITE_OK) {
