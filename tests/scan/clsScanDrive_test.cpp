@@ -163,6 +163,18 @@ TEST_F(clsScanDriveTest, AfterWalkKeepsIdentities) {
   EXPECT_EQ(Cell("SELECT (SELECT count(*) FROM tblIniSections), count(*) FROM tblPaths"), "4|2");
 }
 
+// As after Retry, or where one scanned folder lies in another.
+TEST_F(clsScanDriveTest, AWalkOverItsOwnRowsAddsNothing) {
+  m_sample.WriteFile("C:\\A\\x.ini", "[s]\nk=1\nk=2\n");
+  m_sample.MakeFolder("C:\\A\\empty");
+  Walk("C:\\A");
+  const std::string entries = "SELECT SectionId, Parameter, Occurance, Value FROM tblIniValues";
+  const Lines before = Rows(entries);
+  Walk("c:\\a\\");
+  EXPECT_EQ(Files().size(), 2U);
+  EXPECT_EQ(Rows(entries), before);
+}
+
 TEST_F(clsScanDriveTest, ACancelFinishesTheFolderAndIsAcknowledgedOnce) {
   WriteFiles({"C:\\A\\a\\f.txt", "C:\\A\\b\\f.txt", "C:\\A\\c\\f.txt"});
   const auto scanner = Scanner();

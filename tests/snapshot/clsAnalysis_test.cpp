@@ -10,20 +10,12 @@
 
 namespace sandrel {
 
-using test::Cell;
 using test::IsWhole;
-using test::Rows;
+using test::Lines;
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
-class clsAnalysisTest : public test::SnapshotFixture {
- protected:
-  void SetSystem(const std::string& keys) {
-    m_sample.SetSystemReg(test::SampleMachine::SystemKeys() + keys);
-  }
-};
+class clsAnalysisTest : public test::SnapshotFixture {};
 
 TEST_F(clsAnalysisTest, NothingChangedGivesNineEmptyTables) {
   Before();
@@ -39,14 +31,24 @@ TEST_F(clsAnalysisTest, NothingChangedGivesNineEmptyTables) {
   EXPECT_TRUE(IsWhole(m_analysisPath) && IsWhole(Working()));
   EXPECT_EQ(m_analysis.GetStat("FILES - NEW"), "0");
   EXPECT_EQ(m_analysis.GetStat("nothing"), "");
+  // A value that appears where none was is no change, and what is excluded is not compared.
+  Enable("VersionInfo", true);
+  m_sample.WriteFile("C:\\users\\tester\\Temp\\t.tmp", "");
+  After();
+  EXPECT_EQ(Analysis("SELECT Value FROM tblStats WHERE id <= 9"), Lines(9, "0"));
+  EXPECT_EQ(Stat("        C:\\users\\tester\\Temp\\"), "Folder Tree");
 }
 
 TEST_F(clsAnalysisTest, FindsWhatAnInstallationDid) {
-  m_settings.SaveSetting("Enabled", "VersionInfo", "1");
+  Enable("VersionInfo", true);
   m_sample.WriteFile("C:\\old.txt", "old");
   m_sample.WriteFile("C:\\app.ini", "[Fonts]\ndevice=a\nkeep=1\ngone=1\n[Left]\nx=1\n");
-  SetSystem(
-      "[Software\\\\T] 1\n\"change\"=\"a\"\n\"type\"=\"5\"\n\"gone\"=\"x\"\n\"Path\"=\"p\"\n\n");
+  const std::string head = test::SampleMachine::SystemKeys() + "[Software\\\\T] 1\n";
+  m_sample.SetSystemReg(head + R"("change"="a"
+"type"="5"
+"gone"="x"
+"Path"="p"
+)");
   Before();
   m_sample.Remove("C:\\old.txt");
   m_sample.WriteFile("C:\\New\\new.txt", "new");
@@ -54,11 +56,13 @@ TEST_F(clsAnalysisTest, FindsWhatAnInstallationDid) {
   m_sample.WriteProgram("C:\\windows\\system32\\sample.dll", 0x00020000, 0x00000001);
   m_sample.WriteFile("C:\\app.ini", "[FONTS]\ndevice=b\nkeep=1\ndevice=c\nfresh=2\n");
   m_sample.SetTime("C:\\app.ini", 1000000000);
-  SetSystem(
-      "[Software\\\\T] "
-      "1\n\"change\"=\"b\"\n\"type\"=dword:00000005\n\"PATH\"=\"P\"\n@=\"new\"\n\n["
-      "Software\\\\T\\\\Sub] 1\n"
-      "\"s\"=\"1\"\n\n");
+  m_sample.SetSystemReg(head + R"("change"="b"
+"type"=dword:00000005
+"PATH"="P"
+@="new"
+[Software\\T\\Sub] 1
+"s"="1"
+)");
   After();
   EXPECT_EQ(Analysis("SELECT PathName, FileName, Size FROM tblNewFiles ORDER BY 1, 2"),
             (Lines{"C:\\New\\|new.txt|3", "C:\\New\\Empty\\||NULL"}));
@@ -66,10 +70,8 @@ TEST_F(clsAnalysisTest, FindsWhatAnInstallationDid) {
             (Lines{"app.ini||", "sample.dll|1.2.3.4|2.0.0.1"}));
   EXPECT_EQ(Analysis("SELECT PathName, FileName, Size FROM tblDeletedFiles"),
             Lines{"C:\\|old.txt|3"});
-  EXPECT_EQ(
-      Analysis(
-          "SELECT Branch, ValueName, Value, ValueType FROM tblNewRegistryEnteries ORDER BY 1, 2"),
-      (Lines{"Software\\T||new|1", "Software\\T\\Sub|s|1|1"}));
+  EXPECT_EQ(Analysis("SELECT Branch, ValueName, Value FROM tblNewRegistryEnteries ORDER BY 1, 2"),
+            (Lines{"Software\\T||new", "Software\\T\\Sub|s|1"}));
   // "Path" and "PATH" are one value, "p" and "P" one text.
   EXPECT_EQ(Analysis("SELECT ValueName, OldValue, NewValue, OldValueType, NewValueType FROM "
                      "tblChangedRegistryEnteries ORDER BY 1"),
@@ -84,8 +86,7 @@ TEST_F(clsAnalysisTest, FindsWhatAnInstallationDid) {
             Lines{"Fonts|device|a|b"});
   EXPECT_EQ(Analysis("SELECT Section, Parameter, Value FROM tblDeletedIniEnteries ORDER BY 1"),
             (Lines{"Fonts|gone|1", "Left|x|1"}));
-  EXPECT_EQ(Analysis("SELECT Description, Value FROM tblStats WHERE id <= 3"),
-            (Lines{"Registry - New|2", "Registry - Changed|2", "Registry - Deleted|1"}));
+  EXPECT_EQ(Analysis("SELECT Value FROM tblStats WHERE id <= 3"), (Lines{"2", "2", "1"}));
   EXPECT_TRUE(IsWhole(m_analysisPath) && IsWhole(Working()));
 }
 
@@ -99,44 +100,36 @@ TEST_F(clsAnalysisTest, RepeatedChangesOfOneParameterKeepTheFirstRow) {
   EXPECT_EQ(m_shell.Last(), "status: Analysis Created");
 }
 
-TEST_F(clsAnalysisTest, AValueThatAppearsWhereNoneWasIsNoChange) {
-  Before();  // without versions
-  m_settings.SaveSetting("Enabled", "VersionInfo", "1");
-  After();
-  EXPECT_EQ(Stat("Files - Changed"), "0");
-}
-
 // Before, After, Replace, After, Replace, After: each analysis is as right as the first.
 TEST_F(clsAnalysisTest, ReplacedSnapshotsCompareAsWellAsTheFirst) {
+  const std::string fresh = "SELECT FileName, Parameter, Value FROM tblNewIniEnteries ORDER BY 1";
+  const std::string gone = "SELECT FileName, Section FROM tblDeletedIniEnteries ORDER BY 2";
   m_sample.WriteFile("C:\\A\\a.ini", "[s]\nk=1\n");
   m_sample.WriteFile("C:\\A\\z.ini", "[s]\nk=1\n");
   Before();
   m_sample.WriteFile("C:\\A\\b.ini", "[s]\nk=b1\n");
   m_sample.Remove("C:\\A\\z.ini");
   After();
-  EXPECT_EQ(Analysis("SELECT FileName, Value FROM tblNewIniEnteries"), Lines{"b.ini|b1"});
-  EXPECT_EQ(Analysis("SELECT FileName, Value FROM tblDeletedIniEnteries"), Lines{"z.ini|1"});
+  EXPECT_EQ(Analysis(fresh), Lines{"b.ini|k|b1"});
+  EXPECT_EQ(Analysis(gone), Lines{"z.ini|s"});
   m_snapshots.mnuSnapShotRollUp_Click();
   m_sample.WriteFile("C:\\A\\a.ini", "[s]\nk=1\nm=a2\n");
   m_sample.WriteFile("C:\\A\\c.ini", "[s]\nk=c2\n[t]\nq=c2\n");
   m_sample.WriteFile("C:\\A\\b.ini", "[s]\nk=b2\n");
-  After();
-  EXPECT_EQ(
-      Analysis("SELECT FileName, Section, Parameter, Value FROM tblNewIniEnteries ORDER BY 1, 2"),
-      (Lines{"a.ini|s|m|a2", "c.ini|s|k|c2", "c.ini|t|q|c2"}));
-  EXPECT_EQ(Analysis("SELECT FileName, OldValue, NewValue FROM tblChangedIniEnteries"),
-            Lines{"b.ini|b1|b2"});
-  EXPECT_EQ(Analysis("SELECT * FROM tblDeletedIniEnteries"), Lines{});
-  EXPECT_EQ(Analysis("SELECT FileName FROM tblNewFiles"), Lines{"c.ini"});
-  After();  // a second After of the same pair, over the first
-  EXPECT_EQ(Stat("INI Entries - New"), "3");
+  for (int i = 0; i < 2; ++i) {  // a second After of the same pair, over the first
+    After();
+    EXPECT_EQ(Analysis(fresh + ", 2"), (Lines{"a.ini|m|a2", "c.ini|k|c2", "c.ini|q|c2"}));
+    EXPECT_EQ(Analysis("SELECT FileName, OldValue, NewValue FROM tblChangedIniEnteries"),
+              Lines{"b.ini|b1|b2"});
+    EXPECT_EQ(Analysis(gone), Lines{});
+    EXPECT_EQ(Analysis("SELECT FileName FROM tblNewFiles"), Lines{"c.ini"});
+  }
   m_snapshots.mnuSnapShotRollUp_Click();
   m_sample.Remove("C:\\A\\c.ini");
   m_sample.WriteFile("C:\\A\\d.ini", "[s]\nk=d3\n");
   After();
-  EXPECT_EQ(Analysis("SELECT FileName, Section FROM tblDeletedIniEnteries ORDER BY 2"),
-            (Lines{"c.ini|s", "c.ini|t"}));
-  EXPECT_EQ(Analysis("SELECT FileName, Value FROM tblNewIniEnteries"), Lines{"d.ini|d3"});
+  EXPECT_EQ(Analysis(gone), (Lines{"c.ini|s", "c.ini|t"}));
+  EXPECT_EQ(Analysis(fresh), Lines{"d.ini|k|d3"});
   EXPECT_TRUE(IsWhole(Working()));
 }
 
@@ -156,7 +149,7 @@ TEST_F(clsAnalysisTest, ANewFileDoesNotTakeAnExcludedFilesSections) {
 // Files can be compared on a machine whose registry isn't there, as long as it isn't scanned.
 TEST_F(clsAnalysisTest, AnUnreadableRegistryMattersOnlyWhereItIsScanned) {
   std::filesystem::remove(m_sample.Folder() + "/system.reg");
-  m_settings.SaveSetting("Enabled", "RegScan", "0");
+  Enable("RegScan", false);
   Before();
   m_sample.WriteFile("C:\\new.txt", "");
   After();
@@ -167,8 +160,8 @@ TEST_F(clsAnalysisTest, AnUnreadableRegistryMattersOnlyWhereItIsScanned) {
   std::filesystem::create_directory(m_temp.Of("net"));
   std::filesystem::create_directory_symlink(far.Folder(), m_temp.Of("net/far"));
   setenv("SANDREL_NETWORK", m_temp.Of("net").c_str(), 1);
-  m_settings.SaveSetting("Enabled", "RegScan", "1");
-  m_settings.SaveSetting("Enabled", "RemoteRegistry", "1");
+  Enable("RegScan", true);
+  Enable("RemoteRegistry", true);
   m_settings.SaveSetting("RegScan", "RemoteName", "far");
   Before();
   After();
@@ -181,53 +174,56 @@ TEST_F(clsAnalysisTest, AnUnreadableRegistryMattersOnlyWhereItIsScanned) {
 }
 
 TEST_F(clsAnalysisTest, ReportsTheSettingsInForce) {
+  const auto settings = [&] {
+    std::string text;
+    for (const std::string& line :
+         Analysis("SELECT Description || '=' || Value FROM tblStats WHERE id > 9"))
+      text += line + "\n";
+    return text;
+  };
   m_settings.SaveSetting("ScanFolders", "1", "C:\\windows");
   m_settings.SaveSetting("RegScan", "HKEY_USERS", "False");
   m_settings.SaveSetting("ExcludeFiles", "1", "C:\\windows\\temp\\");
   m_settings.SaveSetting("ExcludeFiles", "2", "C:\\windows\\a.txt");
   Before();
   After();
-  EXPECT_EQ(Analysis("SELECT Description || '=' || Value FROM tblStats WHERE id > 9"),
-            (Lines{" =",
-                   "Disk Scan Settings=",
-                   "    Folders Scanned=",
-                   "        C:\\windows=",
-                   "    Version Info Included=No",
-                   "    Size Info Included=Yes",
-                   "    Attribute Info Included=Yes",
-                   " =",
-                   "Registry Scan Settings=",
-                   "    Hives Scanned=",
-                   "        HKEY_CLASSES_ROOT=No",
-                   "        HKEY_CURRENT_CONFIG=Yes",
-                   "        HKEY_CURRENT_USER=Yes",
-                   "        HKEY_LOCAL_MACHINE=Yes",
-                   "        HKEY_USERS=No",
-                   " =",
-                   "File Exclude Settings=",
-                   "    Files / Folders Excluded=",
-                   "        C:\\windows\\temp\\=Folder Tree",
-                   "        C:\\windows\\a.txt=File(s)"}));
-  m_settings.SaveSetting("Enabled", "FileExclude", "0");
-  m_settings.SaveSetting("Enabled", "DiskScan", "0");
-  m_settings.SaveSetting("Enabled", "RemoteRegistry", "1");
+  EXPECT_EQ(settings(), R"( =
+Disk Scan Settings=
+    Folders Scanned=
+        C:\windows=
+    Version Info Included=No
+    Size Info Included=Yes
+    Attribute Info Included=Yes
+ =
+Registry Scan Settings=
+    Hives Scanned=
+        HKEY_CLASSES_ROOT=No
+        HKEY_CURRENT_CONFIG=Yes
+        HKEY_CURRENT_USER=Yes
+        HKEY_LOCAL_MACHINE=Yes
+        HKEY_USERS=No
+ =
+File Exclude Settings=
+    Files / Folders Excluded=
+        C:\windows\temp\=Folder Tree
+        C:\windows\a.txt=File(s)
+)");
+  for (const char* off : {"FileExclude", "DiskScan"}) Enable(off, false);
+  Enable("RemoteRegistry", true);
   m_settings.SaveSetting("RegScan", "RemoteName", "box");
   After();
-  EXPECT_EQ(Analysis("SELECT Description || '=' || Value FROM tblStats WHERE id > 9"),
-            (Lines{" =", "Disk Scan Settings=", "    Folders Scanned=None", " =",
-                   "Registry Scan Settings=", "    Hives Scanned=",
-                   "        \\\\box\\HKEY_LOCAL_MACHINE=Yes", "        \\\\box\\HKEY_USERS=No",
-                   " =", "File Exclude Settings=", "    Files / Folders Excluded=None"}));
-}
-
-TEST_F(clsAnalysisTest, ExclusionsApplyBeforeTheComparison) {
-  Before();
-  m_sample.WriteFile("C:\\users\\tester\\Temp\\t.tmp", "");
-  m_sample.WriteFile("C:\\keep.txt", "");
-  After();
-  EXPECT_EQ(Analysis("SELECT FileName FROM tblNewFiles"), Lines{"keep.txt"});
-  EXPECT_EQ(Analysis("SELECT Value FROM tblStats WHERE Description LIKE '%Temp\\'"),
-            Lines{"Folder Tree"});
+  EXPECT_EQ(settings(), R"( =
+Disk Scan Settings=
+    Folders Scanned=None
+ =
+Registry Scan Settings=
+    Hives Scanned=
+        \\box\HKEY_LOCAL_MACHINE=Yes
+        \\box\HKEY_USERS=No
+ =
+File Exclude Settings=
+    Files / Folders Excluded=None
+)");
 }
 
 TEST_F(clsAnalysisTest, ACancelledComparisonLeavesNoFile) {
@@ -240,13 +236,12 @@ TEST_F(clsAnalysisTest, ACancelledComparisonLeavesNoFile) {
   EXPECT_TRUE(m_shell.Has("Overwrite the existing file?"));
   EXPECT_EQ(m_shell.Last(), "status: Scan Stopped");
   EXPECT_FALSE(clsFileWorks::FileExists(m_analysisPath));
-  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::BeforeAndAfter);
+  EXPECT_EQ(Level(), SnapshotLevel::BeforeAndAfter);
 }
 
 TEST_F(clsAnalysisTest, AnAbortedComparisonLeavesNoFile) {
   Before();
-  m_settings.SaveSetting("ExcludeFiles", "1",
-                         "C:\\windows\\*.ini");  // a pattern that ends the analysis
+  m_settings.SaveSetting("ExcludeFiles", "1", "C:\\windows\\*.ini");  // this ends the analysis
   After();
   EXPECT_TRUE(m_shell.Has("error 5: Invalid procedure call or argument"));
   EXPECT_TRUE(m_shell.Has("[frmSandrel.CreateViews]"));
@@ -264,12 +259,12 @@ TEST_F(clsAnalysisTest, BadTargetsAreToldBeforeTheScan) {
     EXPECT_TRUE(m_shell.Has("error 7")) << target;
     EXPECT_FALSE(m_shell.Has("status: Scanning")) << target;
   }
-  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
+  EXPECT_EQ(Level(), SnapshotLevel::Before);
   EXPECT_TRUE(IsWhole(Working()));
   m_shell.Questions = {Answer::No};
   std::ofstream(m_analysisPath) << "older";
   After();
-  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
+  EXPECT_EQ(Level(), SnapshotLevel::Before);
   EXPECT_EQ(clsFileWorks::ReadWhole(m_analysisPath), "older");
 }
 
@@ -280,7 +275,7 @@ TEST_F(clsAnalysisTest, WhatCanNeverWorkIsNotGoneOnWith) {
   m_shell.Errors = {Answer::Ignore, Answer::Ignore};
   m_shell.OnEvents = [&] { m_shell.State.Scanning = false; };  // a cancel besides
   EXPECT_FALSE(m_analysis.CreateViews(Working()));
-  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::BeforeAndAfter);
+  EXPECT_EQ(Level(), SnapshotLevel::BeforeAndAfter);
   clsAnalysis none(m_shell, m_settings, m_home, nullptr);
   EXPECT_FALSE(none.CreateViews(m_analysisPath));
   EXPECT_TRUE(m_shell.Has("There is no machine to look at."));

@@ -11,7 +11,6 @@
 
 namespace sandrel {
 
-using test::Cell;
 using test::IsWhole;
 using test::NumberOf;
 
@@ -21,38 +20,33 @@ class clsSnapshotsTest : public test::SnapshotFixture {};
 
 TEST_F(clsSnapshotsTest, BeforeRecordsTheMachineAndItsTime) {
   Before();
-  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
+  EXPECT_EQ(Level(), SnapshotLevel::Before);
   EXPECT_EQ(m_settings.GetSetting("ScanFolders", "1"), "C:");  // stored for the configuration
-  EXPECT_EQ(Cell(Working(),
-                 "SELECT count(*) FROM tblFiles JOIN tblPaths p ON p.Id = PathId WHERE PathName = "
-                 "'C:\\Program Files\\Tool\\'"),
-            "1");
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblRegKey WHERE Hive = -2147483648"),
-            "0");  // classes stay out
-  EXPECT_NE(Cell(Working(), "SELECT count(*) FROM tblRegValue"), "0");
+  EXPECT_EQ(Count("readme.txt"), "1");
+  EXPECT_EQ(Select("* FROM tblRegKey WHERE Hive = -2147483648"), "no row");  // classes stay out
+  EXPECT_NE(Select("count(*) FROM tblRegValue"), "0");
   EXPECT_EQ(m_shell.BeforeTime,
             "Last 'Before' Snapshot: " + m_settings.GetSetting("Snapshot Creation Time", "Before"));
-  EXPECT_TRUE(m_shell.Has("status: Scanning Folder C:...") &&
-              m_shell.Has("status: Scanning Registry - HKEY_USERS..."));
+  EXPECT_TRUE(m_shell.Has("status: Scanning Folder C:..."));
+  EXPECT_TRUE(m_shell.Has("status: Scanning Registry - HKEY_USERS..."));
   EXPECT_EQ(m_shell.Last(), "status: Before Snapshot Complete");
   EXPECT_FALSE(m_shell.State.Scanning);
   EXPECT_TRUE(IsWhole(Working()));
 }
 
 TEST_F(clsSnapshotsTest, AnEmptyScanMakesTheTablesAllTheSame) {
-  m_settings.SaveSetting("Enabled", "DiskScan", "0");
-  m_settings.SaveSetting("Enabled", "RegScan", "0");
+  Enable("DiskScan", false);
+  Enable("RegScan", false);
   m_shell.State.BeforeSSCompleteNotify = true;
   Before();
-  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblFiles, tblIniValues"), "0");
+  EXPECT_EQ(Level(), SnapshotLevel::Before);
+  EXPECT_EQ(Select("count(*) FROM tblFiles, tblIniValues"), "0");
   EXPECT_EQ(m_shell.Last(), "wizard");
   EXPECT_EQ(m_settings.GetSetting("ScanFolders", "1", "none"), "none");
 }
 
 TEST_F(clsSnapshotsTest, AsksBeforeItOverwrites) {
   Before();
-  const std::string time = m_settings.GetSetting("Snapshot Creation Time", "Before");
   m_sample.WriteFile("C:\\new.txt", "");
   m_settings.SaveSetting("Snapshot Creation Time", "Before", "untouched");
   m_shell.Questions = {Answer::No};
@@ -62,56 +56,45 @@ TEST_F(clsSnapshotsTest, AsksBeforeItOverwrites) {
       m_shell.Has("ask: A 'Before' snapshot already exists. Overwrite the existing snapshot?"));
   EXPECT_EQ(m_shell.Last(), "wizard");
   EXPECT_EQ(m_settings.GetSetting("Snapshot Creation Time", "Before"), "untouched");
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblFiles WHERE FileName = 'new.txt'"), "0");
+  EXPECT_EQ(Count("new.txt"), "0");
 
   ASSERT_TRUE(m_snapshots.AfterSnapshot());
   m_shell.Questions = {Answer::No, Answer::No};
   EXPECT_FALSE(m_snapshots.AfterSnapshot());
   EXPECT_TRUE(m_shell.Has("ask: An 'After' snapshot already exists."));
   Before();
-  EXPECT_TRUE(
-      m_shell.Has("BOTH snapshots will be overwritten!\n\nOverwrite the existing snapshots?"));
-  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::BeforeAndAfter);
+  EXPECT_TRUE(m_shell.Has("BOTH snapshots will be overwritten!\n\nOverwrite the existing snaps"));
+  EXPECT_EQ(Level(), SnapshotLevel::BeforeAndAfter);
 }
 
 TEST_F(clsSnapshotsTest, ACancelledBeforeLeavesNoDatabase) {
-  bool asked = false;
-  m_shell.OnEvents = [&] {
-    if (!asked && m_shell.State.Scanning) asked = m_snapshots.ConfirmCancelScan();
-  };
-  Before();
-  EXPECT_TRUE(m_shell.Has("ask: Cancel Scanning") &&
-              m_shell.Has("status: Stopping scan. Please wait..."));
-  EXPECT_EQ(m_shell.Last(), "status: Scan Stopped");
-  EXPECT_FALSE(clsFileWorks::FileExists(Working()));
-  EXPECT_NE(m_settings.GetSetting("Snapshot Creation Time", "Before"),
-            "");  // the time stays behind
-  m_shell.OnEvents = nullptr;
-  EXPECT_FALSE(m_shell.State.Scanning);
-}
-
-TEST_F(clsSnapshotsTest, ACancelInTheRegistryThrowsTheFilesAwayToo) {
-  m_shell.OnEvents = [&] {
-    if (m_shell.Last().starts_with("status: Scanning Registry - HKEY_LOCAL"))
-      m_snapshots.ConfirmCancelScan();
-  };
-  Before();
-  EXPECT_FALSE(clsFileWorks::FileExists(Working()));
-  EXPECT_FALSE(m_shell.Has("HKEY_USERS"));
+  for (const char* step : {"status: Scanning Folder", "status: Scanning Registry - HKEY_LOCAL"}) {
+    m_shell.Log.clear();
+    m_shell.OnEvents = [&] {
+      if (m_shell.Last().starts_with(step)) m_snapshots.ConfirmCancelScan();
+    };
+    Before();
+    EXPECT_TRUE(m_shell.Has("ask: Cancel Scanning")) << step;
+    EXPECT_TRUE(m_shell.Has("status: Stopping scan. Please wait..."));
+    EXPECT_EQ(m_shell.Last(), "status: Scan Stopped");
+    EXPECT_FALSE(m_shell.Has("HKEY_USERS"));
+    EXPECT_FALSE(HasWorking() || m_shell.State.Scanning);
+    EXPECT_NE(m_settings.GetSetting("Snapshot Creation Time", "Before"), "");  // it stays behind
+  }
 }
 
 TEST_F(clsSnapshotsTest, ACancelledAfterFallsBackToBefore) {
   Before();
-  const std::string files = Cell(Working(), "SELECT count(*) FROM tblFiles");
+  const std::string files = Select("count(*) FROM tblFiles");
   bool asked = false;
   m_shell.OnEvents = [&] {
     if (!asked && m_shell.State.Scanning) asked = m_snapshots.ConfirmCancelScan();
   };
   std::ofstream(m_analysisPath) << "an older analysis";
   After();
-  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM sqlite_master WHERE name LIKE '%2%'"), "0");
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblFiles"), files);
+  EXPECT_EQ(Level(), SnapshotLevel::Before);
+  EXPECT_EQ(Select("count(*) FROM sqlite_master WHERE name LIKE '%2%'"), "0");
+  EXPECT_EQ(Select("count(*) FROM tblFiles"), files);
   EXPECT_EQ(clsFileWorks::ReadWhole(m_analysisPath), "an older analysis");
   EXPECT_TRUE(IsWhole(Working()));
 }
@@ -128,54 +111,30 @@ TEST_F(clsSnapshotsTest, AnErrorInTheWalkCanBeRetriedIgnoredOrAborted) {
       "You may wish to exclude file(s) or folder(s) using the Configuration option of Sandrels' "
       "Settings menu. [clsScanDrive.DoXTree] [frmSandrel.mnuSnapShotBefore]"));
   EXPECT_EQ(m_shell.Last(), "status: Before Snapshot Complete");
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblFiles WHERE FileName = 'readme.txt'"), "1");
+  EXPECT_EQ(Count("readme.txt"), "1");
 
   m_shell.Log.clear();
   Before();  // aborted: cleaned up as after a cancel
   EXPECT_EQ(m_shell.Last(), "unload");
-  EXPECT_FALSE(clsFileWorks::FileExists(Working()));
+  EXPECT_FALSE(HasWorking());
   EXPECT_FALSE(m_shell.State.Scanning);
-}
-
-// What a walk had recorded before it failed is recognised when Retry starts it again.
-TEST_F(clsSnapshotsTest, ARetriedWalkGoesOnOverItsOwnRows) {
-  for (const char* folder : {"C:\\A\\1", "C:\\A\\2"})
-    m_sample.WriteFile(std::string(folder) + "\\x.ini", "[s]\nk=1\nk=2\n");
-  m_settings.SaveSetting("ScanFolders", "1", "C:\\A");
-  m_settings.SaveSetting("Enabled", "RegScan", "0");
-  const std::string host = m_sample.HostPath("C:\\A\\2");
-  bool gone = false;
-  m_shell.OnEvents =
-      [&] {  // the second folder vanishes while the first is walked, and comes back for the retry
-        if (m_shell.State.Scanning && !gone) {
-          std::filesystem::rename(host, host + "x");
-          gone = true;
-        } else if (m_shell.Has("error 52")) {
-          std::error_code ignored;
-          std::filesystem::rename(host + "x", host, ignored);
-        }
-      };
-  m_shell.Errors = {Answer::Retry, Answer::Retry, Answer::Retry};
-  Before();
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblFiles WHERE FileName = 'x.ini'"), "2");
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) || ' ' || max(Occurance) FROM tblIniValues"), "4 1");
 }
 
 TEST_F(clsSnapshotsTest, WhatIsMissingIsToldBeforeAnythingIsChanged) {
   Before();
-  const std::string files = Cell(Working(), "SELECT count(*) FROM tblFiles");
+  const std::string files = Select("count(*) FROM tblFiles");
   m_sample.SetSystemReg("[Software\\\\Cut] 1\n\"a\"=hex:01,\\\n");
   m_machine->CloseRegistry();
   Before();
   EXPECT_TRUE(m_shell.Has("system.reg"));
   EXPECT_EQ(m_shell.Last(), "unload");
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblFiles"), files);
+  EXPECT_EQ(Select("count(*) FROM tblFiles"), files);
   EXPECT_FALSE(m_snapshots.AfterSnapshot());
-  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
+  EXPECT_EQ(Level(), SnapshotLevel::Before);
   clsSnapshots none(m_shell, m_settings, m_home, nullptr);
   none.mnuSnapShotBefore_Click();
   EXPECT_TRUE(m_shell.Has("There is no machine to look at."));
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblFiles"), files);
+  EXPECT_EQ(Select("count(*) FROM tblFiles"), files);
 }
 
 TEST_F(clsSnapshotsTest, AsksWhenTheMachineIsAnother) {
@@ -191,16 +150,16 @@ TEST_F(clsSnapshotsTest, AsksWhenTheMachineIsAnother) {
   EXPECT_TRUE(m_snapshots.AfterSnapshot());
   EXPECT_FALSE(m_shell.Has("ask: The 'Before' snapshot was taken"));
   m_snapshots.mnuSnapShotRollUp_Click();
-  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
+  EXPECT_EQ(Level(), SnapshotLevel::Before);
 }
 
 TEST_F(clsSnapshotsTest, ARemoteComputerThatCannotBeReachedIsToldOnce) {
-  m_settings.SaveSetting("Enabled", "RemoteRegistry", "1");
+  Enable("RemoteRegistry", true);
   m_settings.SaveSetting("RegScan", "RemoteName", "\\\\Far");
   Before();
   EXPECT_TRUE(m_shell.Has("ask: The remote registry on Far cannot be accessed."));
   EXPECT_EQ(m_shell.Last(), "status: Before Snapshot Complete");
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblRegKey"), "0");
+  EXPECT_EQ(Select("count(*) FROM tblRegKey"), "0");
   EXPECT_TRUE(m_shell.Has("status: Scanning Registry - \\\\Far\\HKEY_LOCAL_MACHINE..."));
 }
 
@@ -210,28 +169,25 @@ TEST_F(clsSnapshotsTest, ReplaceMakesAfterTheNewBefore) {
   ASSERT_TRUE(m_snapshots.AfterSnapshot());
   m_settings.SaveSetting("Snapshot Creation Time", "After", "then");
   m_snapshots.mnuSnapShotRollUp_Click();
-  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
+  EXPECT_EQ(Level(), SnapshotLevel::Before);
   EXPECT_EQ(m_shell.BeforeTime, "Last 'Before' Snapshot: then");
   EXPECT_EQ(m_settings.GetSetting("Snapshot Creation Time", "After"), "then");
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblFiles WHERE FileName = 'new.txt'"), "1");
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM sqlite_master WHERE name LIKE 'tbl%2%'"), "0");
+  EXPECT_EQ(Count("new.txt"), "1");
+  EXPECT_EQ(Select("count(*) FROM sqlite_master WHERE name LIKE 'tbl%2%'"), "0");
   EXPECT_TRUE(IsWhole(Working()));
   // Without an After snapshot it fails and leaves everything as it is.
   EXPECT_EQ(NumberOf([&] { m_snapshots.mnuSnapShotRollUp_Click(); }), errnum::NoSuchItem);
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblFiles WHERE FileName = 'new.txt'"), "1");
+  EXPECT_EQ(Count("new.txt"), "1");
 }
 
 TEST_F(clsSnapshotsTest, TellsWhatWasLeftOut) {
-  m_sample.WriteFile("C:\\A\\README", "");
-  m_sample.WriteFile("C:\\A\\readme", "");
-  m_sample.WriteFile("C:\\A\\what?.txt", "");
-  m_sample.WriteFile("C:\\A\\.git\\x", "");
+  for (const char* file : {"README", "readme", "what?.txt", ".git\\x"})
+    m_sample.WriteFile("C:\\A\\" + std::string(file), "");
   Before();
   EXPECT_TRUE(
       m_shell.Has("tell: Left out: 1 name that differs from another only in case, 1 name that "
-                  "Windows can't have, 1 "
-                  "hidden folder."));
-  EXPECT_EQ(Cell(Working(), "SELECT FileName FROM tblFiles WHERE FileName = 'readme'"), "README");
+                  "Windows can't have, 1 hidden folder."));
+  EXPECT_EQ(Select("FileName FROM tblFiles WHERE FileName = 'readme'"), "README");
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "common/clsFileWorks.h"
 #include "snapshot/clsAnalysis.h"
 #include "snapshot/clsSnapshots.h"
 #include "support/Rows.h"
@@ -28,7 +29,17 @@ class SnapshotFixture : public testing::Test {
     m_machine->CloseRegistry();
     m_analysis.AfterInto(m_snapshots, m_analysisPath);
   }
-  std::vector<std::string> Analysis(const std::string& sql) { return Rows(m_analysisPath, sql); }
+  Lines Analysis(const std::string& sql) { return Rows(m_analysisPath, sql); }
+  /// The first row of the working database's answer, after "SELECT".
+  std::string Select(const std::string& sql) { return Cell(Working(), "SELECT " + sql); }
+  std::string Count(const std::string& name) {
+    return Select("count(*) FROM tblFiles WHERE FileName = '" + name + "'");
+  }
+  bool HasWorking() const { return clsFileWorks::FileExists(Working()); }
+  SnapshotLevel Level() { return m_snapshots.GetSnapshotLevel(); }
+  void Enable(const char* what, bool on) {
+    m_settings.SaveSetting("Enabled", what, on ? "1" : "0");
+  }
 
   SampleMachine m_sample;
   TempFolder m_temp;
