@@ -10,6 +10,8 @@
 namespace sandrel {
 namespace {
 
+const char* CurrentVersion = "Software\\Microsoft\\Windows NT\\CurrentVersion";
+
 class clsEnvironmentTest : public testing::Test {
  protected:
   void Set(std::uint32_t root, std::string_view key, std::string_view name, std::string_view text,
@@ -20,8 +22,8 @@ class clsEnvironmentTest : public testing::Test {
         regstatus::Success);
   }
   void AddProfile(const std::string& sid, std::string_view folder) {
-    Set(hkey::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList\\" + sid,
-        "ProfileImagePath", folder, regtype::ExpandSz);
+    Set(hkey::LocalMachine, CurrentVersion + ("\\ProfileList\\" + sid), "ProfileImagePath", folder,
+        regtype::ExpandSz);
   }
 
   test::TempFolder m_volume;
@@ -47,11 +49,9 @@ TEST_F(clsEnvironmentTest, FallsBackToTheWindowsFolderThatIsThere) {
   std::filesystem::create_directory(m_volume.Of("Windows"));
   EXPECT_EQ(m_environment.WindowsFolder(), "C:\\Windows");
   // The volume was another drive when its system ran.
-  Set(hkey::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion", "SystemRoot",
-      "E:\\WINDOWS");
+  Set(hkey::LocalMachine, CurrentVersion, "SystemRoot", "E:\\WINDOWS");
   EXPECT_EQ(m_environment.WindowsFolder(), "C:\\Windows");
-  Set(hkey::LocalMachine, "Software\\Microsoft\\Windows NT\\CurrentVersion", "SystemRoot",
-      "C:\\winnt\\");
+  Set(hkey::LocalMachine, CurrentVersion, "SystemRoot", "C:\\winnt\\");
   EXPECT_EQ(m_environment.WindowsFolder(), "C:\\winnt");
 }
 

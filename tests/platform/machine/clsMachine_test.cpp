@@ -9,16 +9,17 @@
 
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
+#include "support/NumberOf.h"
 #include "support/RegfBuilder.h"
 #include "support/SampleMachine.h"
 
 namespace sandrel {
 namespace {
 
-using testing::AllOf;
+using test::Raises;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::Optional;
+using namespace std::string_view_literals;
 
 class clsMachineTest : public testing::Test {
  protected:
@@ -43,14 +44,9 @@ TEST(clsMachineOpen, TellsAPrefixAVolumeAndNeither) {
   EXPECT_THAT(prefix->HostPath("C:\\X\\"), Optional(folder.Of("prefix/drive_c/x")));
 
   for (const char* name : {"volume/WINDOWS", "missing"}) {
-    try {
-      clsMachine::Open(folder.Of(name));
-      ADD_FAILURE() << "no error for " << name;
-    } catch (const clsError& error) {
-      EXPECT_EQ(error.Number(), errnum::Machine);
-      EXPECT_THAT(error.Description(), HasSubstr(folder.Of(name)));
-      EXPECT_THAT(error.Description(), AllOf(HasSubstr("drive_c"), HasSubstr("System32/config")));
-    }
+    for (const std::string& part :
+         {folder.Of(name), std::string("drive_c"), std::string("System32/config")})
+      EXPECT_TRUE(Raises(errnum::Machine, part, [&] { clsMachine::Open(folder.Of(name)); }));
   }
 }
 
@@ -76,42 +72,37 @@ TEST_F(clsMachineTest, DrivesAreTheLinksThatLeadToFolders) {
 }
 
 TEST_F(clsMachineTest, FindsPathsWithoutRegardToCase) {
-  const std::string tool = m_sample.HostPath("C:\\Program Files\\Tool\\readme.txt");
   m_sample.WriteFile("C:\\\xC3\x84rger\\x", "");
-  struct Case {
-    const char* Path;
-    std::optional<std::string> Expected;
-  };
-  const Case cases[] = {
-      {"C:\\Program Files\\Tool\\readme.txt", tool},
-      {"c:\\PROGRAM FILES\\tool\\Readme.TXT", tool},
-      {"C:/program files//tool\\.\\readme.txt\\", tool},
-      {"C:\\windows\\..\\..\\Program Files\\Tool\\readme.txt", tool},
-      {"C:\\\xC3\xA4RGER\\X", m_sample.HostPath("C:\\\xC3\x84rger\\x")},
-      {"C:\\Program Files\\Tool\\readme.txt\\below", std::nullopt},
-      {"C:\\Program Files\\nothing", std::nullopt},
-      {"C:windows", std::nullopt},
-      {"\\\\server\\share", std::nullopt},
-      {"windows", std::nullopt},
-      {"C:\\win*", std::nullopt},
-      {"", std::nullopt},
-  };
-  for (const Case& c : cases) EXPECT_EQ(m_machine->HostPath(c.Path), c.Expected) << c.Path;
-  EXPECT_EQ(m_machine->HostPath(std::string_view("C:\\windows\0", 11)), std::nullopt);
+  for (const char* path :
+       {"C:\\Program Files\\Tool\\readme.txt", "c:\\PROGRAM FILES\\tool\\Readme.TXT",
+        "C:/program files//tool\\.\\readme.txt\\",
+        "C:\\windows\\..\\..\\Program Files\\Tool\\readme.txt"})
+    EXPECT_THAT(m_machine->HostPath(path),
+                Optional(m_sample.HostPath("C:\\Program Files\\Tool\\readme.txt")))
+        << path;
+  EXPECT_THAT(m_machine->HostPath("C:\\\xC3\xA4RGER\\X"),
+              Optional(m_sample.HostPath("C:\\\xC3\x84rger\\x")));
+  for (const std::string_view path :
+       {"C:\\Program Files\\Tool\\readme.txt\\below"sv, "C:\\Program Files\\nothing"sv,
+        "C:windows"sv, "\\\\server\\share"sv, "windows"sv, "C:\\win*"sv, ""sv, "C:\\windows\0"sv})
+    EXPECT_EQ(m_machine->HostPath(path), std::nullopt) << path;
 }
 
 TEST_F(clsMachineTest, NeverGivesAnAnswerOfYesterday) {
+  const auto leadsTo = [&](const char* path) {
+    EXPECT_THAT(m_machine->HostPath("C:\\NEW\\a.txt"), Optional(m_sample.HostPath(path)));
+  };
   EXPECT_FALSE(m_machine->FileExists("C:\\NEW\\a.txt"));
   m_sample.WriteFile("C:\\new\\A.txt", "");
-  EXPECT_THAT(m_machine->HostPath("C:\\NEW\\a.txt"), Optional(m_sample.HostPath("C:\\new\\A.txt")));
+  leadsTo("C:\\new\\A.txt");
   // A name that is nearer in byte order, then the exact one; then the first one goes.
   m_sample.WriteFile("C:\\New\\A.txt", "");
-  EXPECT_THAT(m_machine->HostPath("C:\\NEW\\a.txt"), Optional(m_sample.HostPath("C:\\New\\A.txt")));
+  leadsTo("C:\\New\\A.txt");
   m_sample.WriteFile("C:\\NEW\\b.txt", "");
   EXPECT_EQ(m_machine->HostPath("C:\\NEW\\a.txt"), std::nullopt);
   m_sample.Remove("C:\\NEW");
   m_sample.Remove("C:\\New");
-  EXPECT_THAT(m_machine->HostPath("C:\\NEW\\a.txt"), Optional(m_sample.HostPath("C:\\new\\A.txt")));
+  leadsTo("C:\\new\\A.txt");
 }
 
 TEST_F(clsMachineTest, RemembersANameOnlyWhileItsFolderStaysAsItIs) {
@@ -140,11 +131,7 @@ TEST_F(clsMachineTest, MapsHostPathsByTheNearestDrive) {
   std::filesystem::create_directory(outside);
   std::filesystem::create_symlink(outside, m_sample.HostPath("C:\\link"));
   std::filesystem::create_symlink(m_sample.HostPath("C:\\users"), outside + "/back");
-  struct Case {
-    std::string Host;
-    std::optional<std::string> Expected;
-  };
-  const Case cases[] = {
+  const std::pair<std::string, std::optional<std::string>> cases[] = {
       {m_sample.HostPath("C:\\users\\tester"), "C:\\users\\tester"},
       {m_sample.HostPath("C:\\users\\not there\\"), "C:\\users\\not there"},
       {m_sample.HostPath("C:\\windows\\system32"), "W:\\system32"},
@@ -158,7 +145,8 @@ TEST_F(clsMachineTest, MapsHostPathsByTheNearestDrive) {
       {"", std::nullopt},
       {"/", "Z:\\"},
   };
-  for (const Case& c : cases) EXPECT_EQ(m_machine->WindowsPath(c.Host), c.Expected) << c.Host;
+  for (const auto& [host, expected] : cases)
+    EXPECT_EQ(m_machine->WindowsPath(host), expected) << host;
   std::filesystem::remove(m_sample.Folder() + "/dosdevices/z:");
   EXPECT_EQ(m_machine->WindowsPath(outside), std::nullopt);
 }
@@ -171,13 +159,8 @@ TEST_F(clsMachineTest, GivesDetailsByPath) {
   EXPECT_EQ(details.Attributes, fileattr::Archive);
   EXPECT_EQ(m_machine->Details("C:\\windows\\").Attributes, fileattr::Directory);
   EXPECT_EQ(m_machine->Details("C:\\windows\\").Length, 0u);
-  try {
-    m_machine->Details("C:\\gone.txt");
-    FAIL() << "no error for a missing file";
-  } catch (const clsError& error) {
-    EXPECT_EQ(error.Number(), errnum::PathFileAccess);
-    EXPECT_THAT(error.Description(), HasSubstr("C:\\gone.txt"));
-  }
+  EXPECT_TRUE(
+      Raises(errnum::PathFileAccess, "C:\\gone.txt", [&] { m_machine->Details("C:\\gone.txt"); }));
 }
 
 TEST_F(clsMachineTest, TakesItsFoldersAndVariablesFromItsOwnRegistry) {
@@ -198,21 +181,19 @@ TEST_F(clsMachineTest, TakesItsFoldersAndVariablesFromItsOwnRegistry) {
 
 TEST_F(clsMachineTest, TheEnvironmentOfAVolumeIsThatOfTheUserAskedFor) {
   test::TempFolder folder;
-  test::RegfBuilder software;
-  for (const char* name : {"ann", "bob"}) {
-    software
-        .Key(std::string("Microsoft\\Windows NT\\CurrentVersion\\ProfileList\\S-1-5-21-1-") + name)
-        .Text("ProfileImagePath", std::string("%SystemDrive%\\Users\\") + name);
-    test::RegfBuilder user;
-    user.Key("Environment").Text("TEMP", "%USERPROFILE%\\Temp");
-    std::filesystem::create_directories(folder.Of(std::string("Users/") + name));
-    clsFileWorks::ReplaceWhole(folder.Of(std::string("Users/") + name + "/NTUSER.DAT"),
-                               user.Build());
+  const auto write = [&](const std::string& path, test::RegfBuilder& hive) {
+    std::filesystem::create_directories(std::filesystem::path(folder.Of(path)).parent_path());
+    clsFileWorks::ReplaceWhole(folder.Of(path), hive.Build());
+  };
+  test::RegfBuilder software, system, user;
+  user.Key("Environment").Text("TEMP", "%USERPROFILE%\\Temp");
+  for (const std::string name : {"ann", "bob"}) {
+    software.Key("Microsoft\\Windows NT\\CurrentVersion\\ProfileList\\S-1-5-21-1-" + name)
+        .Text("ProfileImagePath", "%SystemDrive%\\Users\\" + name);
+    write("Users/" + name + "/NTUSER.DAT", user);
   }
-  std::filesystem::create_directories(folder.Of("Windows/System32/config"));
-  clsFileWorks::ReplaceWhole(folder.Of("Windows/System32/config/SOFTWARE"), software.Build());
-  clsFileWorks::ReplaceWhole(folder.Of("Windows/System32/config/SYSTEM"),
-                             test::RegfBuilder().Build());
+  write("Windows/System32/config/SOFTWARE", software);
+  write("Windows/System32/config/SYSTEM", system);
   EXPECT_EQ(clsMachine::Open(folder.Path())->Environ("temp"), "C:\\Users\\ann\\Temp");
   setenv("SANDREL_USER", "bob", 1);
   EXPECT_EQ(clsMachine::Open(folder.Path())->Environ("temp"), "C:\\Users\\bob\\Temp");
@@ -221,12 +202,7 @@ TEST_F(clsMachineTest, TheEnvironmentOfAVolumeIsThatOfTheUserAskedFor) {
 
 TEST_F(clsMachineTest, AnUnreadableRegistryIsAnErrorNotAnEmptyText) {
   std::filesystem::remove(m_sample.Folder() + "/user.reg");
-  try {
-    m_machine->Environ("temp");
-    FAIL() << "no error for a missing hive";
-  } catch (const clsError& error) {
-    EXPECT_EQ(error.Number(), errnum::Hive);
-  }
+  EXPECT_TRUE(Raises(errnum::Hive, "user.reg", [&] { m_machine->Environ("temp"); }));
 }
 
 TEST_F(clsMachineTest, ReachesRemoteComputersByTheirFolders) {

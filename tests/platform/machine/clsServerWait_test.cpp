@@ -37,34 +37,26 @@ struct Prefix {
 };
 
 TEST(clsServerWait, EndsWithTheServerTheFilesOrTheTime) {
-  Prefix none;
-  none.ServerEnds = milliseconds(0);
-  EXPECT_TRUE(none.Wait());
-  EXPECT_EQ(none.Slept, milliseconds(0));
-
-  Prefix ends;
-  ends.ServerEnds = seconds(3);
-  EXPECT_TRUE(ends.Wait());
-  EXPECT_EQ(ends.Slept, seconds(3));
-
+  for (const seconds end : {seconds(0), seconds(3)}) {
+    Prefix ends;
+    ends.ServerEnds = end;
+    EXPECT_TRUE(ends.Wait());
+    EXPECT_EQ(ends.Slept, end);
+  }
   Prefix idle;
   EXPECT_TRUE(idle.Wait());
   EXPECT_EQ(idle.Slept, seconds(35));
   EXPECT_LE(idle.LongestSleep, milliseconds(50));
-}
 
-TEST(clsServerWait, WaitsUntilAllFilesAreWritten) {
   Prefix writes;
   writes.Writes = {seconds(2), milliseconds(2200)};  // the second file follows the first
   EXPECT_TRUE(writes.Wait());
   EXPECT_GE(writes.Slept, milliseconds(2200));
   EXPECT_LT(writes.Slept, seconds(3));
-}
 
-TEST(clsServerWait, CanBeCancelled) {
-  Prefix prefix;
-  EXPECT_FALSE(prefix.Wait(5));
-  EXPECT_EQ(prefix.Slept, milliseconds(200));
+  Prefix cancelled;
+  EXPECT_FALSE(cancelled.Wait(5));
+  EXPECT_EQ(cancelled.Slept, milliseconds(200));
 }
 
 }  // namespace
