@@ -134,6 +134,11 @@ void clsFileWorks::ReplaceWhole(const std::string& path, std::string_view conten
   }
 }
 
+void clsFileWorks::Sync(const std::string& path) {
+  const clsDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (file.Get() < 0 || fsync(file.Get()) != 0) throw ErrnoError(errno, "Can't write " + path);
+}
+
 void clsFileWorks::DeleteFile(const std::string& path) {
   if (unlink(path.c_str()) != 0 && errno != ENOENT) {
     throw ErrnoError(errno, "Can't delete " + path);

@@ -23,6 +23,9 @@ class clsFileWorks {
   /// permissions and, where possible, its owner stay. Raises the number of the failure.
   static void ReplaceWhole(const std::string& path, std::string_view content);
 
+  /// Waits until the disk has a file's content. Raises the number of the failure.
+  static void Sync(const std::string& path);
+
   /// Deletes a file; one that isn't there is no error.
   static void DeleteFile(const std::string& path);
 

@@ -37,7 +37,7 @@ std::int64_t LastSectionFile(const dao::Database& database, const std::string& t
 
 void clsScanDrive::StartDBTransaction(bool bNoIni) {
   RaiseAs("clsScanDrive.StartDBTransaction", [&] {
-    m_workspace = dao::DBEngine::CreateWorkspace("");
+    m_workspace = dao::DBEngine::CreateWorkspace("", Durability);
     m_database = m_workspace->OpenDatabase(Database);
     const auto open = [&](const std::string& table) {
       auto records = m_database->OpenRecordset(table, dao::RecordsetType::Table);

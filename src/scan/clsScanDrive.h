@@ -31,6 +31,8 @@ class clsScanDrive {
   std::string IniSectionTable;  ///< INI sections of both snapshots
   std::string IniValueTable;    ///< INI entries of this snapshot
 
+  dao::Durability Durability = dao::Durability::Full;  ///< of the walk's commits
+
   /// The share of the work that is done, a whole percentage that only grows.
   std::function<void(int)> PercentComplete;
   /// A walk has ended because of `Cancel`.

@@ -40,7 +40,7 @@ void EachSubkey(clsRegistry& registry, const clsRegistry::Handle& key, const std
 
 void clsScanReg::StartDBTransaction() {
   RaiseAs("clsScanReg.StartDBTransaction", [&] {
-    m_workspace = dao::DBEngine::CreateWorkspace("");
+    m_workspace = dao::DBEngine::CreateWorkspace("", Durability);
     m_database = m_workspace->OpenDatabase(Database);
     m_keys = m_database->OpenRecordset(KeyTable, dao::RecordsetType::Table);
     m_keys->SetIndex("PrimaryKey");

@@ -37,6 +37,8 @@ class clsScanReg {
   std::string ValueTable;  ///< values of this snapshot
   std::uint32_t Hive = 0;  ///< root key of the running walk
 
+  dao::Durability Durability = dao::Durability::Full;  ///< of the walk's commits
+
   /// The exact share of the hive that is walked, raised at every subkey.
   std::function<void(int)> PercentComplete;
   /// A walk has ended because of `Cancel`.

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "common/clsError.h"
+#include "common/clsFileWorks.h"
 #include "common/clsPathText.h"
 #include "common/modDateText.h"
 #include "platform/dao/Workspace.h"
@@ -84,11 +85,18 @@ void clsSnapshots::mnuSnapShotBefore_Click() {
   std::optional<clsHomeLock> lock;  // also while an aborted command cleans up
   run.Command([&] { Before(run, lock); },
               [&] {
-                moDriveScan.reset();
-                moRegScan.reset();
+                EndScans();
                 if (m_changed) DiscardBefore();
                 m_shell.State.Scanning = false;
               });
+}
+
+// What an aborted command leaves open is undone by closing it.
+void clsSnapshots::EndScans() {
+  moDriveScan.reset();
+  moRegScan.reset();
+  dao::Workspace& workspace = dao::DBEngine::FirstWorkspace();
+  if (workspace.InTransaction()) workspace.Rollback();
 }
 
 void clsSnapshots::DiscardBefore() {
@@ -137,13 +145,15 @@ void clsSnapshots::Before(clsStatements& run, std::optional<clsHomeLock>& lock) 
     clsTableMaint maint;
     run([&] { maint.DeleteDatabase(database); });
     run([&] { maint.CreateDatabase(database); });
-    run([&] { maint.CreateTempRegKeyTable(database, "tblRegKey"); });
-    run([&] { maint.CreateTempRegValueTable(database, "tblRegValue"); });
-    run([&] { maint.CreateTempPathTable(database, "tblPaths"); });
-    run([&] { maint.CreateTempFileTable(database, "tblFiles"); });
-    run([&] { maint.CreateTempIniSectionTable(database, "tblIniSections"); });
-    run([&] { maint.CreateTempIniValueTable(database, "tblIniValues"); });
-    const Tables tables{"tblFiles", "", "tblRegValue", "tblIniValues"};
+    MakeTables(run, {[&] { maint.CreateTempRegKeyTable(database, "tblRegKey"); },
+                     [&] { maint.CreateTempRegValueTable(database, "tblRegValue"); },
+                     [&] { maint.CreateTempPathTable(database, "tblPaths"); },
+                     [&] { maint.CreateTempFileTable(database, "tblFiles"); },
+                     [&] { maint.CreateTempIniSectionTable(database, "tblIniSections"); },
+                     [&] { maint.CreateTempIniValueTable(database, "tblIniValues"); }});
+    // A Before snapshot is worth nothing until it is complete: only then the disk is waited for.
+    const Tables tables{"tblFiles", "", "tblRegValue", "tblIniValues",
+                        dao::Durability::UntilPowerFails};
     ScanDisk(run, tables, true);
     ScanRegistry(run, tables);
     // Also after a cancelled scan, whose time then stands for a snapshot that isn't there.
@@ -151,6 +161,7 @@ void clsSnapshots::Before(clsStatements& run, std::optional<clsHomeLock>& lock) 
     run([&] { StoreMachine("Before", m_machine->Folder()); });
     run([&] { ShowLastBeforeSnapshot(); });
     if (!state.CloseDown) run([&] { m_shell.SetProgress(0); });
+    if (state.Scanning) run([&] { clsFileWorks::Sync(database); });
     if (state.Scanning) {
       run([&] { m_shell.SetStatusText("Before Snapshot Complete"); });
       run([&] { TellLeftOut(); });
@@ -185,8 +196,7 @@ bool clsSnapshots::AfterSnapshot() {
   std::optional<clsHomeLock> lock;
   const bool ended = run.Command([&] { complete = After(run, lock); },
                                  [&] {
-                                   moDriveScan.reset();
-                                   moRegScan.reset();
+                                   EndScans();
                                    if (m_changed) DiscardAfter();
                                    m_shell.State.Scanning = false;
                                  });
@@ -225,10 +235,11 @@ bool clsSnapshots::After(clsStatements& run, std::optional<clsHomeLock>& lock) {
   ForgetLeftOut();
   m_changed = true;
   clsTableMaint maint;
-  run([&] { maint.CreateTempRegValueTable(database, "tblRegValue2"); });
-  run([&] { maint.CreateTempFileTable(database, "tblFiles2"); });
-  run([&] { maint.CreateTempIniValueTable(database, "tblIniValues2"); });
-  const Tables tables{"tblFiles2", "tblFiles", "tblRegValue2", "tblIniValues2"};
+  MakeTables(run, {[&] { maint.CreateTempRegValueTable(database, "tblRegValue2"); },
+                   [&] { maint.CreateTempFileTable(database, "tblFiles2"); },
+                   [&] { maint.CreateTempIniValueTable(database, "tblIniValues2"); }});
+  const Tables tables{"tblFiles2", "tblFiles", "tblRegValue2", "tblIniValues2",
+                      dao::Durability::Full};
   ScanDisk(run, tables, false);
   ScanRegistry(run, tables);
   run([&] { StoreTime("After"); });
@@ -249,6 +260,16 @@ bool clsSnapshots::After(clsStatements& run, std::optional<clsHomeLock>& lock) {
     run([&] { m_shell.RefreshMenus(); });
   }
   return complete;
+}
+
+// In one transaction: a process that is killed leaves all of them or none, and the disk is waited
+// for once.
+void clsSnapshots::MakeTables(clsStatements& run,
+                              std::initializer_list<std::function<void()>> creators) {
+  dao::Workspace& workspace = dao::DBEngine::FirstWorkspace();
+  run([&] { workspace.BeginTrans(); });
+  for (const auto& create : creators) run(create);
+  run([&] { workspace.CommitTrans(); });
 }
 
 void clsSnapshots::DropAfterTables() {
@@ -289,6 +310,7 @@ void clsSnapshots::ScanDisk(clsStatements& run, const Tables& tables, bool store
     moDriveScan->FirstFileTable = tables.FirstFiles;
     moDriveScan->IniSectionTable = "tblIniSections";
     moDriveScan->IniValueTable = tables.IniValues;
+    moDriveScan->Durability = tables.Durability;
     run([&] { moDriveScan->StartDBTransaction(false); });
     run([&] { moDriveScan->DoXTreeFiles(clsPathText::AddSeparator(folder)); });
     run([&] { moDriveScan->CommitDBTransaction(false); });
@@ -305,6 +327,7 @@ void clsSnapshots::ScanRegistry(clsStatements& run, const Tables& tables) {
   moRegScan->Database = m_home.WorkingDatabase();
   moRegScan->KeyTable = "tblRegKey";
   moRegScan->ValueTable = tables.RegValues;
+  moRegScan->Durability = tables.Durability;
   run([&] { moRegScan->StartDBTransaction(); });
   ScanRegistryHives(run);
   run([&] { moRegScan->CommitDBTransaction(); });

@@ -6,6 +6,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -64,6 +66,7 @@ class clsSnapshots {
     const char* FirstFiles;
     const char* RegValues;
     const char* IniValues;
+    dao::Durability Durability;
   };
 
   bool NeedMachine(clsStatements& run);
@@ -76,6 +79,8 @@ class clsSnapshots {
   void ScanRegistry(clsStatements& run, const Tables& tables);
   void ScanRegistryHives(clsStatements& run);
   void WaitForServer(clsMachine& machine);
+  void MakeTables(clsStatements& run, std::initializer_list<std::function<void()>> creators);
+  void EndScans();
   void DropAfterTables();
   void DiscardBefore();
   void DiscardAfter();

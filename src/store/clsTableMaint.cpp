@@ -9,23 +9,31 @@
 namespace sandrel {
 namespace {
 
-// The table and its indexes appear together or not at all.
+void MakeTable(dao::TableDefs tables, const std::string& name, const TableShape& shape) {
+  dao::TableDef table(name);
+  for (const dao::Field& field : shape.Fields) table.AppendField(field);
+  try {
+    tables.Append(table);
+  } catch (const clsError& error) {
+    if (error.Number() != errnum::TableExists) throw;
+    tables.Delete(name);
+    tables.Append(table);
+  }
+  for (const dao::Index& index : shape.Indexes) tables.AppendIndex(name, index);
+}
+
+// The table and its indexes appear together or not at all; a caller's transaction takes in several
+// tables.
 void CreateTable(const std::string& path, const std::string& name, const TableShape& shape) {
   dao::Workspace& workspace = dao::DBEngine::FirstWorkspace();
   const auto database = workspace.OpenDatabase(path);
-  dao::TableDef table(name);
-  for (const dao::Field& field : shape.Fields) table.AppendField(field);
+  if (workspace.InTransaction()) {
+    MakeTable(database->TableDefs(), name, shape);
+    return;
+  }
   workspace.BeginTrans();
   try {
-    dao::TableDefs tables = database->TableDefs();
-    try {
-      tables.Append(table);
-    } catch (const clsError& error) {
-      if (error.Number() != errnum::TableExists) throw;
-      tables.Delete(name);
-      tables.Append(table);
-    }
-    for (const dao::Index& index : shape.Indexes) tables.AppendIndex(name, index);
+    MakeTable(database->TableDefs(), name, shape);
     workspace.CommitTrans();
   } catch (const clsError&) {
     if (workspace.InTransaction()) workspace.Rollback();

@@ -42,7 +42,7 @@ std::string QuoteText(std::string_view text) {
   return Doubled(text, '\'');
 }
 
-Connection::Connection(const std::string& path) : m_path(path) {
+Connection::Connection(const std::string& path, bool durable) : m_path(path) {
   Configure();
   // A relative name that begins with "file:" must not be taken for a URI with options.
   const std::string name = path.starts_with("file:") ? "./" + path : path;
@@ -62,6 +62,7 @@ Connection::Connection(const std::string& path) : m_path(path) {
   sqlite3_db_config(m_handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   // These touch no page of the file, so that a file that is no database still opens.
   sqlite3_exec(m_handle, Settings, nullptr, nullptr, nullptr);
+  if (!durable) sqlite3_exec(m_handle, "PRAGMA synchronous = OFF;", nullptr, nullptr, nullptr);
   struct stat status {};
   if (stat(path.c_str(), &status) == 0) m_file = {status.st_dev, status.st_ino};
   ++OpenFiles()[m_file];

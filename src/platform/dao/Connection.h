@@ -21,7 +21,9 @@ class Connection {
   /// Opens the existing file at `path` for reading and writing, or for reading alone where it can't
   /// be written. Raises 3051 when that fails. A file that is no database opens; its first statement
   /// fails.
-  explicit Connection(const std::string& path);
+  /// Unless it is `durable`, a commit doesn't wait for the disk: it outlives the process, but not a
+  /// failure of power.
+  explicit Connection(const std::string& path, bool durable = true);
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;

@@ -89,7 +89,7 @@ std::unique_ptr<Database> Workspace::OpenDatabase(const std::string& path) {
   const FileKey key{status.st_dev, status.st_ino};
   std::shared_ptr<Connection> connection = m_connections[key].lock();
   if (connection == nullptr) {
-    connection = std::make_shared<Connection>(path);
+    connection = std::make_shared<Connection>(path, m_durability == Durability::Full);
     if (m_inTransaction) {
       connection->Begin();
       m_inTransactionConnections.push_back(connection);
@@ -164,8 +164,8 @@ Workspace& DBEngine::FirstWorkspace() {
   return first;
 }
 
-std::shared_ptr<Workspace> DBEngine::CreateWorkspace(std::string name) {
-  return std::make_shared<Workspace>(std::move(name));
+std::shared_ptr<Workspace> DBEngine::CreateWorkspace(std::string name, Durability durability) {
+  return std::make_shared<Workspace>(std::move(name), durability);
 }
 
 }  // namespace sandrel::dao

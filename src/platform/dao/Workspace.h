@@ -43,9 +43,14 @@ class Database {
   std::int64_t m_recordsAffected = 0;
 };
 
+/// Whether a commit waits until the disk has everything. One that doesn't wait outlives the
+/// process, but not a failure of power: for a database that is worth nothing until it is finished.
+enum class Durability : std::uint8_t { Full, UntilPowerFails };
+
 class Workspace {
  public:
-  explicit Workspace(std::string name) : m_name(std::move(name)) {}
+  explicit Workspace(std::string name, Durability durability = Durability::Full)
+      : m_name(std::move(name)), m_durability(durability) {}
   ~Workspace();
   Workspace(const Workspace&) = delete;
   Workspace& operator=(const Workspace&) = delete;
@@ -74,6 +79,7 @@ class Workspace {
   std::vector<std::shared_ptr<Connection>> Open() const;
 
   std::string m_name;
+  Durability m_durability;
   std::map<FileKey, std::weak_ptr<Connection>> m_connections;
   std::vector<std::shared_ptr<Connection>> m_inTransactionConnections;
   bool m_inTransaction = false;
@@ -83,7 +89,8 @@ class DBEngine {
  public:
   /// The first workspace, which always exists.
   static Workspace& FirstWorkspace();
-  static std::shared_ptr<Workspace> CreateWorkspace(std::string name);
+  static std::shared_ptr<Workspace> CreateWorkspace(std::string name,
+                                                    Durability durability = Durability::Full);
 
   /// True while this process has the database file open, in any workspace. Such a file must not be
   /// opened past the engine: closing it again would drop the engine's locks.
