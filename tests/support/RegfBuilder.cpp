@@ -11,7 +11,7 @@ constexpr std::uint32_t NoCell = 0xFFFFFFFFu;
 constexpr std::size_t PageSize = 4096;
 constexpr std::size_t BinHeader = 32;
 constexpr std::size_t LongestCellData = 16344;  // longer data is split
-constexpr std::uint64_t Written = 0x01D000000000000ull;
+constexpr std::uint32_t Written = 0x01D00000;   // the high half of every time
 
 void Put16(std::string& out, std::uint32_t number) {
   out.push_back(static_cast<char>(number));
@@ -23,15 +23,15 @@ void Put32(std::string& out, std::uint32_t number) {
   Put16(out, number >> 16);
 }
 
-void Put64(std::string& out, std::uint64_t number) {
-  Put32(out, static_cast<std::uint32_t>(number));
-  Put32(out, static_cast<std::uint32_t>(number >> 32));
+// Sizes of lists and cells among them, so any number that fits.
+std::string Words(std::initializer_list<std::size_t> numbers) {
+  std::string out;
+  for (const std::size_t number : numbers) Put32(out, static_cast<std::uint32_t>(number));
+  return out;
 }
 
-void Set32(std::string& out, std::size_t at, std::uint32_t number) {
-  std::string bytes;
-  Put32(bytes, number);
-  out.replace(at, 4, bytes);
+void Set32(std::string& out, std::size_t at, std::size_t number) {
+  out.replace(at, 4, Words({number}));
 }
 
 std::uint32_t Get32(const std::string& bytes, std::size_t at) {
@@ -83,9 +83,7 @@ RegfKey& RegfKey::Text(std::string valueName, std::string_view text) {
 }
 
 RegfKey& RegfKey::Dword(std::string valueName, std::uint32_t number) {
-  std::string data;
-  Put32(data, number);
-  return Value(std::move(valueName), 4, data);
+  return Value(std::move(valueName), 4, Words({number}));
 }
 
 RegfKey& RegfKey::LinkTo(std::string_view target) {
@@ -95,7 +93,7 @@ RegfKey& RegfKey::LinkTo(std::string_view target) {
 
 void RegfBuilder::EndBin() {
   // What is left of a bin is one free cell.
-  if (m_used < m_binEnd) Set32(m_bins, m_used, static_cast<std::uint32_t>(m_binEnd - m_used));
+  if (m_used < m_binEnd) Set32(m_bins, m_used, m_binEnd - m_used);
   m_used = m_binEnd;
 }
 
@@ -106,16 +104,13 @@ std::uint32_t RegfBuilder::AddCell(std::string_view content) {
     EndBin();
     const std::size_t binSize = (BinHeader + size + PageSize - 1) / PageSize * PageSize;
     m_binStart = m_binEnd;
-    std::string header = "hbin";
-    Put32(header, static_cast<std::uint32_t>(m_binStart));
-    Put32(header, static_cast<std::uint32_t>(binSize));
-    m_bins += header;
+    m_bins += "hbin" + Words({m_binStart, binSize});
     m_binEnd = m_binStart + binSize;
     m_bins.resize(m_binEnd, '\0');
     m_used = m_binStart + BinHeader;
   }
   const std::size_t place = m_used;
-  Set32(m_bins, place, ~static_cast<std::uint32_t>(size) + 1);
+  Set32(m_bins, place, 0 - size);
   m_bins.replace(place + 4, content.size(), content);
   m_used += size;
   m_cells.push_back(PageSize + place);
@@ -131,9 +126,7 @@ std::uint32_t RegfBuilder::AddData(const std::string& data) {
   }
   std::string cell = "db";
   Put16(cell, count);
-  Put32(cell, AddCell(segments));
-  Put32(cell, 0);
-  return AddCell(cell);
+  return AddCell(cell + Words({AddCell(segments), 0}));
 }
 
 std::uint32_t RegfBuilder::AddValue(const RegfValue& value) {
@@ -141,19 +134,14 @@ std::uint32_t RegfBuilder::AddValue(const RegfValue& value) {
   const bool latin1 = Encode(value.name, name);
   std::string cell = "vk";
   Put16(cell, static_cast<std::uint32_t>(name.size()));
-  const auto size = static_cast<std::uint32_t>(value.data.size());
+  const std::size_t size = value.data.size();
   if (size <= 4) {
-    Put32(cell, size | 0x80000000u);
-    cell += value.data;
+    cell += Words({size | 0x80000000u}) + value.data;
     cell.resize(12, '\0');
   } else {
-    Put32(cell, size);
-    Put32(cell, AddData(value.data));
+    cell += Words({size, AddData(value.data)});
   }
-  Put32(cell, value.type);
-  Put16(cell, latin1 ? 1 : 0);
-  Put16(cell, 0);
-  return AddCell(cell + name);
+  return AddCell(cell + Words({value.type, latin1}) + name);
 }
 
 std::uint32_t RegfBuilder::AddSubkeyList(const std::vector<std::uint32_t>& subkeys,
@@ -191,20 +179,9 @@ std::uint32_t RegfBuilder::AddKey(const RegfKey& key, std::uint32_t parent, bool
   const bool latin1 = Encode(key.name, name);
   std::string cell = "nk";
   Put16(cell, (latin1 ? 0x20u : 0u) | (isRoot ? 0x0Cu : 0u) | (key.link ? 0x10u : 0u));
-  Put64(cell, Written);
-  Put32(cell, 0);
-  Put32(cell, parent);
-  Put32(cell, static_cast<std::uint32_t>(key.subkeys.size()));
-  Put32(cell, 0);
-  Put32(cell, NoCell);  // 28: the list of subkeys
-  Put32(cell, NoCell);
-  Put32(cell, static_cast<std::uint32_t>(key.values.size()));
-  Put32(cell, NoCell);  // 40: the list of values
-  Put32(cell, NoCell);
-  Put32(cell, NoCell);
-  cell.append(20, '\0');
-  Put16(cell, static_cast<std::uint32_t>(name.size()));
-  Put16(cell, 0);
+  // The lists of subkeys (at 28) and of values (at 40) are filled in when they stand.
+  cell += Words({0, Written, 0, parent, key.subkeys.size(), 0, NoCell, NoCell, key.values.size(),
+                 NoCell, NoCell, NoCell, 0, 0, 0, 0, 0, name.size()});
   const std::uint32_t place = AddCell(cell + name);
   if (!key.values.empty()) {
     std::string values;
@@ -230,17 +207,8 @@ std::string RegfBuilder::Build() {
   if (root.name.empty()) root.name = "ROOT";
   const std::uint32_t place = AddKey(root, 0, true);
   EndBin();
-  std::string hive = "regf";
-  Put32(hive, sequence1);
-  Put32(hive, sequence2);
-  Put64(hive, Written);
-  Put32(hive, 1);
-  Put32(hive, 5);
-  Put32(hive, 0);
-  Put32(hive, 1);
-  Put32(hive, place);
-  Put32(hive, static_cast<std::uint32_t>(m_bins.size()));
-  Put32(hive, 1);
+  std::string hive =
+      "regf" + Words({sequence1, sequence2, 0, Written, 1, 5, 0, 1, place, m_bins.size(), 1});
   hive.resize(PageSize, '\0');
   SetChecksum(hive);
   return hive + m_bins;

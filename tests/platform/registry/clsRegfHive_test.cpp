@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <random>
 
 #include "common/clsError.h"
@@ -140,22 +139,22 @@ TEST_F(clsRegfHiveTest, RefusesAFileThatIsNoWholeHive) {
   RegfBuilder builder;
   for (int i = 0; i < 200; ++i) builder.root.Add("Key" + std::to_string(i)).Text("t", "text");
   const std::string good = builder.Build();
-  EXPECT_EQ(Fault(good), "opened");
-  EXPECT_NE(Fault("").find("empty"), std::string::npos);
-  EXPECT_NE(Fault("MZ" + good).find("no registry hive"), std::string::npos);
-  EXPECT_NE(Fault(good.substr(0, 5000)).find("cut off"), std::string::npos);
-  // Cut off between two bins, which no structure shows but the header.
-  EXPECT_NE(Fault(good.substr(0, good.size() - 4096)).find("cut off"), std::string::npos);
-  std::string bad = good;
-  bad[100] = 1;
-  EXPECT_NE(Fault(bad).find("damaged"), std::string::npos);  // the header's checksum
-  bad = good;
-  bad[4096] = 'x';
-  EXPECT_NE(Fault(bad).find("damaged"), std::string::npos);  // the first bin
-  bad = good;
-  Set32(bad, 36, 0x20 + 8);
-  RegfBuilder::SetChecksum(bad);
-  EXPECT_NE(Fault(bad).find("damaged"), std::string::npos);  // the root key's place
+  std::string checksum = good, bin = good, root = good;
+  checksum[100] = 1;
+  bin[4096] = 'x';
+  Set32(root, 36, 0x20 + 8);  // the root key's place
+  RegfBuilder::SetChecksum(root);
+  const std::pair<std::string, const char*> cases[] = {
+      {good, "opened"},
+      {"", "empty"},
+      {"MZ" + good, "no registry hive"},
+      {good.substr(0, 5000), "cut off"},
+      // Between two bins, which no structure shows but the header.
+      {good.substr(0, good.size() - 4096), "cut off"},
+      {checksum, "damaged"},
+      {bin, "damaged"},
+      {root, "damaged"}};
+  for (const auto& [bytes, fault] : cases) EXPECT_NE(Fault(bytes).find(fault), std::string::npos);
   EXPECT_THROW(clsRegfHive::Open(m_folder.Of("nothing")), clsError);
   EXPECT_THROW(clsRegfHive::Open(m_folder.Path()), clsError);
 }
@@ -189,168 +188,66 @@ TEST_F(clsRegfHiveTest, LeavesOutAndCountsWhatIsDamaged) {
   ASSERT_EQ(vk.size(), 7u);
   // The list of the three cells of split data stands right before the cell that names it.
   const std::size_t segments = db - 16;
-  const auto place = [](std::size_t cell) { return static_cast<std::uint32_t>(cell - 4096); };
 
-  using Names = std::vector<std::string>;
-  const Names allKeys = {"a", "b", "c"};
-  const Names allValues = {"one", "long", "big", "four"};
-  const struct {
+  struct Damage {
     const char* what;
-    std::function<void(std::string&)> damage;
-    Names keys;
-    Names values;
-    std::uint64_t refusedKeys;
-    std::uint64_t refusedValues;
-  } cases[] = {
-      {"nothing", [](std::string&) {}, allKeys, allValues, 0, 0},
-      {"a subkey's place",
-       [&](std::string& h) { Set32(h, list + 12, 0x12345678); },
-       {"a", "c"},
-       allValues,
-       1,
-       0},
-      {"a subkey that is no key",
-       [&](std::string& h) { h[nk[2] + 4] = 'x'; },
-       {"a", "c"},
-       allValues,
-       1,
-       0},
-      {"a subkey listed twice",
-       [&](std::string& h) { Set32(h, list + 12, place(nk[1])); },
-       {"a", "c"},
-       allValues,
-       1,
-       0},
-      {"the root as a subkey of itself",
-       [&](std::string& h) {
-         Set32(h, list + 12, place(nk[0]));
-         Set32(h, nk[0] + NkParent, place(nk[0]));
-       },
-       {"a", "c"},
-       allValues,
-       1,
-       0},
-      {"another key's subkey",
-       [&](std::string& h) { Set32(h, nk[2] + NkParent, place(nk[1])); },
-       {"a", "c"},
-       allValues,
-       1,
-       0},
-      {"a name longer than its cell",
-       [&](std::string& h) { h[nk[2] + NkNameSize + 1] = 9; },
-       {"a", "c"},
-       allValues,
-       1,
-       0},
-      {"an empty name",
-       [&](std::string& h) { h[nk[2] + NkNameSize] = 0; },
-       {"a", "c"},
-       allValues,
-       1,
-       0},
-      {"a backslash in a name",
-       [&](std::string& h) { h[nk[2] + 4 + 76] = '\\'; },
-       {"a", "c"},
-       allValues,
-       1,
-       0},
-      {"the number of subkeys", [&](std::string& h) { Set32(h, nk[0] + NkSubkeyCount, 5); },
-       allKeys, allValues, 2, 0},
-      {"a number beyond reason",
-       [&](std::string& h) { Set32(h, nk[0] + NkSubkeyCount, 0x7FFFFFFF); }, allKeys, allValues, 1,
-       0},
-      {"the list of subkeys", [&](std::string& h) { h[list + 4] = 'x'; }, {}, allValues, 3, 0},
-      {"a list that holds itself",
-       [&](std::string& h) { h[list + 4] = 'r', Set32(h, list + 8, place(list)); },
-       {},
-       allValues,
-       3,
-       0},
-      {"the place of the list",
-       [&](std::string& h) { Set32(h, nk[0] + NkSubkeyList, 0xFFFFFFF0u); },
-       {},
-       allValues,
-       3,
-       0},
-      {"a value that is none",
-       [&](std::string& h) { h[vk[1] + 4] = 'x'; },
-       allKeys,
-       {"one", "big", "four"},
-       0,
-       1},
-      {"a value's name",
-       [&](std::string& h) { h[vk[1] + 4 + 3] = 9; },
-       allKeys,
-       {"one", "big", "four"},
-       0,
-       1},
-      {"half a character in a name",
-       [&](std::string& h) { h[vk[0] + 4 + 16] = 0; },
-       allKeys,
-       {"long", "big", "four"},
-       0,
-       1},
-      {"data longer than its cell",
-       [&](std::string& h) { Set32(h, vk[1] + 8, 200); },
-       allKeys,
-       {"one", "big", "four"},
-       0,
-       1},
-      {"the place of data",
-       [&](std::string& h) { Set32(h, vk[1] + 12, 0x7FFFFFF0); },
-       allKeys,
-       {"one", "big", "four"},
-       0,
-       1},
-      {"inline data of 5 bytes",
-       [&](std::string& h) { Set32(h, vk[0] + 8, 0x80000005u); },
-       allKeys,
-       {"long", "big", "four"},
-       0,
-       1},
-      {"split data that lacks cells",
-       [&](std::string& h) { h[db + 6] = 2; },
-       allKeys,
-       {"one", "long", "four"},
-       0,
-       1},
-      {"split data of too many cells",
-       [&](std::string& h) { h[db + 7] = '\x7F'; },
-       allKeys,
-       {"one", "long", "four"},
-       0,
-       1},
-      {"a cell of split data that is too short",
-       [&](std::string& h) { Set32(h, segments + 4, place(vk[0])); },
-       allKeys,
-       {"one", "long", "four"},
-       0,
-       1},
-      {"the list of split data",
-       [&](std::string& h) { Set32(h, db + 8, 0xFFFFFFF8u); },
-       allKeys,
-       {"one", "long", "four"},
-       0,
-       1},
-      {"the number of values",
-       [&](std::string& h) { Set32(h, nk[0] + NkValueCount, 0x00FFFFFF); },
-       allKeys,
-       {},
-       0,
-       1},
+    std::vector<std::pair<std::size_t, std::string>> bytes;
   };
-  for (const auto& test : cases) {
-    std::string bytes = good;
-    test.damage(bytes);
-    const auto hive = Open(bytes);
-    for (int pass = 0; pass < 2; ++pass) {  // a second look counts nothing again
-      const Key root = hive->Root();
-      EXPECT_EQ(root->SubkeyNames(), test.keys) << test.what;
-      EXPECT_EQ(root->ValueNames(), test.values) << test.what;
-      EXPECT_EQ(m_counts.Of(LeftOut::RefusedKey), test.refusedKeys) << test.what;
-      EXPECT_EQ(m_counts.Of(LeftOut::RefusedValue), test.refusedValues) << test.what;
+  using Names = std::vector<std::string>;
+  const auto expect = [&](const Names& keys, const Names& values, std::uint64_t refusedKeys,
+                          std::uint64_t refusedValues, const std::vector<Damage>& damages) {
+    for (const auto& [what, bytes] : damages) {
+      std::string damaged = good;
+      for (const auto& [at, data] : bytes) damaged.replace(at, data.size(), data);
+      const auto hive = Open(damaged);
+      for (int pass = 0; pass < 2; ++pass) {  // a second look counts nothing again
+        const Key root = hive->Root();
+        EXPECT_EQ(root->SubkeyNames(), keys) << what;
+        EXPECT_EQ(root->ValueNames(), values) << what;
+        EXPECT_EQ(m_counts.Of(LeftOut::RefusedKey), refusedKeys) << what;
+        EXPECT_EQ(m_counts.Of(LeftOut::RefusedValue), refusedValues) << what;
+      }
     }
-  }
+  };
+  const auto word = [](std::size_t number) {
+    std::string bytes(4, '\0');
+    Set32(bytes, 0, static_cast<std::uint32_t>(number));
+    return bytes;
+  };
+  const auto place = [&](std::size_t cell) { return word(cell - 4096); };
+  const std::string zero(1, '\0');
+  const Names keys = {"a", "b", "c"};
+  const Names values = {"one", "long", "big", "four"};
+  expect(keys, values, 0, 0, {{"nothing", {}}});
+  expect({"a", "c"}, values, 1, 0,
+         {{"a subkey's place", {{list + 12, word(0x12345678)}}},
+          {"a subkey that is no key", {{nk[2] + 4, "x"}}},
+          {"a subkey listed twice", {{list + 12, place(nk[1])}}},
+          {"the root below itself", {{list + 12, place(nk[0])}, {nk[0] + NkParent, place(nk[0])}}},
+          {"another key's subkey", {{nk[2] + NkParent, place(nk[1])}}},
+          {"a name longer than its cell", {{nk[2] + NkNameSize + 1, "\x09"}}},
+          {"an empty name", {{nk[2] + NkNameSize, zero}}},
+          {"a backslash in a name", {{nk[2] + 4 + 76, "\\"}}}});
+  expect(keys, values, 2, 0, {{"the number of subkeys", {{nk[0] + NkSubkeyCount, word(5)}}}});
+  expect(keys, values, 1, 0, {{"too great a number", {{nk[0] + NkSubkeyCount, word(0x7FFFFFFF)}}}});
+  expect({}, values, 3, 0,
+         {{"the list of subkeys", {{list + 4, "x"}}},
+          {"a list that holds itself", {{list + 4, "r"}, {list + 8, place(list)}}},
+          {"the place of the list", {{nk[0] + NkSubkeyList, word(0xFFFFFFF0u)}}}});
+  expect({"a", "b", "c"}, {"one", "big", "four"}, 0, 1,
+         {{"a value that is none", {{vk[1] + 4, "x"}}},
+          {"a value's name", {{vk[1] + 4 + 3, "\x09"}}},
+          {"data longer than its cell", {{vk[1] + 8, word(200)}}},
+          {"the place of data", {{vk[1] + 12, word(0x7FFFFFF0)}}}});
+  expect(keys, {"long", "big", "four"}, 0, 1,
+         {{"half a character in a name", {{vk[0] + 4 + 16, zero}}},
+          {"inline data of 5 bytes", {{vk[0] + 8, word(0x80000005u)}}}});
+  expect(keys, {"one", "long", "four"}, 0, 1,
+         {{"split data that lacks cells", {{db + 6, "\x02"}}},
+          {"split data of too many cells", {{db + 7, "\x7F"}}},
+          {"a cell of split data that is too short", {{segments + 4, place(vk[0])}}},
+          {"the list of split data", {{db + 8, word(0xFFFFFFF8u)}}}});
+  expect(keys, {}, 0, 1, {{"the number of values", {{nk[0] + NkValueCount, word(0x00FFFFFF)}}}});
 }
 
 TEST_F(clsRegfHiveTest, EndsEveryWalkWhateverTheBytes) {
