@@ -5,24 +5,14 @@
 
 #include <filesystem>
 
-#include "common/clsError.h"
+#include "support/NumberOf.h"
 #include "support/TempFolder.h"
 
 namespace sandrel {
 namespace {
 
+using test::NumberOf;
 using testing::HasSubstr;
-
-template <class Body>
-std::int32_t ErrorOf(Body&& body) {
-  try {
-    body();
-  } catch (const clsError& error) {
-    EXPECT_FALSE(error.Description().empty());
-    return error.Number();
-  }
-  return 0;
-}
 
 std::size_t FilesIn(const std::string& folder) {
   const std::filesystem::directory_iterator items(folder);
@@ -59,15 +49,15 @@ TEST(clsFileWorks, LeavesEverythingAsItWasWhenItFails) {
   test::TempFolder folder;
   const std::string path = folder.Of("kept");
   clsFileWorks::ReplaceWhole(path, "old");
-  EXPECT_NE(ErrorOf([&] { clsFileWorks::ReplaceWhole(path + "/below", "new"); }), 0);
-  EXPECT_EQ(ErrorOf([&] { clsFileWorks::ReplaceWhole(folder.Of("no/such"), "new"); }),
+  EXPECT_NE(NumberOf([&] { clsFileWorks::ReplaceWhole(path + "/below", "new"); }), 0);
+  EXPECT_EQ(NumberOf([&] { clsFileWorks::ReplaceWhole(folder.Of("no/such"), "new"); }),
             errnum::FileNotFound);
   std::filesystem::create_directory(folder.Of("folder"));
-  EXPECT_NE(ErrorOf([&] { clsFileWorks::ReplaceWhole(folder.Of("folder"), "new"); }), 0);
+  EXPECT_NE(NumberOf([&] { clsFileWorks::ReplaceWhole(folder.Of("folder"), "new"); }), 0);
   for (const char* target : {"circle", "no/such"}) {
     const std::string link = folder.Of("circle");
     std::filesystem::create_symlink(target, link);
-    EXPECT_NE(ErrorOf([&] { clsFileWorks::ReplaceWhole(link, "new"); }), 0) << target;
+    EXPECT_NE(NumberOf([&] { clsFileWorks::ReplaceWhole(link, "new"); }), 0) << target;
     EXPECT_EQ(std::filesystem::read_symlink(link), target);
     std::filesystem::remove(link);
   }
@@ -82,9 +72,9 @@ TEST(clsFileWorks, ReadsRegularFilesOnly) {
   ASSERT_EQ(mkfifo(folder.Of("fifo").c_str(), 0600), 0);
   EXPECT_EQ(clsFileWorks::ReadWhole(folder.Of("file"), 5), "12345");
   for (const std::string& path : {folder.Of("missing"), folder.Of("fifo"), folder.Path()}) {
-    EXPECT_EQ(ErrorOf([&] { clsFileWorks::ReadWhole(path); }), errnum::PathFileAccess) << path;
+    EXPECT_EQ(NumberOf([&] { clsFileWorks::ReadWhole(path); }), errnum::PathFileAccess) << path;
   }
-  EXPECT_EQ(ErrorOf([&] { clsFileWorks::ReadWhole(folder.Of("file"), 4); }),
+  EXPECT_EQ(NumberOf([&] { clsFileWorks::ReadWhole(folder.Of("file"), 4); }),
             errnum::PathFileAccess);
   // A file that tells no size is read to its end.
   EXPECT_THAT(clsFileWorks::ReadWhole("/proc/self/status"), HasSubstr("Name:"));
@@ -100,11 +90,11 @@ TEST(clsFileWorks, MakesAndDeletes) {
   clsFileWorks::MakeFolders(folder.Of("a/b/c"));
   clsFileWorks::MakeFolders(folder.Of("a/b/c"));
   clsFileWorks::ReplaceWhole(folder.Of("a/file"), "");
-  EXPECT_NE(ErrorOf([&] { clsFileWorks::MakeFolders(folder.Of("a/file/d")); }), 0);
+  EXPECT_NE(NumberOf([&] { clsFileWorks::MakeFolders(folder.Of("a/file/d")); }), 0);
   clsFileWorks::DeleteFile(folder.Of("a/file"));
   clsFileWorks::DeleteFile(folder.Of("a/file"));
   EXPECT_FALSE(clsFileWorks::FileExists(folder.Of("a/file")));
-  EXPECT_NE(ErrorOf([&] { clsFileWorks::DeleteFile(folder.Of("a/b")); }), 0);
+  EXPECT_NE(NumberOf([&] { clsFileWorks::DeleteFile(folder.Of("a/b")); }), 0);
   EXPECT_EQ(clsFileWorks::Join("/a/", "/b"), "/a/b");
   EXPECT_EQ(clsFileWorks::Join("/a", "b"), "/a/b");
 }

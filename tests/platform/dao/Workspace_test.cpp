@@ -25,8 +25,8 @@ TableDef OneColumn(const std::string& name) {
   return table;
 }
 
-void Add(Database& database, const char* text) {
-  auto table = database.OpenRecordset("t", RecordsetType::Table);
+void Add(Database& database, const char* text, const char* name = "t") {
+  auto table = database.OpenRecordset(name, RecordsetType::Table);
   table->AddNew();
   table->Set(0, text);
   table->Update();
@@ -39,8 +39,16 @@ std::int64_t Count(const std::string& path) {
 
 class WorkspaceTest : public testing::Test {
  protected:
+  /// The database, made and opened, with the table "t".
+  std::unique_ptr<Database> WithTable(const TableDef& table = OneColumn("t")) {
+    m_workspace.CreateDatabase(m_path);
+    auto database = m_workspace.OpenDatabase(m_path);
+    database->TableDefs().Append(table);
+    return database;
+  }
+
   TempFolder m_temp;
-  std::string m_path = m_temp.Path() + "/x.mdb";
+  std::string m_path = m_temp.Of("x.mdb");
   Workspace m_workspace{"Test"};
 };
 
@@ -49,32 +57,29 @@ TEST_F(WorkspaceTest, OpensAndMakesFilesWithTheEnginesErrors) {
   EXPECT_FALSE(clsFileWorks::FileExists(m_path));
   m_workspace.CreateDatabase(m_path);
   EXPECT_EQ(NumberOf([&] { m_workspace.CreateDatabase(m_path); }), errnum::DatabaseExists);
-  EXPECT_EQ(NumberOf([&] { m_workspace.CreateDatabase(m_temp.Path() + "/none/x.mdb"); }),
+  EXPECT_EQ(NumberOf([&] { m_workspace.CreateDatabase(m_temp.Of("none/x.mdb")); }),
             errnum::InvalidPath);
   EXPECT_EQ(NumberOf([&] { m_workspace.OpenDatabase(m_temp.Path()); }), errnum::CannotOpen);
   EXPECT_EQ(NumberOf([&] { m_workspace.CommitTrans(); }), errnum::NoTransaction);
 
   // A file that is no database opens; the first question to it fails as a missing table does.
-  const std::string junk = m_temp.Path() + "/junk.mdb";
+  const std::string junk = m_temp.Of("junk.mdb");
   std::ofstream(junk) << std::string(5000, 'x');
   auto database = m_workspace.OpenDatabase(junk);
   EXPECT_EQ(NumberOf([&] { database->OpenRecordset("tblStats", RecordsetType::Table); }),
             errnum::NoSuchTable);
-  EXPECT_EQ(NumberOf([&] {
-              database->OpenRecordset("SELECT tblStats.Value FROM tblStats;",
-                                      RecordsetType::Dynaset);
-            }),
-            errnum::NoSuchTable);
+  const auto query = [&] {
+    database->OpenRecordset("SELECT tblStats.Value FROM tblStats;", RecordsetType::Dynaset);
+  };
+  EXPECT_EQ(NumberOf(query), errnum::NoSuchTable);
 }
 
 TEST_F(WorkspaceTest, OneTransactionSpansTheWorkspace) {
-  m_workspace.CreateDatabase(m_path);
-  auto database = m_workspace.OpenDatabase(m_path);
-  database->TableDefs().Append(OneColumn("t"));
+  auto database = WithTable();
   m_workspace.BeginTrans();
   Add(*database, "a");
   // The same file again is the same connection and sees what is pending; another workspace doesn't.
-  auto again = m_workspace.OpenDatabase(m_temp.Path() + "/./x.mdb");
+  auto again = m_workspace.OpenDatabase(m_temp.Of("./x.mdb"));
   EXPECT_EQ(again->OpenRecordset("t", RecordsetType::Table)->RecordCount(), 1);
   EXPECT_EQ(Count(m_path), 0);
   again.reset();
@@ -109,9 +114,7 @@ TEST_F(WorkspaceTest, KnowsWhichFilesAreOpen) {
 }
 
 TEST_F(WorkspaceTest, ALockedFileIsTold) {
-  m_workspace.CreateDatabase(m_path);
-  auto database = m_workspace.OpenDatabase(m_path);
-  database->TableDefs().Append(OneColumn("t"));
+  auto database = WithTable();
   Workspace other("Other");
   auto held = other.OpenDatabase(m_path);
   other.BeginTrans();
@@ -127,11 +130,9 @@ TEST_F(WorkspaceTest, ALockedFileIsTold) {
 // A limit on the size of files stands for a full disk: the engine meets it in the middle of a
 // write.
 TEST_F(WorkspaceTest, AWriteThatFailsLeavesTheFileWholeAndIsKnownToHaveUndoneTheTransaction) {
-  m_workspace.CreateDatabase(m_path);
-  auto database = m_workspace.OpenDatabase(m_path);
   TableDef table("t");
   table.AppendField({"Name", FieldType::Memo});
-  database->TableDefs().Append(table);
+  auto database = WithTable(table);
   Add(*database, "kept");
   rlimit before{};
   ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
@@ -168,11 +169,7 @@ TEST_F(WorkspaceTest, TablesAreRenamedWithTheirIndexes) {
   EXPECT_EQ(NumberOf([&] { tables.Append(OneColumn("T")); }), errnum::TableExists);
   EXPECT_EQ(NumberOf([&] { tables.Rename("t2", "T"); }), errnum::TableExists);
   EXPECT_EQ(NumberOf([&] { tables.Delete("none"); }), errnum::NoSuchItem);
-  auto second = database->OpenRecordset("t2", RecordsetType::Table);
-  second->AddNew();
-  second->Set(0, "kept");
-  second->Update();
-  second.reset();
+  Add(*database, "kept", "t2");
   tables.Delete("t");
   tables.Rename("t2", "t");
   auto table = database->OpenRecordset("t", RecordsetType::Table);
