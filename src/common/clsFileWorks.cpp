@@ -136,7 +136,7 @@ void clsFileWorks::ReplaceWhole(const std::string& path, std::string_view conten
 
 void clsFileWorks::Sync(const std::string& path) {
   const clsDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  if (file.Get() < 0 || fsync(file.Get()) != 0) throw ErrnoError(errno, "Can't write " + path);
+  if (file.Get() < 0 || fdatasync(file.Get()) != 0) throw ErrnoError(errno, "Can't write " + path);
 }
 
 void clsFileWorks::DeleteFile(const std::string& path) {

@@ -174,7 +174,7 @@ void clsScanReg::DoValues(clsRegistry& registry, const clsRegistry::Handle& key)
       m_values->AddNew();
       m_values->SetInteger(m_valueFields.KeyId, m_currentKeyId);
       m_values->SetText(m_valueFields.Name, m_element.Name);
-      m_values->Set(m_valueFields.Value, m_element.Value);
+      m_values->Exchange(m_valueFields.Value, m_element.Value);
       m_values->SetInteger(m_valueFields.Type, static_cast<std::int32_t>(m_element.RegType));
       try {
         m_values->Update();

@@ -143,6 +143,7 @@ class clsScanReg {
   bool m_cancelled = false;
   std::uint32_t m_lastType = 0;
   std::string m_data;       // of the value being read, kept for its buffer
+  std::string m_text;       // likewise, decoded
   clsRegElement m_element;  // likewise
 };
 

@@ -47,7 +47,7 @@ bool IsNumber(std::uint32_t type) {
 
 // Numbers and texts as the store takes them, for the types whose form is the same decoded and
 // undecoded.
-bool ReadPlain(std::uint32_t type, std::string_view data, dao::Value& value) {
+bool ReadPlain(std::uint32_t type, std::string_view data, dao::Value& value, std::string& buffer) {
   if (IsNumber(type)) {
     std::int32_t number = 0;
     if (!ReadNumber(data, number)) {
@@ -56,7 +56,9 @@ bool ReadPlain(std::uint32_t type, std::string_view data, dao::Value& value) {
       value.SetInteger(type == regtype::Dword ? number : clsScanReg::SwapEndian(number));
     }
   } else if (type == regtype::Sz || type == regtype::ExpandSz) {
-    value.SetText(text::FromUtf16Le(WithoutTerminator(data)));
+    buffer.clear();
+    text::AppendUtf16Le(buffer, WithoutTerminator(data));
+    value.SetText(buffer);
   } else if (type == regtype::None) {
     value.SetText(text::FromCp1252(data));
   } else {
@@ -100,13 +102,12 @@ std::string clsScanReg::DecodeBinary(std::string_view psvBinStr) {
 }
 
 void clsScanReg::Decode(std::uint32_t type, dao::Value& value) {
-  if (ReadPlain(type, m_data, value)) return;
+  if (ReadPlain(type, m_data, value, m_text)) return;
   if (type == regtype::MultiSz) {
     value.SetText(DecodeBinary(text::FromUtf16Le(m_data)));
   } else {
-    std::string hex;
-    HexOf(m_data, hex);
-    value.SetText(hex);
+    HexOf(m_data, m_text);
+    value.SetText(m_text);
   }
 }
 
@@ -120,7 +121,7 @@ std::int32_t clsScanReg::QueryValueEx(clsRegistry& registry, const clsRegistry::
     return status;
   }
   m_lastType = type;
-  if (!ReadPlain(type, data, value)) {
+  if (!ReadPlain(type, data, value, m_text)) {
     value.SetText(type == regtype::MultiSz ? text::FromUtf16Le(data) : text::FromCp1252(data));
   }
   return status;

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 #include "common/clsError.h"
 #include "common/text.h"
 
@@ -59,6 +61,12 @@ void Recordset::SetText(std::size_t field, std::string_view text) {
 
 void Recordset::SetInteger(std::size_t field, std::int64_t number) {
   Target(field).SetInteger(number);
+}
+
+void Recordset::Exchange(std::size_t field, Value& value) {
+  Value& target = Target(field);
+  CheckLength(field, value.Text());
+  std::swap(target, value);
 }
 
 void Recordset::Set(std::size_t field, const Value& value) {

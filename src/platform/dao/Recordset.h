@@ -38,6 +38,9 @@ class Recordset {
   /// that is longer than its field.
   void Set(std::size_t field, const Value& value);
   void Set(std::string_view field, const Value& value) { Set(FieldNumber(field), value); }
+  /// The same by exchange: `value` is left with what the field held, so that its buffer is used
+  /// again.
+  void Exchange(std::size_t field, Value& value);
   /// The same without a Value made by the caller, for row loops.
   void SetText(std::size_t field, std::string_view text);
   void SetInteger(std::size_t field, std::int64_t number);
