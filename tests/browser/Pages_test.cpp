@@ -11,11 +11,10 @@ namespace sandrel {
 namespace {
 
 StatReader Stats(const char* version, const char* size, const char* attributes) {
-  return [=](std::string_view description) {
-    if (description == "    Version Info Included") return std::string(version);
-    if (description == "    Size Info Included") return std::string(size);
-    return description == "    Attribute Info Included" ? std::string(attributes)
-                                                        : std::string("wrong");
+  return [=](std::string_view description) -> std::string {
+    if (description == "    Version Info Included") return version;
+    if (description == "    Size Info Included") return size;
+    return description == "    Attribute Info Included" ? attributes : "wrong";
   };
 }
 

@@ -1,17 +1,15 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 
-#include "common/clsError.h"
 #include "common/clsFileWorks.h"
 #include "platform/registry/DumpKeys.h"
 #include "platform/registry/clsRegistry.h"
 #include "platform/registry/wineserver.h"
+#include "support/NumberOf.h"
 #include "support/TempFolder.h"
 
 namespace sandrel {
@@ -162,13 +160,7 @@ TEST_F(clsPrefixRegistry, RefusesAPrefixWithoutAllItsHives) {
     std::filesystem::remove(path);
     for (const bool asFolder : {false, true}) {
       if (asFolder) std::filesystem::create_directory(path);
-      try {
-        OpenPrefixRegistry(m_folder.Path());
-        ADD_FAILURE() << name;
-      } catch (const clsError& error) {
-        EXPECT_EQ(error.Number(), errnum::Hive);
-        EXPECT_NE(error.Description().find(name), std::string::npos);
-      }
+      EXPECT_TRUE(test::Raises(errnum::Hive, name, [&] { OpenPrefixRegistry(m_folder.Path()); }));
     }
     std::filesystem::remove(path);
     clsFileWorks::ReplaceWhole(path, content);
@@ -208,9 +200,7 @@ TEST_F(clsPrefixRegistry, WritesChangesIntoTheRightHive) {
   clsRegistry::Handle key;
   EXPECT_EQ(registry->RegOpenKeyEx(hkey::Users, ".Default\\New\\[k]", key), regstatus::Success);
   const std::string system = Read("system.reg");
-  EXPECT_TRUE(
-      system.starts_with("WINE REGISTRY Version 2\n;; All keys relative to "
-                         "REGISTRY\\\\Machine\n\n#arch=win64\n\n[Sof"));
+  EXPECT_NE(system.find("REGISTRY\\\\Machine\n\n#arch=win64\n\n[Sof"), std::string::npos);
   EXPECT_NE(system.find("\n#link\n\"SymbolicLinkValue\"=hex(6):5c,00,52"), std::string::npos);
 }
 
@@ -248,41 +238,6 @@ TEST_F(clsPrefixRegistry, KeepsTheOwnerOfTheFile) {
   EXPECT_EQ(status.st_uid, 4321u);
 }
 
-// Holds the first byte of a file locked from another process, as a Wine server does.
-class Locker {
- public:
-  explicit Locker(const std::string& path) {
-    int ready[2];
-    if (pipe(ready) != 0) return;
-    m_child = fork();
-    if (m_child == 0) {
-      struct flock lock {};
-      lock.l_type = F_WRLCK;
-      lock.l_whence = SEEK_SET;
-      lock.l_len = 1;
-      const int file = open(path.c_str(), O_RDWR);
-      const char done = fcntl(file, F_SETLK, &lock) == 0 ? 'y' : 'n';
-      if (write(ready[1], &done, 1) == 1) pause();
-      _exit(0);
-    }
-    char done = 'n';
-    held = read(ready[0], &done, 1) == 1 && done == 'y';
-    close(ready[0]);
-    close(ready[1]);
-  }
-  ~Locker() {
-    if (m_child <= 0) return;
-    kill(m_child, SIGKILL);
-    waitpid(m_child, nullptr, 0);
-  }
-  Locker(const Locker&) = delete;
-  Locker& operator=(const Locker&) = delete;
-  bool held = false;
-
- private:
-  pid_t m_child = -1;
-};
-
 TEST_F(clsPrefixRegistry, IsNotWrittenWhileAServerRuns) {
   EXPECT_FALSE(PrefixServerRuns(m_folder.Path()));
   EXPECT_FALSE(PrefixServerRuns(m_folder.Of("nowhere")));
@@ -305,13 +260,16 @@ TEST_F(clsPrefixRegistry, IsNotWrittenWhileAServerRuns) {
   const auto registry = OpenPrefixRegistry(m_folder.Path());
   registry->RegCreateKeyEx(hkey::LocalMachine, "New");
   const std::string before = Read("system.reg");
-  {
-    const Locker locker(lock);
-    ASSERT_TRUE(locker.held);
-    EXPECT_TRUE(PrefixServerRuns(m_folder.Path()));
-    EXPECT_EQ(registry->Flush(), regstatus::AccessDenied);
-    EXPECT_EQ(Read("system.reg"), before);
-  }
+  // A lock of an open file stands for that of the server's process on the first byte.
+  const int file = open(lock.c_str(), O_RDWR);
+  struct flock held {};
+  held.l_type = F_WRLCK;
+  held.l_len = 1;
+  ASSERT_EQ(fcntl(file, F_OFD_SETLK, &held), 0);
+  EXPECT_TRUE(PrefixServerRuns(m_folder.Path()));
+  EXPECT_EQ(registry->Flush(), regstatus::AccessDenied);
+  EXPECT_EQ(Read("system.reg"), before);
+  close(file);
   EXPECT_EQ(registry->Flush(), regstatus::Success);  // the change was kept for a later try
   EXPECT_NE(Read("system.reg").find("\n[New] "), std::string::npos);
   std::filesystem::remove_all(noted);

@@ -33,27 +33,17 @@ std::string Fault(const std::string& content) {
 }
 
 TEST(texthive, ReadsEveryFormOfAValue) {
-  const struct {
-    const char* line;
-    const char* name;
-    std::uint32_t type;
-    const char* data;
-  } cases[] = {
+  const std::tuple<const char*, const char*, std::uint32_t, const char*> cases[] = {
       {R"(@="")", "", 1, "0000"},
       {R"("n"="a\\b\"c")", "n", 1, "61005c006200220063000000"},
       {R"("n"="\a\b\e\f\n\r\t\v")", "n", 1, "070008001b000c000a000d0009000b000000"},
       {R"("n"="\0\11\0011\777")", "n", 1, "0000090001003100ff010000"},
       {R"("n"="\xe4\x20acZ\x20ac1\xd83d\xde00\x0ag\xq\y")", "n", 1,
-       "e400ac205a00ac2031003dd800de0a006700780071007900"
-       "0000"},
+       "e400ac205a00ac2031003dd800de0a0067007800710079000000"},
       {"\"n\"=\"\xE4\"", "n", 1, "e4000000"},  // a raw byte is Latin-1
       {R"("n"=str:"a")", "n", 1, "61000000"},
-      {R"("n"=str(2):"%a%")", "n", 2,
-       "25006100250000"
-       "00"},
-      {R"("n"=str(7):"a\0b\0")", "n", 7,
-       "6100000062000000"
-       "0000"},
+      {R"("n"=str(2):"%a%")", "n", 2, "2500610025000000"},
+      {R"("n"=str(7):"a\0b\0")", "n", 7, "61000000620000000000"},
       {R"("n"=str(ffff0012):"a")", "n", 0xFFFF0012u, "61000000"},
       {R"("n"=dword:fFfffffe)", "n", 4, "feffffff"},
       {R"("n"=dword:1)", "n", 4, "01000000"},
@@ -66,26 +56,38 @@ TEST(texthive, ReadsEveryFormOfAValue) {
       {R"("n"=hex(ffff1003):01)", "n", 0xFFFF1003u, "01"},
       {R"( "a\"]b\x20ac\xd83d\xde00\xd800" = hex:01 )", "a\"]b€😀\xED\xA0\x80", 3, "01"},
   };
-  for (const auto& value : cases) {
-    const TextHive hive = ReadTextHive(Head + "\n[K] 1\n" + value.line + "\n", "f");
+  for (const auto& [line, name, type, data] : cases) {
+    const TextHive hive = ReadTextHive(Head + "\n[K] 1\n" + line + "\n", "f");
     const clsKeyTree::Key* key = clsKeyTree::FindKey(hive.tree->Root(), "K");
     ASSERT_NE(key, nullptr);
-    ASSERT_EQ(key->values.size(), 1u) << value.line;
-    EXPECT_EQ(key->values[0].name, value.name) << value.line;
-    EXPECT_EQ(key->values[0].type, value.type) << value.line;
-    EXPECT_EQ(Hex(key->values[0].data), value.data) << value.line;
+    ASSERT_EQ(key->values.size(), 1u) << line;
+    EXPECT_EQ(key->values[0].name, name) << line;
+    EXPECT_EQ(key->values[0].type, type) << line;
+    EXPECT_EQ(Hex(key->values[0].data), data) << line;
   }
 }
 
 TEST(texthive, ReadsKeysInAnyOrder) {
   const TextHive hive =
-      ReadTextHive(Head +
-                       "\n[Software\\\\Wine\\\\A] 1290444000 "
-                       "\n#time=1cb8a5c1f3a2b00\n#class=\"C\\x20ac\"\n#other\n"
-                       ";; note\n\"v\"=\"1\"\n\n[Software\\\\Wine] 1290444000\n\"v\"=\"2\"\n\n"
-                       "[SOFTWARE\\\\wine\\\\a\\\\\\[\\x20ac\\]\\\\\\\\b] 2\n\n[Soft] 3\n[Soft2] "
-                       "3\n[] 4\n@=\"root\"\n"
-                       "[Software\\\\Wine\\\\A] 5\n#link\n\"V\"=\"3\"\n",
+      ReadTextHive(Head + "\n[Software\\\\Wine\\\\A] 1290444000 \n" + R"(#time=1cb8a5c1f3a2b00
+#class="C\x20ac"
+#other
+;; note
+"v"="1"
+
+[Software\\Wine] 1290444000
+"v"="2"
+
+[SOFTWARE\\wine\\a\\\[\x20ac\]\\\\b] 2
+
+[Soft] 3
+[Soft2] 3
+[] 4
+@="root"
+[Software\\Wine\\A] 5
+#link
+"V"="3"
+)",
                    "f");
   clsKeyTree::Key* root = hive.tree->Root();
   ASSERT_EQ(root->subkeys.size(), 3u);

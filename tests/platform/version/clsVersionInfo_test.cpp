@@ -12,6 +12,8 @@
 namespace sandrel {
 namespace {
 
+using namespace std::string_view_literals;
+
 class clsVersionInfoTest : public testing::Test {
  protected:
   std::string Write(const std::string& content) {
@@ -48,24 +50,19 @@ TEST_F(clsVersionInfoTest, ReadsPrograms) {
 }
 
 TEST_F(clsVersionInfoTest, TakesTheVersionAmongOtherResources) {
-  // Before the version's entry stand one with a name and one of another type.
-  std::string program = test::SampleProgram(3, 4);
-  program.append(0x200, '\0');
-  program[0x178 + 17] = 4;  // the section's size in the file: 0x400
-  std::string root = program.substr(0x400, 16);
-  root[12] = 1;
-  root[14] = 2;
-  root.append("\x00\x01\x00\x80\x30\x00\x00\x80", 8);
-  root.append("\x03\x00\x00\x00\x30\x00\x00\x80", 8);
-  root.append("\x10\x00\x00\x00\x18\x00\x00\x80", 8);
-  // The root grows over the second directory, which moves behind the data.
-  std::string second = program.substr(0x418, 24);
-  program.replace(0x600, second.size(), second);
-  program.replace(0x400, root.size(), root);
-  program.replace(0x400 + 36, 4, std::string("\x00\x02\x00\x80", 4));
-  std::string third = test::SampleProgram(3, 4).substr(0x430, 24);
-  program.replace(0x640, third.size(), third);
-  program.replace(0x600 + 20, 4, std::string("\x40\x02\x00\x80", 4));
+  // Before the version's entry stand one with a name and one of another type. The root grows over
+  // the second directory; that and the third move behind the data.
+  const std::string plain = test::SampleProgram(3, 4);
+  std::string program = plain + std::string(0x200, '\0');
+  const auto put = [&](std::size_t at, std::string_view bytes) {
+    program.replace(at, bytes.size(), bytes);
+  };
+  put(0x178 + 17, "\x04"sv);  // the section's size in the file: 0x400
+  put(0x400 + 12, "\x01\0\x02\0\0\x01\0\x80\x30\0\0\x80"sv);
+  put(0x400 + 24, "\x03\0\0\0\x30\0\0\x80\x10\0\0\0\0\x02\0\x80"sv);
+  put(0x600, std::string_view(plain).substr(0x418, 24));
+  put(0x600 + 20, "\x40\x02\0\x80"sv);
+  put(0x640, std::string_view(plain).substr(0x430, 24));
   clsVersionInfo::FixedFileInfo info;
   ASSERT_TRUE(Query(Write(program), info));
   EXPECT_EQ(info.FileVersionMS, 3u);
