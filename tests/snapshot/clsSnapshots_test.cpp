@@ -11,6 +11,7 @@
 
 namespace sandrel {
 
+using test::Cell;
 using test::IsWhole;
 using test::NumberOf;
 
@@ -118,6 +119,33 @@ TEST_F(clsSnapshotsTest, AnErrorInTheWalkCanBeRetriedIgnoredOrAborted) {
   EXPECT_EQ(m_shell.Last(), "unload");
   EXPECT_FALSE(HasWorking());
   EXPECT_FALSE(m_shell.State.Scanning);
+}
+
+// A commit in the middle of the walk meets a reader; what the walk had recorded before is
+// recognised when Retry starts it again.
+TEST_F(clsSnapshotsTest, ARetriedWalkGoesOnOverItsOwnRows) {
+  for (int i = 0; i < 150; ++i) {
+    m_sample.WriteFile("C:\\A\\" + std::to_string(i) + "\\x.ini", "[s]\nk=1\nk=2\n");
+  }
+  m_settings.SaveSetting("ScanFolders", "1", "C:\\A");
+  m_settings.SaveSetting("Enabled", "RegScan", "0");
+  sqlite3* reader = nullptr;
+  m_shell.OnEvents = [&] {
+    if (reader != nullptr || !m_shell.Last().starts_with("status: Scanning Folder")) return;
+    sqlite3_open(Working().c_str(), &reader);
+    sqlite3_exec(reader, "BEGIN; SELECT count(*) FROM tblFiles", nullptr, nullptr, nullptr);
+  };
+  m_shell.OnError = [&] { sqlite3_exec(reader, "COMMIT", nullptr, nullptr, nullptr); };
+  m_shell.Errors = {Answer::Retry};
+  Before();
+  sqlite3_close(reader);
+  EXPECT_TRUE(m_shell.Has("error 3218"));
+  EXPECT_EQ(m_shell.Last(), "status: Before Snapshot Complete");
+  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblFiles WHERE FileName = 'x.ini'"), "150");
+  EXPECT_EQ(Cell(Working(), "SELECT count(*) || ' ' || max(Occurance) FROM tblIniValues"), "300 1");
+  EXPECT_EQ(Cell(Working(),
+                 "SELECT count(*) FROM tblFiles WHERE PathId NOT IN (SELECT Id FROM tblPaths)"),
+            "0");
 }
 
 TEST_F(clsSnapshotsTest, WhatIsMissingIsToldBeforeAnythingIsChanged) {

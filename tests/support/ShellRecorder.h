@@ -18,6 +18,7 @@ class ShellRecorder final : public clsShell {
   /// errors with Abort.
   std::vector<Answer> Questions, Errors;
   std::string File;                ///< what the file dialog gives
+  std::function<void()> OnError;   ///< runs before an error is answered
   std::function<void()> OnEvents;  ///< runs inside DoEvents
   std::vector<int> Progress;       ///< every percentage told
   std::string BeforeTime;
@@ -43,6 +44,7 @@ class ShellRecorder final : public clsShell {
                      std::string_view method) override {
     Log.push_back("error " + std::to_string(number) + ": " + std::string(description) + " [" +
                   std::string(source) + "] [" + std::string(method) + "]");
+    if (OnError) OnError();
     return Take(Errors, Answer::Abort);
   }
   std::string ChooseFile(const FileDialog& dialog) override {
