@@ -136,14 +136,10 @@ void clsSnapshots::Before(clsStatements& run, std::optional<clsHomeLock>& lock) 
   }
   if (goOn) {
     const std::string database = m_home.WorkingDatabase();
-    run([&] { m_shell.SetMousePointer(pointer::ArrowHourglass); });
-    state.Scanning = true;
-    run([&] { m_shell.UpdateCommandState(); });
-    run([&] { CheckHives(); });
-    ForgetLeftOut();
-    m_changed = true;
+    BeginScan(run);
     clsTableMaint maint;
     run([&] { maint.DeleteDatabase(database); });
+    m_changed = true;
     run([&] { maint.CreateDatabase(database); });
     MakeTables(run, {[&] { maint.CreateTempRegKeyTable(database, "tblRegKey"); },
                      [&] { maint.CreateTempRegValueTable(database, "tblRegValue"); },
@@ -156,9 +152,7 @@ void clsSnapshots::Before(clsStatements& run, std::optional<clsHomeLock>& lock) 
                         dao::Durability::UntilPowerFails};
     ScanDisk(run, tables, true);
     ScanRegistry(run, tables);
-    // Also after a cancelled scan, whose time then stands for a snapshot that isn't there.
-    run([&] { StoreTime("Before"); });
-    run([&] { StoreMachine("Before", m_machine->Folder()); });
+    StoreSnapshot(run, "Before");
     run([&] { ShowLastBeforeSnapshot(); });
     if (!state.CloseDown) run([&] { m_shell.SetProgress(0); });
     if (state.Scanning) run([&] { clsFileWorks::Sync(database); });
@@ -169,15 +163,32 @@ void clsSnapshots::Before(clsStatements& run, std::optional<clsHomeLock>& lock) 
       ScanStopped();
       run([&] { maint.DeleteDatabase(database); });
     }
-    state.Scanning = false;
     m_machine->CloseRegistry();
-    if (!state.CloseDown) {
-      run([&] { m_shell.UpdateCommandState(); });
-      run([&] { m_shell.SetMousePointer(pointer::Default); });
-    }
+    EndScan(run);
   }
   if (state.BeforeSSCompleteNotify) run([&] { m_shell.BeforeSnapshotEnded(); });
   if (!state.CloseDown) run([&] { m_shell.RefreshMenus(); });
+}
+
+void clsSnapshots::BeginScan(clsStatements& run) {
+  run([&] { m_shell.SetMousePointer(pointer::ArrowHourglass); });
+  m_shell.State.Scanning = true;
+  run([&] { m_shell.UpdateCommandState(); });
+  run([&] { CheckHives(); });
+  ForgetLeftOut();
+}
+
+void clsSnapshots::EndScan(clsStatements& run) {
+  m_shell.State.Scanning = false;
+  if (m_shell.State.CloseDown) return;
+  run([&] { m_shell.UpdateCommandState(); });
+  run([&] { m_shell.SetMousePointer(pointer::Default); });
+}
+
+// Also after a cancelled scan, whose time then stands for a snapshot that isn't there.
+void clsSnapshots::StoreSnapshot(clsStatements& run, const char* which) {
+  run([&] { m_settings.SaveSetting(TimeSection, which, LocalDateText(std::time(nullptr))); });
+  run([&] { StoreMachine(which, m_machine->Folder()); });
 }
 
 bool clsSnapshots::SameMachine() {
@@ -228,11 +239,7 @@ bool clsSnapshots::After(clsStatements& run, std::optional<clsHomeLock>& lock) {
   if (goOn) run([&] { goOn = SameMachine(); });
   if (!goOn) return false;
   const std::string database = m_home.WorkingDatabase();
-  run([&] { m_shell.SetMousePointer(pointer::ArrowHourglass); });
-  state.Scanning = true;
-  run([&] { m_shell.UpdateCommandState(); });
-  run([&] { CheckHives(); });
-  ForgetLeftOut();
+  BeginScan(run);
   m_changed = true;
   clsTableMaint maint;
   MakeTables(run, {[&] { maint.CreateTempRegValueTable(database, "tblRegValue2"); },
@@ -242,8 +249,7 @@ bool clsSnapshots::After(clsStatements& run, std::optional<clsHomeLock>& lock) {
                       dao::Durability::Full};
   ScanDisk(run, tables, false);
   ScanRegistry(run, tables);
-  run([&] { StoreTime("After"); });
-  run([&] { StoreMachine("After", m_machine->Folder()); });
+  StoreSnapshot(run, "After");
   if (!state.CloseDown) run([&] { m_shell.SetProgress(0); });
   const bool complete = state.Scanning;
   if (complete) {
@@ -253,12 +259,8 @@ bool clsSnapshots::After(clsStatements& run, std::optional<clsHomeLock>& lock) {
     ScanStopped();
     run([&] { DropAfterTables(); });
   }
-  state.Scanning = false;
-  if (!state.CloseDown) {
-    run([&] { m_shell.UpdateCommandState(); });
-    run([&] { m_shell.SetMousePointer(pointer::Default); });
-    run([&] { m_shell.RefreshMenus(); });
-  }
+  EndScan(run);
+  if (!state.CloseDown) run([&] { m_shell.RefreshMenus(); });
   return complete;
 }
 
@@ -432,10 +434,6 @@ void clsSnapshots::TellLeftOut() {
     if (remote != nullptr) m_leftOut.Add(remote->LeftOutCounts());
   }
   if (const std::string summary = m_leftOut.Summary(); !summary.empty()) m_shell.Tell(summary);
-}
-
-void clsSnapshots::StoreTime(const char* key) {
-  m_settings.SaveSetting(TimeSection, key, LocalDateText(std::time(nullptr)));
 }
 
 void clsSnapshots::StoreMachine(const char* which, const std::string& folder) {

@@ -84,7 +84,9 @@ class clsSnapshots {
   void DropAfterTables();
   void DiscardBefore();
   void DiscardAfter();
-  void StoreTime(const char* key);
+  void StoreSnapshot(clsStatements& run, const char* which);
+  void BeginScan(clsStatements& run);
+  void EndScan(clsStatements& run);
   void StoreMachine(const char* which, const std::string& folder);
   std::string MachineKey(const char* which) const;
   void ForgetLeftOut();

@@ -165,6 +165,19 @@ TEST_F(clsSnapshotsTest, WhatIsMissingIsToldBeforeAnythingIsChanged) {
   EXPECT_EQ(Select("count(*) FROM tblFiles"), files);
 }
 
+TEST_F(clsSnapshotsTest, ASnapshotThatAnotherProgramWritesIsNotDeleted) {
+  Before();
+  sqlite3* writer = nullptr;
+  sqlite3_open(Working().c_str(), &writer);
+  sqlite3_exec(writer, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+  m_shell.OnError = [&] { sqlite3_exec(writer, "COMMIT", nullptr, nullptr, nullptr); };
+  Before();  // aborted: what it had not begun to change stays
+  sqlite3_close(writer);
+  EXPECT_TRUE(m_shell.Has("error 3218"));
+  EXPECT_EQ(m_shell.Last(), "unload");
+  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
+}
+
 TEST_F(clsSnapshotsTest, AsksWhenTheMachineIsAnother) {
   Before();
   m_settings.SaveSetting("Snapshot Machine", "Before " + m_home.Path(), "/other/prefix");
