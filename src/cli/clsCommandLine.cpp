@@ -67,7 +67,7 @@ std::shared_ptr<clsMachine> clsCommands::OpenMachine() {
 
 int clsCommands::Print(const std::string& line) const {
   if (m_shell.ExitStatus() == exitstatus::Done) fmt::print("{}\n", line);
-  if (m_shell.WasInterrupted()) fmt::print(stderr, "sandrel-cli: Scan Stopped\n");
+  if (clsCliShell::WasInterrupted()) fmt::print(stderr, "sandrel-cli: Scan Stopped\n");
   return m_shell.ExitStatus();
 }
 
