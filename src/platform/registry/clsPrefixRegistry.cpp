@@ -125,16 +125,8 @@ clsRegistry::Handle clsPrefixRegistry::OpenRoot(std::uint32_t root) {
       users->Add(m_currentUserSid, [tree = Tree(User)] { return OpenHive(tree); });
       return users;
     }
-    case hkey::ClassesRoot:
-      return MergeKeys(FindKey(hkey::CurrentUser, ClassesPath),
-                       FindKey(hkey::LocalMachine, ClassesPath));
-    case hkey::CurrentConfig: {
-      Handle profile = FindKey(hkey::LocalMachine, keypath::Join(HardwarePath, "Current"));
-      return profile != nullptr ? profile
-                                : FindKey(hkey::LocalMachine, keypath::Join(HardwarePath, "0001"));
-    }
     default:
-      return {};
+      return OpenView(root);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "common/text.h"
+#include "platform/registry/composedkeys.h"
 #include "platform/registry/keypath.h"
 
 namespace sandrel {
@@ -60,6 +61,17 @@ clsRegistry::Handle clsRegistry::OpenSubkey(const Handle& parent, std::string_vi
   if (!mayFollow || !keypath::ReadLinkTarget(*target, root, path)) return {};
   followed = true;
   return FindKey(root, path, hops);
+}
+
+clsRegistry::Handle clsRegistry::OpenView(std::uint32_t root) {
+  constexpr const char* Classes = "Software\\Classes";
+  const std::string hardware = "System\\CurrentControlSet\\Hardware Profiles\\";
+  if (root == hkey::ClassesRoot) {
+    return MergeKeys(FindKey(hkey::CurrentUser, Classes), FindKey(hkey::LocalMachine, Classes));
+  }
+  if (root != hkey::CurrentConfig) return {};
+  Handle profile = FindKey(hkey::LocalMachine, hardware + "Current");
+  return profile != nullptr ? profile : FindKey(hkey::LocalMachine, hardware + "0001");
 }
 
 clsRegistry::Handle clsRegistry::FindKey(std::uint32_t root, std::string_view path, int& hops) {

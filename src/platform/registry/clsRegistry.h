@@ -164,6 +164,10 @@ class clsRegistry {
   /// providers that make one root out of parts of others; remembers nothing.
   Handle FindKey(std::uint32_t root, std::string_view path);
 
+  /// The roots that are views of others: HKEY_CLASSES_ROOT, the user's classes over the machine's,
+  /// and HKEY_CURRENT_CONFIG, the current hardware profile. Empty for other roots.
+  Handle OpenView(std::uint32_t root);
+
   std::string m_currentUserSid;
   std::vector<std::string> m_remarks;
   clsLeftOut m_leftOut;

@@ -22,7 +22,6 @@ namespace {
 using HivePointer = std::shared_ptr<clsRegfHive>;
 
 constexpr std::string_view ClassesPath = "Software\\Classes";
-constexpr std::string_view HardwarePath = "SYSTEM\\CurrentControlSet\\Hardware Profiles";
 constexpr std::string_view WindowsNtPath = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
 constexpr std::string_view LogonPath =
     "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Authentication\\LogonUI";
@@ -236,16 +235,8 @@ clsRegistry::Handle clsVolumeRegistry::OpenRoot(std::uint32_t root) {
       }
       return users;
     }
-    case hkey::ClassesRoot:
-      return MergeKeys(FindKey(hkey::CurrentUser, ClassesPath),
-                       FindKey(hkey::LocalMachine, "SOFTWARE\\Classes"));
-    case hkey::CurrentConfig: {
-      Handle profile = FindKey(hkey::LocalMachine, keypath::Join(HardwarePath, "Current"));
-      return profile != nullptr ? profile
-                                : FindKey(hkey::LocalMachine, keypath::Join(HardwarePath, "0001"));
-    }
     default:
-      return {};
+      return OpenView(root);
   }
 }
 
