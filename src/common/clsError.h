@@ -54,6 +54,10 @@ inline constexpr std::int32_t ZeroLength = 3315;
 inline constexpr std::int32_t NoCurrentIndex = 3019;
 inline constexpr std::int32_t InvalidOperation = 3219;
 inline constexpr std::int32_t DataConversion = 3421;
+// Controls.
+inline constexpr std::int32_t IndexOutOfBounds = 35600;
+inline constexpr std::int32_t ElementNotFound = 35601;
+inline constexpr std::int32_t KeyNotUnique = 35602;
 /// Numbers above this base are the program's own; the error box shows the offset alone.
 inline constexpr std::int32_t UserBase = static_cast<std::int32_t>(0x80040000u);
 /// The machine that is looked at: none there, or one that can't be read.
