@@ -1,0 +1,201 @@
+#include "platform/qt/modBoxes.h"
+
+#include <QAbstractButton>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QStringList>
+#include <utility>
+#include <vector>
+
+namespace sandrel::qt {
+
+namespace {
+
+// The one override cursor. `Shape` is what the program asked for, `Boxes` how many are up.
+struct PointerState {
+  int Shape = pointer::Default;
+  int Boxes = 0;
+
+  void Show() const {
+    const bool wanted = Shape != pointer::Default && Boxes == 0;
+    const bool shown = QGuiApplication::overrideCursor() != nullptr;
+    const QCursor cursor(Shape == pointer::Hourglass ? Qt::WaitCursor : Qt::BusyCursor);
+    if (wanted && shown) {
+      QGuiApplication::changeOverrideCursor(cursor);
+    } else if (wanted) {
+      QGuiApplication::setOverrideCursor(cursor);
+    } else if (shown) {
+      QGuiApplication::restoreOverrideCursor();
+    }
+  }
+};
+PointerState thePointer;
+
+class clsBoxUp {
+ public:
+  clsBoxUp() { Count(1); }
+  ~clsBoxUp() { Count(-1); }
+  clsBoxUp(const clsBoxUp&) = delete;
+  clsBoxUp& operator=(const clsBoxUp&) = delete;
+
+ private:
+  static void Count(int by) {
+    thePointer.Boxes += by;
+    thePointer.Show();
+  }
+};
+
+struct BoxButton {
+  Answer Gives;
+  const char* Text;
+  QMessageBox::ButtonRole Role;
+};
+
+// Abort has no role of refusal, as Escape would then press it; with one role for all three they
+// keep this order on every desktop.
+std::vector<BoxButton> ButtonsOf(Buttons choice) {
+  switch (choice) {
+    case Buttons::YesNo:
+      return {{Answer::Yes, "&Yes", QMessageBox::YesRole},
+              {Answer::No, "&No", QMessageBox::NoRole}};
+    case Buttons::AbortRetryIgnore:
+      return {{Answer::Abort, "&Abort", QMessageBox::ActionRole},
+              {Answer::Retry, "&Retry", QMessageBox::ActionRole},
+              {Answer::Ignore, "&Ignore", QMessageBox::ActionRole}};
+    case Buttons::Ok:
+      break;
+  }
+  return {{Answer::Ok, "OK", QMessageBox::AcceptRole}};
+}
+
+// What Enter answers does no harm: a warning is not passed by, and Retry loses nothing.
+Answer DefaultOf(const MessageBox& box) {
+  switch (box.Choice) {
+    case Buttons::YesNo:
+      return box.Icon == BoxIcon::Exclamation ? Answer::No : Answer::Yes;
+    case Buttons::AbortRetryIgnore:
+      return Answer::Retry;
+    case Buttons::Ok:
+      break;
+  }
+  return Answer::Ok;
+}
+
+QMessageBox::Icon IconOf(BoxIcon icon) {
+  switch (icon) {
+    case BoxIcon::Critical:
+      return QMessageBox::Critical;
+    case BoxIcon::Question:
+      return QMessageBox::Question;
+    case BoxIcon::Exclamation:
+      return QMessageBox::Warning;
+    case BoxIcon::Information:
+      return QMessageBox::Information;
+    case BoxIcon::None:
+      break;
+  }
+  return QMessageBox::NoIcon;
+}
+
+// A long path is one word, and a label that can't break it cuts it. Zero-width spaces let it break
+// after a separator of folders.
+QString Breakable(const QString& text) {
+  static const QRegularExpression longWord("\\S{60,}");
+  static const QRegularExpression separator("(?<=[\\\\/])(?=[^\\\\/])");
+  QString broken;
+  qsizetype from = 0;
+  for (auto words = longWord.globalMatch(text); words.hasNext();) {
+    const QRegularExpressionMatch word = words.next();
+    broken += text.mid(from, word.capturedStart() - from);
+    broken += word.captured().replace(separator, QString(QChar(0x200B)));
+    from = word.capturedEnd();
+  }
+  return broken + text.mid(from);
+}
+
+// "words|pattern|words|pattern" to Qt's "words (pattern)", without a pattern in the words.
+QStringList NameFilters(const std::string& filter) {
+  const QStringList parts = QString::fromStdString(filter).split('|');
+  QStringList filters;
+  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+    QString words = parts[i].trimmed();
+    QString pattern = parts[i + 1].trimmed();
+    for (const QString& said : {"(" + pattern + ")", pattern}) {
+      if (words.endsWith(said, Qt::CaseInsensitive)) words.chop(said.size());
+    }
+    // Names of hosts need no dot.
+    pattern = pattern.replace(';', ' ').replace("*.*", "*");
+    filters += words.trimmed() + " (" + pattern + ")";
+  }
+  return filters;
+}
+
+QString StartFolder(const std::string& folder) {
+  const QString path = QFile::decodeName(QByteArray::fromStdString(folder));
+  return !path.isEmpty() && QDir(path).exists() ? path : QDir::homePath();
+}
+
+// A file that is there is meant as it is named.
+QString WithExtension(const QString& path, const std::string& extension) {
+  const QFileInfo file(path);
+  if (file.fileName().contains('.') || file.exists()) return path;
+  return path + QString::fromStdString(extension);
+}
+
+}  // namespace
+
+Answer AskBox(QWidget* parent, const MessageBox& box) {
+  QMessageBox window(parent);
+  window.setObjectName("msgbox");
+  window.setWindowTitle(QString::fromStdString(box.Title));
+  window.setIcon(IconOf(box.Icon));
+  window.setTextFormat(Qt::PlainText);
+  window.setText(Breakable(QString::fromStdString(box.Text)));
+  window.setTextInteractionFlags(Qt::TextSelectableByMouse);
+
+  const Answer usual = DefaultOf(box);
+  std::vector<std::pair<QAbstractButton*, Answer>> answers;
+  for (const BoxButton& button : ButtonsOf(box.Choice)) {
+    QPushButton* const made = window.addButton(QString(button.Text), button.Role);
+    if (button.Gives == usual) window.setDefaultButton(made);
+    if (button.Gives == Answer::No || button.Gives == Answer::Ok) window.setEscapeButton(made);
+    answers.emplace_back(made, button.Gives);
+  }
+
+  const clsBoxUp up;
+  window.exec();
+  for (const auto& [button, answer] : answers) {
+    if (button == window.clickedButton()) return answer;
+  }
+  return answers.back().second;  // the program closes its windows: the answer that changes least
+}
+
+std::string ChooseFile(QWidget* parent, const FileDialog& dialog) {
+  QFileDialog window(parent, QString::fromStdString(dialog.Title), StartFolder(dialog.Folder));
+  window.setObjectName("commdlg");
+  window.setOption(QFileDialog::DontUseNativeDialog);
+  window.setOption(QFileDialog::DontConfirmOverwrite);
+  window.setAcceptMode(dialog.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  window.setFileMode(QFileDialog::AnyFile);
+  window.setNameFilters(NameFilters(dialog.Filter));
+  window.selectFile(QFile::decodeName(QByteArray::fromStdString(dialog.FileName)));
+
+  const clsBoxUp up;
+  if (window.exec() != QDialog::Accepted) return {};
+  const QStringList files = window.selectedFiles();
+  if (files.isEmpty()) return {};
+  return QFile::encodeName(WithExtension(files.front(), dialog.Extension)).toStdString();
+}
+
+void SetPointer(int shape) {
+  thePointer.Shape = shape;
+  thePointer.Show();
+}
+
+}  // namespace sandrel::qt
