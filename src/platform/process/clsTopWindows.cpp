@@ -39,7 +39,7 @@ constexpr std::array<std::string_view, AtomCount> AtomNames = {"UTF8_STRING",
                                                                "_NET_SUPPORTING_WM_CHECK"};
 
 struct Free {
-  void operator()(void* reply) const { std::free(reply); }  // NOLINT: the library allocates it so
+  void operator()(void* reply) const { std::free(reply); }
 };
 template <class Reply>
 using ReplyPtr = std::unique_ptr<Reply, Free>;
