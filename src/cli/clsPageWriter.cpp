@@ -9,6 +9,7 @@
 #include "common/clsError.h"
 #include "common/text.h"
 #include "platform/dao/Workspace.h"
+#include "snapshot/StatsReport.h"
 
 namespace sandrel {
 namespace {
@@ -66,12 +67,7 @@ int PageByName(const std::string& name) {
 }
 
 std::string clsPageWriter::GetStat(std::string_view description) const {
-  const auto stats = dao::DBEngine::FirstWorkspace()
-                         .OpenDatabase(m_analysis)
-                         ->OpenRecordset("tblStats", dao::RecordsetType::Table);
-  stats->SetIndex("Description");
-  stats->Seek("=", {description});
-  return stats->NoMatch() ? std::string() : stats->Get("Value").ToText();
+  return ReadStat(dao::DBEngine::FirstWorkspace(), m_analysis, description);
 }
 
 std::int64_t clsPageWriter::CountRows(int page) const {

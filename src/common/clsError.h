@@ -22,6 +22,7 @@ inline constexpr std::int32_t Overflow = 6;
 inline constexpr std::int32_t OutOfMemory = 7;
 inline constexpr std::int32_t BadFileName = 52;  ///< a folder that can't be searched
 inline constexpr std::int32_t FileNotFound = 53;
+inline constexpr std::int32_t TypeMismatch = 13;
 inline constexpr std::int32_t DeviceIo = 57;
 inline constexpr std::int32_t DiskFull = 61;
 inline constexpr std::int32_t PermissionDenied = 70;

@@ -75,6 +75,10 @@ class clsShell {
   virtual std::string ChooseFile(const FileDialog& dialog) = 0;
 
   virtual void SetMousePointer(int shape) = 0;
+  /// The pointer that stands outside of long work: busy while a scan runs.
+  void RestorePointer() {
+    SetMousePointer(State.Scanning ? pointer::ArrowHourglass : pointer::Default);
+  }
   /// Lets waiting window messages through. `often` is said in tight loops: there it costs next to
   /// nothing, because it looks at the window system at most every 15 ms.
   virtual void DoEvents(bool often = true) = 0;

@@ -187,6 +187,7 @@ clsSettings::Stamp clsSettings::Look() const {
 }
 
 void clsSettings::Refresh(bool forWriting) {
+  if (m_together) return;
   const Stamp now = Look();
   if (now == m_stamp) return;
   m_sections.clear();
@@ -253,14 +254,33 @@ std::string clsSettings::Format() const {
   return content;
 }
 
+void clsSettings::Together(const std::function<void()>& body) {
+  if (m_together) return body();
+  Write([&] {
+    m_together = true;
+    try {
+      body();
+    } catch (...) {
+      m_together = false;
+      throw;
+    }
+    m_together = false;
+  });
+}
+
 template <class Change>
 void clsSettings::Write(Change&& change) {
+  if (m_together) {
+    change();
+    return;
+  }
   clsFileWorks::MakeFolders(std::filesystem::path(m_path).parent_path().string());
   const clsFileLock lock(m_path + ".lock");
   Refresh(true);
   const std::vector<Section> before = m_sections;
   try {
     change();
+    if (m_sections == before) return;
     clsFileWorks::ReplaceWhole(m_path, Format());
   } catch (const clsError&) {
     m_sections = before;

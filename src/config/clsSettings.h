@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,6 +36,10 @@ class clsSettings {
   void DeleteSetting(std::string_view section, std::string_view key);
   void DeleteSetting(std::string_view section);
 
+  /// Runs `body`. What it saves and deletes is written together when it ends, in one replacement of
+  /// the file; nothing of it when it raises. Calls nest.
+  void Together(const std::function<void()>& body);
+
   std::vector<std::string> Sections();
   std::vector<std::string> Keys(std::string_view section);
 
@@ -43,10 +48,12 @@ class clsSettings {
     std::string Key;    // as written; of a line that is kept as it is, empty
     std::string Value;  // of a line that is kept as it is, the line
     bool IsLine = false;
+    bool operator==(const Entry&) const = default;
   };
   struct Section {
     std::string Name;  // of the lines before the first section, empty
     std::vector<Entry> Entries;
+    bool operator==(const Section&) const = default;
   };
   struct Stamp {
     std::int64_t Seconds = -1, Nanoseconds = 0, Size = 0;
@@ -65,6 +72,7 @@ class clsSettings {
 
   std::string m_path;
   Stamp m_stamp;
+  bool m_together = false;  // the file is locked and written later
   std::vector<Section> m_sections;
 };
 

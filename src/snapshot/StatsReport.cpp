@@ -90,4 +90,13 @@ void WriteStatsReport(dao::Recordset& stats, clsSettings& settings, clsMachine& 
   report.Exclusions(machine, appPath);
 }
 
+std::string ReadStat(dao::Workspace& workspace, const std::string& analysis,
+                     std::string_view description) {
+  const auto stats =
+      workspace.OpenDatabase(analysis)->OpenRecordset("tblStats", dao::RecordsetType::Table);
+  stats->SetIndex("Description");
+  stats->Seek("=", {description});
+  return stats->NoMatch() ? std::string() : stats->Get("Value").ToText();
+}
+
 }  // namespace sandrel

@@ -6,6 +6,7 @@
 
 #include "config/clsSettings.h"
 #include "platform/dao/Recordset.h"
+#include "platform/dao/Workspace.h"
 #include "platform/machine/clsMachine.h"
 
 namespace sandrel {
@@ -16,5 +17,10 @@ void AddStatsRow(dao::Recordset& stats, std::string_view description, std::strin
 /// Adds the report's rows to the open table of statistics. `appPath` is Sandrel's own folder.
 void WriteStatsReport(dao::Recordset& stats, clsSettings& settings, clsMachine& machine,
                       const std::string& appPath);
+
+/// The value of the row of that description in the analysis at the host path `analysis`; empty
+/// without one. Raises 3078 when the file is no analysis.
+std::string ReadStat(dao::Workspace& workspace, const std::string& analysis,
+                     std::string_view description);
 
 }  // namespace sandrel

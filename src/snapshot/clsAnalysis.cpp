@@ -198,7 +198,10 @@ bool clsAnalysis::CreateViews(const std::string& ViewPath) {
           run([&] { m_shell.SetStatusText("Analysis Created"); });
         } else {
           if (!state.CloseDown) run([&] { m_shell.SetStatusText("Scan Stopped"); });
-          if (m_targetTouched) run([&] { clsTableMaint().DeleteDatabase(state.AnalysisPath); });
+          // The stop may come while the finished file is being opened.
+          const std::string partial = state.AnalysisPath;
+          run([&] { m_shell.CloseAnalysis(); });
+          if (m_targetTouched) run([&] { clsTableMaint().DeleteDatabase(partial); });
           state.AnalysisPath.clear();
         }
         state.Scanning = false;
@@ -364,12 +367,7 @@ void clsAnalysis::AddStatRow(dao::Recordset& stats, std::string_view description
 std::string clsAnalysis::GetStat(std::string_view Description) const {
   const std::string& path = m_shell.State.AnalysisPath;
   if (path.empty()) return {};
-  const auto targets = dao::DBEngine::CreateWorkspace("Targets");
-  const auto stats =
-      targets->OpenDatabase(path)->OpenRecordset("tblStats", dao::RecordsetType::Table);
-  stats->SetIndex("Description");
-  stats->Seek("=", {Description});
-  return stats->NoMatch() ? std::string() : stats->Get("Value").ToText();
+  return ReadStat(*dao::DBEngine::CreateWorkspace("Targets"), path, Description);
 }
 
 }  // namespace sandrel

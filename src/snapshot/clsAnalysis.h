@@ -24,6 +24,9 @@ class clsAnalysis {
   clsAnalysis(clsShell& shell, clsSettings& settings, const clsHome& home,
               std::shared_ptr<clsMachine> machine);
 
+  /// Looks at another machine from now on; null for none. Not while a command runs.
+  void SetMachine(std::shared_ptr<clsMachine> machine) { m_machine = std::move(machine); }
+
   /// Asks for the analysis file; an empty title is "Create Analysis". Empty when the user
   /// cancelled.
   std::string GetViewNameAndLocation(const std::string& title);

@@ -32,6 +32,9 @@ class clsSnapshots {
   clsSnapshots(clsShell& shell, clsSettings& settings, const clsHome& home,
                std::shared_ptr<clsMachine> machine);
 
+  /// Looks at another machine from now on; null for none. Not while a command runs.
+  void SetMachine(std::shared_ptr<clsMachine> machine) { m_machine = std::move(machine); }
+
   /// Which snapshots exist.
   SnapshotLevel GetSnapshotLevel() const { return ReadSnapshotLevel(m_home.WorkingDatabase()); }
 

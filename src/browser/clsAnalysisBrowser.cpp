@@ -1,0 +1,219 @@
+#include "browser/clsAnalysisBrowser.h"
+
+#include <utility>
+
+#include "common/clsError.h"
+#include "snapshot/clsStatements.h"
+
+namespace sandrel {
+namespace {
+
+// In the order of loading, with the progress told before each page and the branch of the tree that
+// is made from it.
+struct LoadedPage {
+  int Index;
+  int Percent;
+  const char* Branch;
+};
+
+constexpr LoadedPage LoadedPages[] = {
+    {page::NewRegistry, 0, nullptr},
+    {page::NewIniFiles, 10, nullptr},
+    {page::NewFiles, 20, "NewFiles"},
+    {page::ChangedRegistry, 30, nullptr},
+    {page::ChangedIniFiles, 40, nullptr},
+    {page::ChangedFiles, 50, "ChangedFiles"},
+    {page::DeletedRegistry, 60, nullptr},
+    {page::DeletedIniFiles, 70, nullptr},
+    {page::DeletedFiles, 80, "DeletedFiles"},
+    {page::Stats, 85, nullptr},
+    {page::AllRegistry, 90, nullptr},
+    {page::AllIniFiles, 95, nullptr},
+    {page::AllFiles, 100, "Root"},
+};
+
+class clsFlagOff {
+ public:
+  explicit clsFlagOff(bool& flag) : m_flag(flag), m_before(std::exchange(flag, false)) {}
+  ~clsFlagOff() { m_flag = m_before; }
+  clsFlagOff(const clsFlagOff&) = delete;
+  clsFlagOff& operator=(const clsFlagOff&) = delete;
+
+ private:
+  bool& m_flag;
+  bool m_before;
+};
+
+}  // namespace
+
+clsAnalysisBrowser::clsAnalysisBrowser(clsShell& shell, clsSettings& settings,
+                                       clsMainControls& controls, clsAnalysis& analysis)
+    : Layout(shell, settings, controls),
+      Pages(shell, controls, Layout),
+      Tree(shell, controls, Layout, Pages),
+      Editing(shell, controls, Pages),
+      Files(shell, settings, controls, Pages, analysis,
+            [this](const std::string& path) { return Open(path); }),
+      m_shell(shell),
+      m_controls(controls) {
+  Pages.OnInvalidDatabase = [this](const std::string& path) {
+    Files.RemoveFromRecentFileList(path);
+    mnuFileClose_Click();
+  };
+  SetEvents();
+  SetCommands();
+}
+
+void clsAnalysisBrowser::Command(const char* method, const std::function<void()>& body) {
+  clsStatements run(m_shell, method);
+  run.Command([&] { run(body); }, [] {});
+}
+
+void clsAnalysisBrowser::SetEvents() {
+  TreeView& tree = m_controls.treeView;
+  const auto focus = [this](Pane pane) { m_controls.CurrentPane = pane; };
+  tree.Click = [this] { Command("frmSandrel.treeView_Click", [this] { Tree.treeView_Click(); }); };
+  tree.NodeClick = [this](Node& node) { Tree.treeView_NodeClick(node); };
+  tree.Collapse = [this](Node&) {
+    Command("frmSandrel.treeView_Collapse", [this] { Tree.treeView_Collapse(); });
+  };
+  tree.KeyUp = [this](int code) {
+    Command("frmSandrel.treeView_KeyUp", [&] { Tree.treeView_KeyUp(code); });
+  };
+  tree.GotFocus = [focus] { focus(Pane::Tree); };
+  tree.LostFocus = [focus] { focus(Pane::None); };
+  for (int index = 0; index < page::Count; ++index) {
+    ListView& list = m_controls.List(index);
+    list.ColumnClick = [this, index](std::size_t column) {
+      Command("frmSandrel.listView_ColumnClick",
+              [&] { Pages.listView_ColumnClick(index, column); });
+    };
+    list.DblClick = [this] {
+      Command("frmSandrel.listView_DblClick", [this] { Tree.listView_DblClick(); });
+    };
+    list.KeyUp = [this](int code) {
+      Command("frmSandrel.listView_KeyUp", [&] { Tree.listView_KeyUp(code); });
+    };
+    list.ItemClick = [this] { m_shell.UpdateCommandState(); };
+    const auto listFocus = [this](Pane pane) {
+      m_controls.CurrentPane = pane;
+      m_shell.UpdateCommandState();
+    };
+    list.GotFocus = [listFocus] { listFocus(Pane::List); };
+    list.LostFocus = [listFocus] { listFocus(Pane::None); };
+  }
+}
+
+void clsAnalysisBrowser::SetCommands() {
+  const auto set = [this](const char* item, std::function<void()> body) {
+    m_controls.Menus[item].Click = [this, method = std::string("frmSandrel.") + item,
+                                    body = std::move(body)] { Command(method.c_str(), body); };
+  };
+  set("mnuFile", [this] { Files.mnuFile_Click(); });
+  set("mnuFileOpen", [this] { Files.mnuFileOpen_Click(); });
+  set("mnuFileClose", [this] { mnuFileClose_Click(); });
+  for (int i = 1; i <= 5; ++i) {
+    set(clsMainControls::Element("mnuFileRecent", i).c_str(),
+        [this, i] { Files.mnuFileRecent_Click(i); });
+  }
+  set("mnuEdit", [this] { Editing.mnuEdit_Click(); });
+  set("mnuView", [this] { Tree.mnuView_Click(); });
+  set("mnuViewExpandCurrent", [this] { Tree.mnuViewExpandCurrent_Click(); });
+  set("mnuViewCollapseCurrent", [this] { Tree.mnuViewCollapseCurrent_Click(); });
+  set("mnuViewExpandAll", [this] { Tree.mnuViewExpandAll_Click(); });
+  set("mnuViewCollapseAll", [this] { Tree.mnuViewCollapseAll_Click(); });
+  set("mnuSettingsColumnsResetWidthsCurrent",
+      [this] { Layout.mnuSettingsColumnsResetWidthsCurrent_Click(); });
+  set("mnuSettingsColumnsResetOrderCurrent",
+      [this] { Layout.mnuSettingsColumnsResetOrderCurrent_Click(); });
+  const auto showAgain = [this] {
+    if (Node* const node = m_controls.treeView.SelectedItem()) Tree.ShowNode(*node);
+  };
+  set("mnuSettingsColumnsResetWidthsAll", [this, showAgain] {
+    if (Layout.mnuSettingsColumnsResetWidthsAll_Click()) showAgain();
+  });
+  set("mnuSettingsColumnsResetOrderAll", [this, showAgain] {
+    if (Layout.mnuSettingsColumnsResetOrderAll_Click()) showAgain();
+  });
+}
+
+// The layout of the page on show, and of the view of a hive that may stand behind it.
+void clsAnalysisBrowser::LeavePages() {
+  Layout.SaveColumnPositions();
+  Layout.SaveSharedColumnWidths();
+  Layout.SaveSharedColumnPositions();
+}
+
+void clsAnalysisBrowser::SaveLayout() {
+  LeavePages();
+}
+
+bool clsAnalysisBrowser::Open(const std::string& path) {
+  Editing.CommitPendingDeletes();
+  if (!m_shell.State.AnalysisPath.empty()) LeavePages();
+  m_shell.State.AnalysisPath = path;
+  Tree.BuildTree();
+  Tree.ShowNode(m_controls.treeView.Item("Root"));
+  if (m_shell.State.AnalysisPath.empty()) return false;
+  if (m_controls.List(page::Stats).Columns().empty()) {  // it couldn't be read, as was told
+    mnuFileClose_Click();
+    return false;
+  }
+  Files.UpdateFileMenu(path);
+  const clsFlagOff notReady(m_controls.FormReady);
+  LoadAllpages();
+  return true;
+}
+
+void clsAnalysisBrowser::mnuFileClose_Click() {
+  if (!m_shell.State.AnalysisPath.empty()) LeavePages();
+  m_controls.HideLists();
+  Editing.CommitPendingDeletes();
+  m_shell.State.AnalysisPath.clear();
+  Tree.ClearAll();
+  Files.UpdateRecentFileMenu();
+  m_controls.SetCaption("Untitled - Sandrel");
+  m_shell.UpdateCommandState();
+}
+
+// Window messages come through between the pages; when one of them closed the analysis or opened
+// another, the rest is not loaded.
+void clsAnalysisBrowser::LoadAllpages() {
+  const Node* const selected = m_controls.treeView.SelectedItem();
+  if (selected == nullptr) return;
+  const std::string key = selected->Key();
+  const std::string tag = m_controls.PageTag();
+  const std::string path = m_shell.State.AnalysisPath;
+  clsStatements run(m_shell, "frmSandrel.LoadAllpages", [](const clsError& error) {
+    return "Error Loading Pages - " + error.Description();
+  });
+  m_shell.SetMousePointer(pointer::Hourglass);
+  m_shell.SetProgress(0);
+  m_shell.SetStatusText("Loading...");
+  for (const LoadedPage& loaded : LoadedPages) {
+    run([&] { m_shell.SetProgress(loaded.Percent); });
+    run([&] { Pages.ShowPage(loaded.Index); });
+    if (m_shell.State.AnalysisPath != path) {
+      m_shell.SetProgress(0);
+      m_shell.SetStatusText("");
+      return;
+    }
+    if (loaded.Branch == nullptr) continue;
+    run([&] {
+      Node& branch = m_controls.treeView.Item(loaded.Branch);
+      m_controls.treeView.SetSelectedItem(&branch);
+      Tree.BuildFileBranch(branch);
+    });
+  }
+  run([&] { Layout.ResetSharedPage("sort"); });
+  m_shell.SetProgress(0);
+  m_shell.SetStatusText("");
+  m_controls.PageTag() = tag;
+  run([&] { m_controls.treeView.SetSelectedItem(&m_controls.treeView.Item(key)); });
+  run([&] { Tree.treeView_Click(); });
+  run([&] { Pages.UpdateStatCounts(); });
+  m_shell.RestorePointer();
+  m_shell.UpdateCommandState();
+}
+
+}  // namespace sandrel

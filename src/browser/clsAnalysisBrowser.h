@@ -1,0 +1,55 @@
+// The browser of analyses: tree, pages, column layout, editing and files together, tied to the
+// controls' events. What the window and the layers above call.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "browser/clsAnalysisFiles.h"
+#include "browser/clsAnalysisTree.h"
+#include "browser/clsColumnLayout.h"
+#include "browser/clsEditing.h"
+#include "browser/clsMainControls.h"
+#include "browser/clsPages.h"
+#include "common/clsShell.h"
+#include "config/clsSettings.h"
+#include "snapshot/clsAnalysis.h"
+
+namespace sandrel {
+
+class clsAnalysisBrowser {
+ public:
+  /// All must outlive the object. Sets the events of tree and lists and the commands of the File,
+  /// Edit and View menus and of the column resets.
+  clsAnalysisBrowser(clsShell& shell, clsSettings& settings, clsMainControls& controls,
+                     clsAnalysis& analysis);
+
+  clsColumnLayout Layout;
+  clsPages Pages;
+  clsAnalysisTree Tree;
+  clsEditing Editing;
+  clsAnalysisFiles Files;
+
+  /// Opens the analysis at the host path, with all its pages. False when it is none; nothing is
+  /// open then.
+  bool Open(const std::string& path);
+  /// Closes the open analysis; its pending deletes stay done.
+  void mnuFileClose_Click();
+  /// Fills all pages and the folder nodes.
+  void LoadAllpages();
+  /// What is kept when the program ends.
+  void SaveLayout();
+
+  /// Runs `body` as a command: an error is reported, with Retry and Ignore.
+  void Command(const char* method, const std::function<void()>& body);
+
+ private:
+  void SetEvents();
+  void SetCommands();
+  void LeavePages();
+
+  clsShell& m_shell;
+  clsMainControls& m_controls;
+};
+
+}  // namespace sandrel
