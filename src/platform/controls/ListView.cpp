@@ -126,6 +126,7 @@ void ListView::ClearRows() {
   m_focus = NoRow;
   m_selected = 0;
   if (m_rows.empty()) return;
+  ++m_filling;
   m_rows = {};  // what half a million rows took goes back
   m_cells = {};
   NotifyRows();
@@ -209,16 +210,46 @@ void ListView::Select(std::size_t row, bool selected) {
 }
 
 void ListView::SelectAll(bool selected) {
+  if (m_selected == (selected ? m_rows.size() : 0)) return;
   for (Row& row : m_rows) row.Selected = selected;
   m_selected = selected ? m_rows.size() : 0;
   NotifySelection();
 }
 
-void ListView::SelectOnly(std::size_t row) {
+void ListView::SelectRange(std::size_t first, std::size_t last, bool selected) {
+  BeginUpdate();
+  for (std::size_t row = first; row <= last && row < m_rows.size(); ++row) Select(row, selected);
+  EndUpdate();
+}
+
+void ListView::SelectOnlyRange(std::size_t first, std::size_t last) {
+  if (last >= m_rows.size()) return;
+  if (m_selected == last - first + 1 &&
+      std::all_of(m_rows.begin() + static_cast<std::ptrdiff_t>(first),
+                  m_rows.begin() + static_cast<std::ptrdiff_t>(last) + 1,
+                  [](const Row& row) { return row.Selected; })) {
+    return;
+  }
   BeginUpdate();
   SelectAll(false);
+  SelectRange(first, last, true);
+  EndUpdate();
+}
+
+void ListView::SetSelectedItem(std::size_t row) {
+  if (m_focus == row) return;
   m_focus = row;
-  if (row < m_rows.size()) Select(row, true);
+  NotifySelection();
+}
+
+void ListView::SelectOnly(std::size_t row) {
+  BeginUpdate();
+  SetSelectedItem(row);
+  if (row < m_rows.size()) {
+    SelectOnlyRange(row, row);
+  } else {
+    SelectAll(false);
+  }
   EndUpdate();
 }
 

@@ -35,10 +35,10 @@ struct ListColumn {
 class ListViewObserver {
  public:
   virtual ~ListViewObserver() = default;
-  virtual void ColumnsChanged() = 0;  ///< there are others, or their texts changed
-  virtual void LayoutChanged() = 0;   ///< widths, positions, hidden headers, shown sort
-  virtual void RowsChanged() = 0;     ///< there are others, or they stand in another order
-  virtual void SelectionChanged() = 0;
+  virtual void ColumnsChanged() = 0;    ///< there are others, or their texts changed
+  virtual void LayoutChanged() = 0;     ///< widths, positions, hidden headers, shown sort
+  virtual void RowsChanged() = 0;       ///< there are others, or they stand in another order
+  virtual void SelectionChanged() = 0;  ///< the selected rows, or the one with the focus
   virtual void VisibleChanged() = 0;
 };
 
@@ -95,6 +95,9 @@ class ListView {
   void ClearRows();
   /// Removes the rows that the test names.
   void RemoveRows(const std::function<bool(std::size_t row)>& isRemoved);
+  /// Changes when the rows become others altogether, and stays when they are sorted, added to or
+  /// some are removed.
+  unsigned Filling() const { return m_filling; }
   void ReserveRows(std::size_t rows, std::size_t cellsOfRow);
 
   /// Changes between the two reach the view at the end, in one go. They nest.
@@ -116,6 +119,10 @@ class ListView {
   std::size_t SelectedCount() const { return m_selected; }
   void Select(std::size_t row, bool selected);
   void SelectAll(bool selected);
+  /// The rows from `first` to `last`, both included.
+  void SelectRange(std::size_t first, std::size_t last, bool selected);
+  /// These rows and no others; nothing is told when that is so already.
+  void SelectOnlyRange(std::size_t first, std::size_t last);
   /// What a list that takes one row does: this row is selected, no other, and has the focus.
   void SelectOnly(std::size_t row);
   /// Selects the rows of these keys besides those that are selected.
@@ -123,7 +130,7 @@ class ListView {
   std::vector<RowKey> SelectedKeys() const;
   /// The row with the focus; NoRow for none.
   std::size_t SelectedItem() const { return m_focus < m_rows.size() ? m_focus : NoRow; }
-  void SetSelectedItem(std::size_t row) { m_focus = row; }
+  void SetSelectedItem(std::size_t row);
 
   // What the user did. Unset events do nothing.
   std::function<void(std::size_t column)> ColumnClick;
@@ -158,6 +165,7 @@ class ListView {
   std::size_t m_sortKey = 0;
   std::size_t m_selected = 0;
   std::size_t m_focus = NoRow;
+  unsigned m_filling = 0;
   int m_updates = 0;
   bool m_columnsPending = false, m_layoutPending = false, m_rowsPending = false,
        m_selectionPending = false;

@@ -21,16 +21,18 @@ bool Node::IsBelow(const Node& other) const {
   return false;
 }
 
+// The observer, but for nodes that a rebuild hasn't shown yet.
+TreeViewObserver* TreeView::ObserverOf(const Node* node) const {
+  const bool hidden = node != nullptr && m_rebuilding != nullptr && node->IsBelow(*m_rebuilding);
+  return hidden ? nullptr : m_observer;
+}
+
 Node& TreeView::Add(Node* parent, std::string key, std::string text, const char* image) {
   if (Find(key) != nullptr) {
     throw clsError(errnum::KeyNotUnique, "Key is not unique in collection", "TreeView.Nodes");
   }
-  bool hidden = false;
-  for (const Node* above = parent; above != nullptr && m_rebuilding != nullptr && !hidden;
-       above = above->m_parent) {
-    hidden = above == m_rebuilding;
-  }
-  TreeViewObserver* const observer = hidden ? nullptr : m_observer;
+  const bool rebuilding = parent != nullptr && parent == m_rebuilding;
+  TreeViewObserver* const observer = rebuilding ? nullptr : ObserverOf(parent);
   if (observer != nullptr) observer->NodeGoing(parent);
   auto& siblings = parent == nullptr ? m_roots : parent->m_children;
   auto made = std::make_unique<Node>();
@@ -61,6 +63,7 @@ Node& TreeView::Item(std::string_view key) const {
 }
 
 void TreeView::Clear() {
+  if (m_observer != nullptr) m_observer->Clearing();
   m_selected = nullptr;
   m_bold.clear();
   m_nodes.clear();
@@ -84,15 +87,16 @@ void TreeView::Rebuild(Node& node, const std::function<void()>& build) {
     node.m_children.clear();
     if (m_observer != nullptr) m_observer->ChildrenRemoved(node);
   }
-  const Node* const outer = std::exchange(m_rebuilding, &node);
+  m_rebuilding = &node;
   const auto show = [&] {
-    m_rebuilding = outer;
     const std::size_t count = node.m_children.size();
-    if (count == 0 || m_observer == nullptr) return;
-    auto built = std::exchange(node.m_children, {});
-    m_observer->ChildrenComing(node, count);
-    node.m_children = std::move(built);
-    m_observer->ChildrenAdded(node);
+    const bool told = m_observer != nullptr && count > 0;
+    if (told) m_observer->ChildrenComing(node, count);
+    m_rebuilding = nullptr;
+    if (told) m_observer->ChildrenAdded(node);
+    if (m_observer != nullptr && m_selected != nullptr && m_selected->IsBelow(node)) {
+      m_observer->SelectionChanged();
+    }
   };
   try {
     build();
@@ -106,14 +110,14 @@ void TreeView::Rebuild(Node& node, const std::function<void()>& build) {
 void TreeView::SetSelectedItem(Node* node) {
   if (m_selected == node) return;
   m_selected = node;
-  if (m_observer != nullptr) m_observer->SelectionChanged();
+  if (TreeViewObserver* const observer = ObserverOf(node)) observer->SelectionChanged();
 }
 
 void TreeView::EnsureVisible(Node& node) {
   for (Node* above = node.m_parent; above != nullptr; above = above->m_parent) {
     SetExpanded(*above, true);
   }
-  if (m_observer != nullptr) m_observer->Shown(node);
+  if (TreeViewObserver* const observer = ObserverOf(&node)) observer->Shown(node);
 }
 
 void TreeView::SetBold(Node& node, bool bold) {
@@ -124,20 +128,22 @@ void TreeView::SetBold(Node& node, bool bold) {
   } else {
     std::erase(m_bold, &node);
   }
-  if (m_observer != nullptr) m_observer->Changed(node);
+  if (TreeViewObserver* const observer = ObserverOf(&node)) observer->Changed(node);
 }
 
 void TreeView::ClearBold() {
   for (Node* const node : std::exchange(m_bold, {})) {
     node->m_bold = false;
-    if (m_observer != nullptr) m_observer->Changed(*node);
+    if (TreeViewObserver* const observer = ObserverOf(node)) observer->Changed(*node);
   }
 }
 
 void TreeView::SetExpanded(Node& node, bool expanded) {
   if (node.m_expanded == expanded) return;
   node.m_expanded = expanded;
-  if (m_observer != nullptr) m_observer->ExpansionChanged(&node, false);
+  if (TreeViewObserver* const observer = ObserverOf(&node)) {
+    observer->ExpansionChanged(&node, false);
+  }
   if (expanded) return;
   LeaveHidden();
   if (Collapse) Collapse(node);
@@ -152,7 +158,9 @@ void TreeView::SetDeep(const std::vector<std::unique_ptr<Node>>& nodes, bool exp
 
 void TreeView::SetExpandedDeep(Node& node, bool expanded) {
   SetDeep(node.m_children, expanded);
-  if (m_observer != nullptr) m_observer->ExpansionChanged(&node, true);
+  if (TreeViewObserver* const observer = ObserverOf(&node)) {
+    observer->ExpansionChanged(&node, true);
+  }
   if (!expanded) LeaveHidden();
 }
 

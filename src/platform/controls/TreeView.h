@@ -41,7 +41,8 @@ class Node {
   bool m_bold = false;
 };
 
-/// What a view does when the tree changes. Called after the change, but for the two "Going".
+/// What a view does when the tree changes. Called after the change, but for "Going", "Coming" and
+/// "Clearing".
 class TreeViewObserver {
  public:
   virtual ~TreeViewObserver() = default;
@@ -52,6 +53,7 @@ class TreeViewObserver {
   /// Children were added to a node that had none, with all that is below them.
   virtual void ChildrenComing(Node& node, std::size_t count) = 0;
   virtual void ChildrenAdded(Node& node) = 0;
+  virtual void Clearing() = 0;  ///< all nodes are about to be removed
   virtual void Cleared() = 0;
   virtual void Changed(Node& node) = 0;  ///< its look
   /// The expansion of the node, with `deep` of all nodes below it too; null for the whole tree.
@@ -82,8 +84,11 @@ class TreeView {
   void Clear();
 
   /// Puts whatever `build` adds below `node` in the place of its children; the view sees it in one
-  /// step. A selection below `node` moves to `node`.
+  /// step, and nothing of what happens to them before. A selection below `node` moves to `node`.
+  /// Rebuilds don't nest.
   void Rebuild(Node& node, const std::function<void()>& build);
+  /// True for the node that is being rebuilt: a view takes it for one without children.
+  bool IsRebuilding(const Node& node) const { return m_rebuilding == &node; }
 
   Node* SelectedItem() const { return m_selected; }
   void SetSelectedItem(Node* node);
@@ -106,6 +111,7 @@ class TreeView {
  private:
   void SetDeep(const std::vector<std::unique_ptr<Node>>& nodes, bool expanded);
   void LeaveHidden();
+  TreeViewObserver* ObserverOf(const Node* node) const;
   void Forget(const Node& node);
 
   TreeViewObserver* m_observer = nullptr;
