@@ -17,7 +17,7 @@ clsToolbarWidget::clsToolbarWidget(Toolbar& model, QWidget* parent)
   setContextMenuPolicy(Qt::PreventContextMenu);  // a main window's would hide the bar by itself
   setIconSize(QSize(16, 16));
   setToolButtonStyle(Qt::ToolButtonIconOnly);
-  layout()->setContentsMargins(2, 0, 2, 0);
+  layout()->setContentsMargins(0, 0, 0, 0);
   layout()->setSpacing(0);
   setFixedHeight(Height / 15);
   for (const ToolbarButton& button : model.Buttons) m_actions.push_back(AddButton(button));

@@ -1,0 +1,120 @@
+#include "platform/qt/modBoxes.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <fstream>
+#include <functional>
+#include <string>
+
+#include "support/TempFolder.h"
+
+namespace sandrel::qt {
+namespace {
+
+/// Runs `act` with the dialog that comes up next.
+template <class Dialog>
+void WhenUp(std::function<void(Dialog&)> act) {
+  QTimer::singleShot(0, qApp, [act = std::move(act)] {
+    auto* const dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+    ASSERT_NE(dialog, nullptr);
+    act(*dialog);
+  });
+}
+
+int AnswerTo(Buttons choice, BoxIcon icon, std::function<void(QMessageBox&)> act) {
+  WhenUp<QMessageBox>(std::move(act));
+  return static_cast<int>(AskBox(nullptr, {"Text <b>", "Title", choice, icon}));
+}
+
+std::function<void(QMessageBox&)> Press(Qt::Key key) {
+  return [key](QMessageBox& box) { QTest::keyClick(&box, key); };
+}
+
+TEST(modBoxes, EachButtonHasItsAnswer) {
+  const struct {
+    Buttons Choice;
+    std::vector<int> Answers;
+  } cases[] = {
+      {Buttons::Ok, {1}}, {Buttons::YesNo, {6, 7}}, {Buttons::AbortRetryIgnore, {3, 4, 5}}};
+  for (const auto& [choice, answers] : cases) {
+    for (std::size_t i = 0; i < answers.size(); ++i) {
+      EXPECT_EQ(AnswerTo(choice, BoxIcon::None,
+                         [i](QMessageBox& box) {
+                           EXPECT_EQ(box.text(), "Text <b>");
+                           box.buttons()[static_cast<qsizetype>(i)]->click();
+                         }),
+                answers[i]);
+    }
+  }
+}
+
+TEST(modBoxes, EscapeAndEnterAreTheCarefulAnswers) {
+  EXPECT_EQ(AnswerTo(Buttons::Ok, BoxIcon::None, Press(Qt::Key_Escape)), 1);
+  EXPECT_EQ(AnswerTo(Buttons::YesNo, BoxIcon::Question, Press(Qt::Key_Escape)), 7);
+  EXPECT_EQ(AnswerTo(Buttons::YesNo, BoxIcon::Question, Press(Qt::Key_Return)), 6);
+  EXPECT_EQ(AnswerTo(Buttons::YesNo, BoxIcon::Exclamation, Press(Qt::Key_Return)), 7);
+  EXPECT_EQ(AnswerTo(Buttons::AbortRetryIgnore, BoxIcon::Critical,
+                     [](QMessageBox& box) {
+                       QTest::keyClick(&box, Qt::Key_Escape);
+                       box.close();
+                       EXPECT_TRUE(box.isVisible());
+                       QTest::keyClick(&box, Qt::Key_Return);
+                     }),
+            4);
+}
+
+TEST(modBoxes, ThePointerIsSetOnceAndRestsInBoxes) {
+  SetPointer(pointer::Hourglass);
+  SetPointer(pointer::ArrowHourglass);
+  EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BusyCursor);
+  AnswerTo(Buttons::Ok, BoxIcon::None, [](QMessageBox& box) {
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    SetPointer(pointer::Hourglass);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    box.close();
+  });
+  EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+  SetPointer(pointer::Default);
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST(modBoxes, ChoosesFilesThatNeedNotExist) {
+  const test::TempFolder folder;
+  const std::string at = folder.Path() + "/";
+  for (const char* name : {"plain", "there.mdb"}) std::ofstream(at + name) << "x";
+  const struct {
+    const char* Typed;
+    std::string Chosen;
+  } cases[] = {{nullptr, at + "Sandrel.mdb"},
+               {"new \xC3\xA9", at + "new \xC3\xA9.mdb"},
+               {"new.txt", at + "new.txt"},
+               {"plain", at + "plain"},
+               {"there.mdb", at + "there.mdb"}};
+  for (const bool save : {false, true}) {
+    for (const auto& [typed, chosen] : cases) {
+      WhenUp<QFileDialog>([typed = typed](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.nameFilters(), QStringList({"MS Access (*.mdb *.x)", "All Files (*)"}));
+        auto* const name = dialog.findChild<QLineEdit*>();
+        if (typed != nullptr) name->setText(typed);
+        QTest::keyClick(name, Qt::Key_Return);
+      });
+      EXPECT_EQ(ChooseFile(nullptr, {"Title", ".mdb", "Sandrel.mdb",
+                                     "MS Access *.mdb;*.x|*.mdb;*.x|All Files *.*|*.*",
+                                     folder.Path(), save}),
+                chosen);
+    }
+  }
+  WhenUp<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
+  EXPECT_EQ(ChooseFile(nullptr, {"Title", ".mdb", "a", "", at + "gone"}), "");
+}
+
+}  // namespace
+}  // namespace sandrel::qt

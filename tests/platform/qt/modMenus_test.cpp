@@ -1,0 +1,106 @@
+#include "platform/qt/modMenus.h"
+
+#include <gtest/gtest.h>
+
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTest>
+#include <string>
+
+#include "platform/controls/Menu.h"
+
+namespace sandrel::qt {
+namespace {
+
+class modMenusTest : public testing::Test {
+ protected:
+  modMenusTest() {
+    m_menus.Add("", "mnuFile", "&File").Click = [this] {
+      m_ran += "refresh ";
+      m_menus["mnuFileRecent(1)"].SetCaption("&1 R&&D.mdb");
+    };
+    MenuItem& open = m_menus.Add("mnuFile", "mnuFileOpen", "&Open");
+    open.Shortcut = "Ctrl+O";
+    open.Picture = "Open";
+    open.Click = [this] { m_ran += "open "; };
+    m_menus.Add("mnuFile", "mnuFileSep1", "-");
+    m_menus.Add("mnuFile", "mnuFileRecent(1)", "none").Click = [this] { m_ran += "recent "; };
+    m_menus.Add("mnuFile", "mnuFileLater", "Later").Shortcut = "Ctrl+L";
+    m_menus.Add("", "mnuView", "&View");
+    m_menus.Add("mnuView", "mnuViewBars", "&Bars");
+    MenuItem& tick = m_menus.Add("mnuViewBars", "mnuViewToolbar", "&Toolbar");
+    tick.CanCheck = true;
+    tick.Shortcut = "Ctrl+T";
+    tick.Click = [this] { m_ran += "tick "; };
+    ShowMenus(m_menus, *m_window.menuBar());
+    m_window.show();
+    m_window.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&m_window));
+  }
+
+  QAction& Action(const char* name) { return *m_window.findChild<QAction*>(name); }
+  std::string Press(Qt::Key key) {
+    m_ran.clear();
+    QTest::keyClick(&m_window, key, Qt::ControlModifier);
+    return m_ran;
+  }
+
+  Menus m_menus;
+  std::string m_ran;
+  QMainWindow m_window;
+};
+
+TEST_F(modMenusTest, FollowsTheItems) {
+  QMenu* const file = m_window.findChild<QMenu*>("mnuFile");
+  EXPECT_EQ(file->title(), "&File");
+  ASSERT_EQ(file->actions().size(), 4);
+  EXPECT_TRUE(file->actions()[1]->isSeparator());
+  EXPECT_FALSE(Action("mnuFileOpen").icon().isNull());
+  EXPECT_FALSE(Action("mnuFileLater").isEnabled());
+
+  file->popup(QPoint(0, 0));
+  EXPECT_EQ(Action("mnuFileRecent(1)").text(), "&1 R&&D.mdb");
+  file->hide();
+  m_menus["mnuFileSep1"].SetVisible(false);
+  EXPECT_FALSE(file->actions()[1]->isVisible());
+
+  // The command alone decides about the tick.
+  QAction& tick = Action("mnuViewToolbar");
+  tick.trigger();
+  EXPECT_FALSE(tick.isChecked());
+  m_menus["mnuViewToolbar"].SetChecked(true);
+  EXPECT_TRUE(tick.isChecked());
+  EXPECT_EQ(m_ran, "refresh tick ");
+}
+
+TEST_F(modMenusTest, ShortcutsRunWhatIsUsableAlone) {
+  EXPECT_EQ(Press(Qt::Key_O), "open ");
+  EXPECT_EQ(Press(Qt::Key_T), "tick ");
+  EXPECT_EQ(Press(Qt::Key_L), "");
+  m_menus["mnuFile"].SetEnabled(false);
+  m_menus["mnuView"].SetEnabled(false);
+  EXPECT_EQ(Press(Qt::Key_O), "");
+  EXPECT_EQ(Press(Qt::Key_T), "");
+  m_menus["mnuFile"].SetEnabled(true);
+  m_menus["mnuFileOpen"].SetEnabled(false);
+  EXPECT_EQ(Press(Qt::Key_O), "");
+}
+
+// The bar goes on following the items that a popup shows, and their shortcuts stay unambiguous.
+TEST_F(modMenusTest, APopupSharesItemsWithTheBar) {
+  QMenu popup(&m_window);
+  ShowPopup(m_menus["mnuFile"], popup);
+  m_menus["mnuFileOpen"].SetCaption("&Open...");
+  popup.popup(QPoint(0, 0));
+  EXPECT_EQ(popup.actions()[0]->text(), "&Open...");
+  EXPECT_EQ(popup.actions()[2]->text(), "&1 R&&D.mdb");
+  popup.actions()[2]->trigger();
+  EXPECT_EQ(m_ran, "refresh recent ");
+  popup.hide();
+  EXPECT_EQ(m_window.findChild<QMenu*>("mnuFile")->actions()[0]->text(), "&Open...");
+  EXPECT_EQ(Press(Qt::Key_O), "open ");
+}
+
+}  // namespace
+}  // namespace sandrel::qt
