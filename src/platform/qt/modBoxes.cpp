@@ -119,6 +119,13 @@ QString Breakable(const QString& text) {
   return broken + text.mid(from);
 }
 
+// A text that would push the buttons off the screen is shown in part, and whole on demand.
+void SetText(QMessageBox& window, const QString& text) {
+  constexpr qsizetype Most = 2000;
+  if (text.size() > Most) window.setDetailedText(text);
+  window.setText(Breakable(text.size() > Most ? text.left(Most) + QChar(0x2026) : text));
+}
+
 // "words|pattern|words|pattern" to Qt's "words (pattern)", without a pattern in the words.
 QStringList NameFilters(const std::string& filter) {
   const QStringList parts = QString::fromStdString(filter).split('|');
@@ -156,7 +163,7 @@ Answer AskBox(QWidget* parent, const MessageBox& box) {
   window.setWindowTitle(QString::fromStdString(box.Title));
   window.setIcon(IconOf(box.Icon));
   window.setTextFormat(Qt::PlainText);
-  window.setText(Breakable(QString::fromStdString(box.Text)));
+  SetText(window, QString::fromStdString(box.Text));
   window.setTextInteractionFlags(Qt::TextSelectableByMouse);
 
   const Answer usual = DefaultOf(box);
@@ -191,6 +198,21 @@ std::string ChooseFile(QWidget* parent, const FileDialog& dialog) {
   const QStringList files = window.selectedFiles();
   if (files.isEmpty()) return {};
   return QFile::encodeName(WithExtension(files.front(), dialog.Extension)).toStdString();
+}
+
+std::string ChooseFolder(QWidget* parent, const std::string& title, const std::string& start) {
+  QFileDialog window(parent, QString::fromStdString(title), StartFolder(start));
+  window.setObjectName("commdlg");
+  window.setOption(QFileDialog::DontUseNativeDialog);
+  window.setFileMode(QFileDialog::Directory);
+  window.setOption(QFileDialog::ShowDirsOnly);
+  // Prefixes live in folders such as ~/.wine.
+  window.setFilter(QDir::AllDirs | QDir::Hidden | QDir::NoDotAndDotDot);
+
+  const clsBoxUp up;
+  if (window.exec() != QDialog::Accepted) return {};
+  const QStringList folders = window.selectedFiles();
+  return folders.isEmpty() ? std::string() : QFile::encodeName(folders.front()).toStdString();
 }
 
 void SetPointer(int shape) {

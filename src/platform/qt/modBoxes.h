@@ -17,6 +17,10 @@ Answer AskBox(QWidget* parent, const MessageBox& box);
 /// absolute host path; empty when the user cancelled.
 std::string ChooseFile(QWidget* parent, const FileDialog& dialog);
 
+/// Asks for a folder that exists. The answer is an absolute host path; empty when the user
+/// cancelled.
+std::string ChooseFolder(QWidget* parent, const std::string& title, const std::string& start);
+
 /// Sets the pointer for the whole program, to one of the pointer namespace. Boxes and dialogs show
 /// the usual one while they are up.
 void SetPointer(int shape);

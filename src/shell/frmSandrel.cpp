@@ -1,0 +1,239 @@
+#include "shell/frmSandrel.h"
+
+#include <QCloseEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTimer>
+#include <algorithm>
+#include <utility>
+
+#include "platform/qt/Icons.h"
+#include "platform/qt/clsListWidget.h"
+#include "platform/qt/clsSplitBar.h"
+#include "platform/qt/clsStatusBarWidget.h"
+#include "platform/qt/clsToolbarWidget.h"
+#include "platform/qt/clsTrayIcon.h"
+#include "platform/qt/clsTreeWidget.h"
+#include "platform/qt/modBoxes.h"
+#include "platform/qt/modMenus.h"
+#include "platform/qt/modPump.h"
+#include "platform/qt/modTwips.h"
+#include "shell/frmSplash.h"
+
+namespace sandrel {
+namespace {
+
+constexpr int SplitWidth = 40;         // twips
+constexpr int SmallestPane = 1000;     // twips
+constexpr int BeforeTimeIndent = 100;  // twips
+
+QString FromText(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// Tells when the room that the layout divides has changed.
+class clsClient final : public QWidget {
+ public:
+  clsClient(QWidget* parent, std::function<void()> resized)
+      : QWidget(parent), m_resized(std::move(resized)) {}
+
+ protected:
+  void resizeEvent(QResizeEvent*) override { m_resized(); }
+
+ private:
+  std::function<void()> m_resized;
+};
+
+}  // namespace
+
+frmSandrel::frmSandrel(clsSettings& settings, const clsHome& home, clsWindowList& windows,
+                       StartOptions options)
+    : m_settings(settings),
+      m_home(home),
+      m_windows(windows),
+      m_options(std::move(options)),
+      m_snapshots(*this, settings, home, nullptr),
+      m_analysis(*this, settings, home, nullptr),
+      m_browser(*this, settings, m_controls, m_analysis),
+      m_commandState(*this, settings, home, m_controls) {
+  setObjectName("frmSandrel");
+  setWindowIcon(icons::Window());
+  SetCommands();
+  MakeControls();
+}
+
+// The widgets follow controls that end before them.
+frmSandrel::~frmSandrel() {
+  delete takeCentralWidget();
+}
+
+void frmSandrel::MakeControls() {
+  m_client = new clsClient(this, [this] { Form_Resize(); });
+  setCentralWidget(m_client);
+  qt::ShowMenus(m_controls.Menus, *menuBar());
+  tlbarMain = new clsToolbarWidget(m_controls.tlbarMain, m_client);
+  txtLastBeforeSnapshot = new QLabel(m_client);
+  txtLastBeforeSnapshot->setObjectName("txtLastBeforeSnapshot");
+  txtLastBeforeSnapshot->setToolTip("Time of last before Snapshot");
+  treeView = new clsTreeWidget(m_controls.treeView, m_client);
+  treeView->setObjectName("treeView");
+  treeView->setAccessibleName("Contents of the analysis");
+  for (int index = 0; index < page::Count; ++index) {
+    auto* const list = new clsListWidget(m_controls.List(index), m_client);
+    list->setObjectName(FromText(clsMainControls::Element("listView", index)));
+    list->setAccessibleName("Rows of the page");
+    list->hide();
+    listView[static_cast<std::size_t>(index)] = list;
+  }
+  picSplit = new clsSplitBar(m_client);
+  picSplit->setObjectName("picSplit");
+  picSplit->MayStandAt = [this](int left) {
+    const int twips = qt::ToTwips(left);
+    return twips > SmallestPane && twips < qt::ToTwips(m_client->width()) - SmallestPane;
+  };
+  picSplit->Dropped = [this] {
+    m_controls.treeView.Width = qt::ToTwips(picSplit->x());
+    Form_Resize();
+  };
+  stbrStatus = new clsStatusBarWidget(m_controls.stbrStatus, m_client);
+  Timer = new QTimer(this);
+  Timer->setObjectName("Timer");
+  connect(Timer, &QTimer::timeout, this, [this] { Timer_Tick(); });
+  mnuSysTrayPopup = new QMenu(this);
+  mnuSysTrayPopup->setObjectName("mnuSysTrayPopup");
+  qt::ShowPopup(m_controls.Menus["mnuSysTrayPopup"], *mnuSysTrayPopup);
+  new clsTrayIcon(m_controls.SysTray, this);
+  m_controls.CaptionChanged = [this] {
+    // Qt would read "[*]" in a file's name as a mark of its own.
+    setWindowTitle(FromText(m_controls.Caption()).replace("[*]", "[*][*]"));
+  };
+}
+
+void frmSandrel::SetCommands() {
+  const Menus& menus = m_controls.Menus;
+  m_commandState.OnLayout = [this] { Form_Resize(); };
+  menus["mnuFileExit"].Click = [this] { close(); };
+  menus["mnuSnapShotBefore"].Click = [this] {
+    OpenMachine();
+    m_snapshots.mnuSnapShotBefore_Click();
+  };
+  menus["mnuSnapShotAfter"].Click = [this] {
+    OpenMachine();
+    m_analysis.mnuSnapShotAfter_Click(m_snapshots);
+  };
+  menus["mnuSnapShotRollUp"].Click = [this] {
+    m_browser.Command("frmSandrel.mnuSnapShotRollUp",
+                      [this] { m_snapshots.mnuSnapShotRollUp_Click(); });
+  };
+  menus["mnuSnapShotCancelOperation"].Click = [this] { m_snapshots.ConfirmCancelScan(); };
+  menus["mnuSettingsMachine"].Click = [this] { mnuSettingsMachine_Click(); };
+  SetTrayEvents();
+}
+
+void frmSandrel::Form_Resize() {
+  if (stbrStatus == nullptr) return;  // still being made
+  const int width = m_client->width();
+  const int top = m_controls.tlbarMain.Visible() ? qt::ToPixels(clsToolbarWidget::Height) : 0;
+  const int status = qt::ToPixels(StatusBar::Height);
+  const int bottom = m_controls.stbrStatus.Visible() ? status : 0;
+  const int height = std::max(0, m_client->height() - top - bottom);
+  const int split = std::clamp(qt::ToPixels(m_controls.treeView.Width), 0, width);
+
+  tlbarMain->setGeometry(0, 0, width, qt::ToPixels(clsToolbarWidget::Height));
+  tlbarMain->setVisible(m_controls.tlbarMain.Visible());
+  const QRect place = tlbarMain->PlaceHolder();
+  txtLastBeforeSnapshot->setGeometry(
+      place.adjusted(qt::ToPixels(BeforeTimeIndent), 0, 0, 0).translated(tlbarMain->pos()));
+  txtLastBeforeSnapshot->setVisible(m_controls.tlbarMain.Visible());
+  txtLastBeforeSnapshot->raise();
+
+  treeView->setGeometry(0, top, split, height);
+  picSplit->setGeometry(split, top, qt::ToPixels(SplitWidth) + 1, height);
+  for (int index = 0; index < page::Count; ++index) {
+    m_controls.List(index).Width = qt::ToTwips(width - split);
+    listView[static_cast<std::size_t>(index)]->setGeometry(split, top, width - split, height);
+  }
+  picSplit->raise();
+  stbrStatus->setGeometry(0, m_client->height() - status, width, status);
+  stbrStatus->setVisible(m_controls.stbrStatus.Visible());
+}
+
+void frmSandrel::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) Form_Resize();
+}
+
+void frmSandrel::closeEvent(QCloseEvent* event) {
+  event->setAccepted(!Form_Unload());
+}
+
+void frmSandrel::SetStatusText(std::string_view text) {
+  m_controls.stbrStatus.SetStatus(std::string(text));
+}
+
+void frmSandrel::SetProgress(int percent) {
+  m_controls.stbrStatus.SetProgress(ProgressText(percent));
+}
+
+// A box in the middle of a scan would stop it: what is to be told waits for its end.
+void frmSandrel::Tell(std::string_view text) {
+  if (!m_notes.empty()) m_notes += "\n\n";
+  m_notes += text;
+  QTimer::singleShot(0, this, [this] { ShowNotes(); });
+}
+
+void frmSandrel::ShowNotes() {
+  if (State.Scanning || m_unloaded || m_notes.empty()) return;
+  Ask({std::exchange(m_notes, {}), "Sandrel Manager", Buttons::Ok, BoxIcon::Information});
+}
+
+void frmSandrel::UpdateCommandState() {
+  if (m_unloaded) return;
+  m_commandState.UpdateCommandState();
+  if (!State.Scanning && !m_notes.empty()) QTimer::singleShot(0, this, [this] { ShowNotes(); });
+}
+
+QWidget* frmSandrel::BoxParent() {
+  return isVisible() ? this : nullptr;
+}
+
+Answer frmSandrel::Ask(const MessageBox& box) {
+  return qt::AskBox(BoxParent(), box);
+}
+
+Answer frmSandrel::ReportError(std::int32_t number, std::string_view description,
+                               std::string_view source, std::string_view method) {
+  UnloadSplash();
+  return Ask({ErrorBoxText(number, description, source, method), "Sandrel Error Message",
+              Buttons::AbortRetryIgnore, BoxIcon::Critical});
+}
+
+std::string frmSandrel::ChooseFile(const FileDialog& dialog) {
+  return qt::ChooseFile(BoxParent(), dialog);
+}
+
+void frmSandrel::SetMousePointer(int shape) {
+  qt::SetPointer(shape);
+}
+
+void frmSandrel::DoEvents(bool often) {
+  qt::DoEvents(often);
+}
+
+void frmSandrel::ShowBeforeTime(std::string_view text) {
+  txtLastBeforeSnapshot->setText(FromText(text));
+  Form_Resize();
+}
+
+// A page that can't be shown is no reason to lose the analysis that was just made.
+void frmSandrel::OpenAnalysis(const std::string& path) {
+  m_browser.Command("frmSandrel.OpenAnalysis", [&] { m_browser.Open(path); });
+}
+
+void frmSandrel::Unload() {
+  m_controls.SysTray.SetInTray(false);
+  Form_Unload();
+}
+
+}  // namespace sandrel

@@ -1,0 +1,143 @@
+// The main window: it owns the controls and one object for each group of commands, brings the
+// program up and down, and is the shell that the commands speak to.
+#pragma once
+
+#include <QMainWindow>
+#include <array>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "browser/clsAnalysisBrowser.h"
+#include "browser/clsMainControls.h"
+#include "common/clsShell.h"
+#include "config/clsHome.h"
+#include "config/clsSettings.h"
+#include "platform/process/clsWindowList.h"
+#include "shell/clsCommandState.h"
+#include "snapshot/clsAnalysis.h"
+#include "snapshot/clsSnapshots.h"
+
+class QLabel;
+class QMenu;
+class QTimer;
+
+namespace sandrel {
+
+class clsListWidget;
+class clsSplitBar;
+class clsStatusBarWidget;
+class clsToolbarWidget;
+class clsTreeWidget;
+class frmSplash;
+
+/// What the program was started with.
+struct StartOptions {
+  std::string Machine;  ///< host path of the machine's folder; empty for the one the settings name
+  std::string Command;  ///< the rest of the command line
+  bool PrevInstance = false;  ///< the program runs on this home folder already
+};
+
+class frmSandrel final : public QMainWindow, public clsShell {
+ public:
+  /// All but the options must outlive the window. Nothing shows before `Form_Load`.
+  frmSandrel(clsSettings& settings, const clsHome& home, clsWindowList& windows,
+             StartOptions options);
+  ~frmSandrel() override;
+
+  /// Brings the program up. It may ask and run a snapshot before it returns.
+  void Form_Load();
+  /// True when the window is gone for good: the program is to end.
+  bool IsUnloaded() const { return m_unloaded; }
+
+  // What other forms and tests reach.
+  clsMainControls& Controls() { return m_controls; }
+  clsAnalysisBrowser& Browser() { return m_browser; }
+  clsSnapshots& Snapshots() { return m_snapshots; }
+  void SetNoAutoLoadDatabase(bool value) { m_noAutoLoadDatabase = value; }
+  bool CloseDown() const { return State.CloseDown; }
+  void SetBeforeSSCompleteNotify(bool value) { State.BeforeSSCompleteNotify = value; }
+
+  // The shell.
+  void SetStatusText(std::string_view text) override;
+  void SetProgress(int percent) override;
+  void Tell(std::string_view text) override;
+  Answer Ask(const MessageBox& box) override;
+  Answer ReportError(std::int32_t number, std::string_view description, std::string_view source,
+                     std::string_view method) override;
+  std::string ChooseFile(const FileDialog& dialog) override;
+  void SetMousePointer(int shape) override;
+  void DoEvents(bool often) override;
+  void UpdateCommandState() override;
+  void RefreshMenus() override { m_commandState.RefreshMenus(); }
+  void ShowBeforeTime(std::string_view text) override;
+  void BeforeSnapshotEnded() override {}
+  void CommitPendingDeletes() override { m_browser.Editing.CommitPendingDeletes(); }
+  void CloseAnalysis() override { m_browser.mnuFileClose_Click(); }
+  void OpenAnalysis(const std::string& path) override;
+  void Unload() override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  // frmSandrel.cpp
+  void MakeControls();
+  void SetCommands();
+  void Form_Resize();
+  void ShowNotes();
+  QWidget* BoxParent();
+  // frmSandrelStart.cpp
+  void ActivatePreviousInstance();
+  void ShowSplash();
+  void UnloadSplash();
+  void ShowInTrayOrOnScreen();
+  void LoadWindowPlacement();
+  void SaveWindowPlacement();
+  void ReopenLast(bool& checkBeforeSnapshot);
+  void AskForBefore();
+  bool Form_Unload();
+  void TearDown();
+  // frmSandrelTray.cpp
+  void SetTrayEvents();
+  void mnuSettingsSystray_Click();
+  void SysTray_MouseDown(int button);
+  void Timer_Tick();
+  void RestoreForm();
+  void mnuSysTrayPopupExit_Click();
+  // frmSandrelMachine.cpp
+  void OpenMachine();
+  void mnuSettingsMachine_Click();
+
+  clsSettings& m_settings;
+  const clsHome& m_home;
+  clsWindowList& m_windows;
+  StartOptions m_options;
+  clsMainControls m_controls;
+  clsSnapshots m_snapshots;
+  clsAnalysis m_analysis;
+  clsAnalysisBrowser m_browser;
+  clsCommandState m_commandState;
+
+  QWidget* m_client = nullptr;  // what the layout divides
+  clsToolbarWidget* tlbarMain = nullptr;
+  QLabel* txtLastBeforeSnapshot = nullptr;
+  clsTreeWidget* treeView = nullptr;
+  std::array<clsListWidget*, page::Count> listView{};
+  clsSplitBar* picSplit = nullptr;
+  clsStatusBarWidget* stbrStatus = nullptr;
+  QTimer* Timer = nullptr;
+  QMenu* mnuSysTrayPopup = nullptr;
+  std::unique_ptr<frmSplash> m_splash;
+
+  std::string m_notes;          // to be told when no scan runs
+  std::string m_machineFolder;  // what was chosen in this session; empty for none
+  bool m_noAutoLoadDatabase = false;
+  bool m_trayMenuPending = false;
+  bool m_loaded = false;     // Form_Load has begun: there is something to save
+  bool m_unloading = false;  // inside the tear-down
+  bool m_unloaded = false;
+};
+
+}  // namespace sandrel

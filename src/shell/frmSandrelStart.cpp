@@ -1,0 +1,204 @@
+// How the main window comes up and goes down.
+#include <fmt/format.h>
+
+#include <QApplication>
+#include <QScreen>
+#include <QWindow>
+
+#include "common/clsFileWorks.h"
+#include "common/text.h"
+#include "platform/qt/modTwips.h"
+#include "shell/frmSandrel.h"
+#include "shell/frmSplash.h"
+#include "snapshot/clsStatements.h"
+#include "wizard/modActivateApp.h"
+
+#ifndef SANDREL_VERSION
+#define SANDREL_VERSION "0.0.0"
+#endif
+
+namespace sandrel {
+namespace {
+
+constexpr const char* Section = "Main Form";
+constexpr int Normal = 0;
+constexpr int Minimized = 1;
+constexpr int Maximized = 2;
+
+}  // namespace
+
+void frmSandrel::Form_Load() {
+  clsStatements run(*this, "frmSandrel.Form_Load");
+  run.Command(
+      [&] {
+        if (m_options.PrevInstance) {
+          run([&] { ActivatePreviousInstance(); });
+          Form_Unload();
+          return;
+        }
+        m_loaded = true;
+        run([&] { ShowSplash(); });
+        m_controls.FormReady = true;
+        run([&] { m_browser.Files.UpdateRecentFileMenu(); });
+        m_controls.SetCaption("Untitled - Sandrel");
+        run([&] { LoadWindowPlacement(); });
+        State.Scanning = false;
+        run([&] { UpdateCommandState(); });
+        m_controls.SysTray.SetTip(m_controls.Caption());
+        run([&] { ShowInTrayOrOnScreen(); });
+        run([&] { DoEvents(false); });
+        run([&] { m_controls.DeletesWorkspace = dao::DBEngine::CreateWorkspace("Deletes"); });
+        run([&] { OpenMachine(); });
+        bool checkBeforeSnapshot = false;
+        run([&] { ReopenLast(checkBeforeSnapshot); });
+        if (checkBeforeSnapshot) run([&] { AskForBefore(); });
+        if (m_unloaded) return;
+        run([&] { m_snapshots.ShowLastBeforeSnapshot(); });
+        run([&] { RefreshMenus(); });
+      },
+      [] {});
+}
+
+void frmSandrel::ActivatePreviousInstance() {
+  const WindowHandle window = modActivateApp::FindAppWindow(
+      m_windows, "Sandrel - ", modActivateApp::MatchBy::Begins, true, false);
+  m_windows.ShowWindow(window, SwRestore);
+  m_windows.OpenIcon(window);
+  m_windows.SetForegroundWindow(window);
+}
+
+// The pass over waiting messages lets a held Shift key reach the splash.
+void frmSandrel::ShowSplash() {
+  m_splash = std::make_unique<frmSplash>(SANDREL_VERSION);
+  m_splash->OnShift = [this] { m_noAutoLoadDatabase = true; };
+  m_splash->OnUnload = [this] { m_splash.release()->deleteLater(); };
+  m_splash->show();
+  DoEvents(false);
+  if (m_splash != nullptr && m_splash->ShiftIsDown()) m_noAutoLoadDatabase = true;
+}
+
+void frmSandrel::UnloadSplash() {
+  if (m_splash != nullptr) m_splash->Unload();
+}
+
+void frmSandrel::ShowInTrayOrOnScreen() {
+  MenuItem& item = m_controls.Menus["mnuSettingsSystray"];
+  item.SetChecked(text::ReadBoolean(m_settings.GetSetting("Enabled", "Systray"), false));
+  item.SetEnabled(m_controls.SysTray.Available);
+  m_controls.SysTray.SetInTray(item.Checked());
+  if (!m_controls.SysTray.InTray()) show();
+}
+
+void frmSandrel::ReopenLast(bool& checkBeforeSnapshot) {
+  const std::string path = m_browser.Files.RecentFile(1);
+  if (path.empty()) {
+    checkBeforeSnapshot = true;
+  } else if (!m_noAutoLoadDatabase) {
+    if (clsFileWorks::FileExists(path)) {
+      m_browser.Open(path);
+    } else {
+      checkBeforeSnapshot = true;
+    }
+  }
+}
+
+void frmSandrel::AskForBefore() {
+  if (clsFileWorks::FileExists(m_home.WorkingDatabase())) return;
+  UnloadSplash();
+  if (Ask({"A 'Before' Snapshot of your drive(s) and registry was not found!\n\nWould you like to "
+           "create one now?",
+           "Sandrel Manager", Buttons::YesNo, BoxIcon::Question}) == Answer::Yes) {
+    m_controls.Menus.Run("mnuSnapShotBefore");
+  }
+}
+
+// Numbers are stored as text, sizes in twips.
+void frmSandrel::LoadWindowPlacement() {
+  const auto number = [this](const char* key, double fallback) {
+    const std::string stored = m_settings.GetSetting(Section, key);
+    return qt::ToPixels(static_cast<int>(stored.empty() ? fallback : text::Val(stored)));
+  };
+  const int state = static_cast<int>(text::Val(m_settings.GetSetting(Section, "WindowState")));
+  const QRect screen = QApplication::primaryScreen()->availableGeometry();
+  const double screenWidth = qt::ToTwips(screen.width());
+  const double screenHeight = qt::ToTwips(screen.height());
+  QSize size(number("Width", 0.8 * screenWidth), number("Height", 0.8 * screenHeight));
+  if (state != Normal) size = screen.size() * 0.8;
+  resize(size.expandedTo({200, 100}));
+  if (state == Normal) {
+    const double left = (screenWidth - qt::ToTwips(width())) / 2;
+    const double top = (screenHeight - qt::ToTwips(height())) / 2;
+    move(number("Left", left), number("Top", top));
+    // The screen that it stood on may be gone.
+    if (QApplication::screenAt(geometry().center()) == nullptr) {
+      move(screen.center() - rect().center());
+    }
+  } else {
+    setWindowState(state == Maximized ? Qt::WindowMaximized : Qt::WindowMinimized);
+  }
+  const std::string split = m_settings.GetSetting(Section, "SplitPos");
+  m_controls.treeView.Width =
+      split.empty() ? qt::ToTwips(width()) / 4 : static_cast<int>(text::Val(split));
+  Form_Resize();
+}
+
+void frmSandrel::SaveWindowPlacement() {
+  const int state = isMaximized() ? Maximized : isMinimized() ? Minimized : Normal;
+  m_settings.Together([&] {
+    const auto save = [&](const char* key, int number) {
+      m_settings.SaveSetting(Section, key, fmt::to_string(number));
+    };
+    save("WindowState", state);
+    if (state == Normal) {
+      save("Left", qt::ToTwips(pos().x()));
+      save("Top", qt::ToTwips(pos().y()));
+      save("Width", qt::ToTwips(width()));
+      save("Height", qt::ToTwips(height()));
+    }
+    save("SplitPos", m_controls.treeView.Width);
+  });
+}
+
+// True when the window stays.
+bool frmSandrel::Form_Unload() {
+  if (m_unloaded) return false;
+  if (m_unloading) return true;
+  if (m_loaded) {
+    if (m_controls.SysTray.InTray()) {
+      hide();
+      return true;
+    }
+    if (State.Scanning) {
+      State.CloseDown = m_snapshots.ConfirmCancelScan();
+      return true;
+    }
+    m_unloading = true;
+    TearDown();
+    m_unloading = false;
+  }
+  m_unloaded = true;
+  UnloadSplash();
+  m_controls.FormReady = false;
+  SetMousePointer(pointer::Default);
+  hide();
+  QCoreApplication::exit(0);
+  return false;
+}
+
+void frmSandrel::TearDown() {
+  clsStatements run(*this, "frmSandrel.Form_Unload");
+  run.Command(
+      [&] {
+        run([&] { CommitPendingDeletes(); });
+        m_controls.DeletesWorkspace.reset();
+        run([&] { m_browser.SaveLayout(); });
+        try {
+          SaveWindowPlacement();
+        } catch (const clsError&) {
+          // Settings that can't be written are no reason to stay.
+        }
+      },
+      [] {});
+}
+
+}  // namespace sandrel

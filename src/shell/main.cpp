@@ -1,0 +1,108 @@
+// sandrel, the desktop application.
+#include <fmt/format.h>
+
+#include <QApplication>
+#include <clocale>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/clsError.h"
+#include "common/text.h"
+#include "config/clsHome.h"
+#include "config/clsSettings.h"
+#include "platform/process/clsInstanceLock.h"
+#include "platform/process/clsTopWindows.h"
+#include "platform/process/modDisplay.h"
+#include "shell/frmSandrel.h"
+
+#ifndef SANDREL_VERSION
+#define SANDREL_VERSION "0.0.0"
+#endif
+
+namespace {
+
+constexpr int Failed = 2;
+
+constexpr const char* Help =
+    "sandrel - finds out what a software installation does to a Windows machine\n\n"
+    "Usage: sandrel [--machine DIR] [--home DIR]\n\n"
+    "  --machine DIR  Folder of the machine to look at (else $SANDREL_MACHINE, $WINEPREFIX, the\n"
+    "                 choice in the Settings menu, ~/.wine)\n"
+    "  --home DIR     Folder of the snapshots (else $SANDREL_HOME)\n"
+    "  --help         Shows this text\n"
+    "  --version      Shows the version\n\n"
+    "The same work without a window: sandrel-cli\n";
+
+struct Arguments {
+  sandrel::StartOptions Start;
+  std::string Home;
+  bool Help = false, Version = false;
+};
+
+// What is no option is the program's command.
+Arguments Parse(const std::vector<std::string>& words) {
+  Arguments arguments;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    const std::string_view word = words[i];
+    const auto value = [&](std::string_view option, std::string& target) {
+      if (word == option && i + 1 < words.size()) {
+        target = words[++i];
+        return true;
+      }
+      if (!word.starts_with(std::string(option) + "=")) return false;
+      target = word.substr(option.size() + 1);
+      return true;
+    };
+    if (value("--machine", arguments.Start.Machine) || value("--home", arguments.Home)) continue;
+    if (word == "--help" || word == "-h") {
+      arguments.Help = true;
+    } else if (word == "--version") {
+      arguments.Version = true;
+    } else {
+      if (!arguments.Start.Command.empty()) arguments.Start.Command += ' ';
+      arguments.Start.Command += word;
+    }
+  }
+  arguments.Start.Command = sandrel::text::Trim(arguments.Start.Command);
+  return arguments;
+}
+
+int Run(int argc, char** argv) {
+  Arguments arguments = Parse({argv + 1, argv + argc});
+  if (arguments.Help || arguments.Version) {
+    fmt::print("{}", arguments.Help ? Help : "sandrel " SANDREL_VERSION "\n");
+    return 0;
+  }
+  if (const std::string problem = sandrel::DisplayProblem(); !problem.empty()) {
+    fmt::print(stderr, "{}\n", problem);
+    return Failed;
+  }
+  QApplication application(argc, argv);
+  // Dates follow the user's format; numbers stay as files hold them.
+  std::setlocale(LC_NUMERIC, "C");
+  QApplication::setApplicationName("sandrel");
+  QApplication::setDesktopFileName("sandrel");
+  // A window that is hidden in the tray doesn't end the program.
+  QApplication::setQuitOnLastWindowClosed(false);
+  sandrel::clsSettings settings(sandrel::clsSettings::DefaultPath());
+  const sandrel::clsHome home = sandrel::clsHome::Find(arguments.Home);
+  const sandrel::clsInstanceLock instance(home.Path());
+  arguments.Start.PrevInstance = instance.PrevInstance();
+  sandrel::clsTopWindows windows;
+  sandrel::frmSandrel form(settings, home, windows, arguments.Start);
+  form.Form_Load();
+  return form.IsUnloaded() ? 0 : QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const std::exception& error) {
+    fmt::print(stderr, "sandrel: {}\n", error.what());
+    return Failed;
+  }
+}
