@@ -93,7 +93,7 @@ void frmSplash::Arrange() {
   card->addWidget(Picture1);
   card->addLayout(texts, 1);
 
-  setFixedSize(sizeHint().expandedTo(QSize(520, 210)));
+  setFixedSize(sizeHint().expandedTo(QSize(520, 190)));
   if (const QScreen* const where = screen()) {
     move(where->availableGeometry().center() - rect().center());
   }

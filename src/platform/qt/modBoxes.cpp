@@ -103,17 +103,18 @@ QMessageBox::Icon IconOf(BoxIcon icon) {
   return QMessageBox::NoIcon;
 }
 
-// A long path is one word, and a label that can't break it cuts it. Zero-width spaces let it break
-// after a separator of folders.
+// A long path or a row of digits is one word, and a label that can't break it cuts it. Zero-width
+// spaces let it break after a separator of folders, or anyhow after a while.
 QString Breakable(const QString& text) {
-  static const QRegularExpression longWord("\\S{60,}");
-  static const QRegularExpression separator("(?<=[\\\\/])(?=[^\\\\/])");
+  static const QRegularExpression longWord(R"(\S{60,})");
+  static const QRegularExpression piece(R"(([\\/]+|[^\\/]{50}))");
+  static const QString afterPiece = QString(R"(\1)") + QChar(0x200B);
   QString broken;
   qsizetype from = 0;
   for (auto words = longWord.globalMatch(text); words.hasNext();) {
     const QRegularExpressionMatch word = words.next();
     broken += text.mid(from, word.capturedStart() - from);
-    broken += word.captured().replace(separator, QString(QChar(0x200B)));
+    broken += word.captured().replace(piece, afterPiece);
     from = word.capturedEnd();
   }
   return broken + text.mid(from);

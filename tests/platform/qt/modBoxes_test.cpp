@@ -8,11 +8,13 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
 #include <fstream>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "support/TempFolder.h"
 
@@ -69,6 +71,17 @@ TEST(modBoxes, EscapeAndEnterAreTheCarefulAnswers) {
                        QTest::keyClick(&box, Qt::Key_Return);
                      }),
             4);
+}
+
+TEST(modBoxes, LongTextsStayOnTheScreenAndWhole) {
+  const std::string text(5000, 'W');
+  WhenUp<QMessageBox>([&text](QMessageBox& box) {
+    EXPECT_TRUE(box.screen()->geometry().size().expandedTo(box.size()) ==
+                box.screen()->geometry().size());
+    EXPECT_EQ(box.detailedText().toStdString(), text);
+    box.close();
+  });
+  AskBox(nullptr, {text});
 }
 
 TEST(modBoxes, ThePointerIsSetOnceAndRestsInBoxes) {
