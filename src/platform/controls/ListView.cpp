@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include "common/clsError.h"
 #include "common/text.h"
@@ -152,6 +153,11 @@ void ListView::RemoveRows(const std::function<bool(std::size_t row)>& isRemoved)
   NotifySelection();
 }
 
+void ListView::SetUnsorted() {
+  if (!std::exchange(m_sorted, false)) return;
+  Notify(m_layoutPending, [](ListViewObserver& observer) { observer.LayoutChanged(); });
+}
+
 void ListView::SetSortKeys(std::size_t key, bool descending) {
   m_sortKey = key;
   m_descending = descending;
@@ -160,8 +166,8 @@ void ListView::SetSortKeys(std::size_t key, bool descending) {
 
 // Distinct texts are sorted and numbered first: half a million rows have few folders.
 void ListView::Sort(std::size_t key, bool descending) {
-  SetSortKeys(key, descending);
   m_sorted = true;
+  SetSortKeys(key, descending);
   if (m_rows.size() < 2) return;
   constexpr std::uint32_t Unranked = 0xFFFFFFFF;
   const auto idOf = [&](const Row& row) {

@@ -109,7 +109,7 @@ class ListView {
   bool Sorted() const { return m_sorted; }
   std::size_t SortKey() const { return m_sortKey; }
   bool Descending() const { return m_descending; }
-  void SetUnsorted() { m_sorted = false; }
+  void SetUnsorted();
   /// Without sorting: for a list that shows its rows in their own order.
   void SetSortKeys(std::size_t key, bool descending);
   void Sort(std::size_t key, bool descending);
