@@ -131,6 +131,7 @@ clsMainControls::clsMainControls(std::index_sequence<Index...>)
   for (const ItemText& text : Items) {
     Menus.Add(text.Parent, text.Name, text.Caption).Shortcut = text.Shortcut;
   }
+  Menus["mnuSysTrayPopup"].SetVisible(false);  // not on the bar
   for (const char* checked : {"mnuSettingsSystray", "mnuViewToolbar", "mnuViewStatusbar"}) {
     Menus[checked].CanCheck = true;
   }

@@ -7,6 +7,7 @@
 
 #include "common/clsFileWorks.h"
 #include "common/text.h"
+#include "platform/qt/clsTreeWidget.h"
 #include "platform/qt/modTwips.h"
 #include "shell/frmSandrel.h"
 #include "shell/frmSplash.h"
@@ -86,7 +87,10 @@ void frmSandrel::ShowInTrayOrOnScreen() {
   item.SetChecked(text::ReadBoolean(m_settings.GetSetting("Enabled", "Systray"), false));
   item.SetEnabled(m_controls.SysTray.Available);
   m_controls.SysTray.SetInTray(item.Checked());
-  if (!m_controls.SysTray.InTray()) show();
+  if (m_controls.SysTray.InTray()) return;
+  show();
+  treeView->setFocus();
+  if (m_splash != nullptr) m_splash->raise();
 }
 
 void frmSandrel::ReopenLast(bool& checkBeforeSnapshot) {
