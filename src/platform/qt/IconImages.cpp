@@ -1,6 +1,5 @@
 // The pictures of tree and lists, and the application's icon.
-#include <string>
-#include <unordered_map>
+#include <array>
 
 #include "platform/controls/ImageKeys.h"
 #include "platform/qt/IconPictures.h"
