@@ -1,11 +1,15 @@
 #include "platform/qt/clsStatusBarWidget.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
 #include <QPointer>
 #include <QStyle>
 #include <algorithm>
+
+#include "platform/qt/modTwips.h"
 
 namespace sandrel {
 
@@ -103,7 +107,7 @@ clsStatusBarWidget::clsStatusBarWidget(StatusBar& model, QWidget* parent)
   row->setSpacing(1);
   row->addWidget(m_status, 1);
   row->addWidget(m_progress);
-  setFixedHeight(StatusBar::Height / 15);
+  setFixedHeight(qt::ToPixels(StatusBar::Height));
 
   TakeTexts();
   setVisible(model.Visible());
@@ -125,9 +129,10 @@ void clsStatusBarWidget::ModelChanged() {
   if (isHidden() == m_model.Visible()) setVisible(m_model.Visible());
   if (m_stale) return;
   m_stale = true;
-  QMetaObject::invokeMethod(
-      this, [this] { TakeTexts(); }, Qt::QueuedConnection);
+  QCoreApplication::postEvent(this, new QEvent(QEvent::User));
 }
+
+void clsStatusBarWidget::customEvent(QEvent*) { TakeTexts(); }
 
 void clsStatusBarWidget::TakeTexts() {
   m_stale = false;

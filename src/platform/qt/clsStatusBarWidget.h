@@ -17,6 +17,7 @@ class clsStatusBarWidget : public QWidget {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void customEvent(QEvent* event) override;  // the one posted when texts have changed
 
  private:
   class clsStatusPanel;

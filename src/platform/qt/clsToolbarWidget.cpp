@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/qt/Icons.h"
+#include "platform/qt/modTwips.h"
 
 namespace sandrel {
 
@@ -19,7 +20,7 @@ clsToolbarWidget::clsToolbarWidget(Toolbar& model, QWidget* parent)
   setToolButtonStyle(Qt::ToolButtonIconOnly);
   layout()->setContentsMargins(0, 0, 0, 0);
   layout()->setSpacing(0);
-  setFixedHeight(Height / 15);
+  setFixedHeight(qt::ToPixels(Height));
   for (const ToolbarButton& button : model.Buttons) m_actions.push_back(AddButton(button));
   Follow();
   model.Changed = [held = QPointer<clsToolbarWidget>(this)] {

@@ -76,8 +76,8 @@ TEST(modBoxes, EscapeAndEnterAreTheCarefulAnswers) {
 TEST(modBoxes, LongTextsStayOnTheScreenAndWhole) {
   const std::string text(5000, 'W');
   WhenUp<QMessageBox>([&text](QMessageBox& box) {
-    EXPECT_TRUE(box.screen()->geometry().size().expandedTo(box.size()) ==
-                box.screen()->geometry().size());
+    EXPECT_LE(box.width(), box.screen()->size().width());
+    EXPECT_LE(box.height(), box.screen()->size().height());
     EXPECT_EQ(box.detailedText().toStdString(), text);
     box.close();
   });
