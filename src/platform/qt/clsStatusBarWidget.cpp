@@ -132,7 +132,9 @@ void clsStatusBarWidget::ModelChanged() {
   QCoreApplication::postEvent(this, new QEvent(QEvent::User));
 }
 
-void clsStatusBarWidget::customEvent(QEvent*) { TakeTexts(); }
+void clsStatusBarWidget::customEvent(QEvent*) {
+  TakeTexts();
+}
 
 void clsStatusBarWidget::TakeTexts() {
   m_stale = false;
