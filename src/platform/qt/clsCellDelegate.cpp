@@ -1,14 +1,16 @@
 #include "platform/qt/clsCellDelegate.h"
 
-#include <QWidget>
+#include <algorithm>
 
 namespace sandrel {
 namespace {
 
 constexpr int LeastHeight = 20;  // a picture of 16 pixels and two on either side
 
+}  // namespace
+
 // Many styles give the unfocused selection the colour of the focused one.
-void ShowInGrey(QStyleOptionViewItem& option) {
+void ShowUnfocused(QStyleOptionViewItem& option) {
   option.state.setFlag(QStyle::State_Active, false);
   QPalette& palette = option.palette;
   const QColor highlight = palette.color(QPalette::Active, QPalette::Highlight);
@@ -21,25 +23,10 @@ void ShowInGrey(QStyleOptionViewItem& option) {
   palette.setColor(QPalette::Inactive, QPalette::HighlightedText, ink);
 }
 
-}  // namespace
-
 QSize clsCellDelegate::sizeHint(const QStyleOptionViewItem& option,
                                 const QModelIndex& index) const {
   const QSize size = QStyledItemDelegate::sizeHint(option, index);
   return {size.width(), std::max(size.height() + 2, LeastHeight)};
-}
-
-bool clsCellDelegate::IsSelected(const QStyleOptionViewItem& option, const QModelIndex&) const {
-  return option.state.testFlag(QStyle::State_Selected);
-}
-
-void clsCellDelegate::initStyleOption(QStyleOptionViewItem* option,
-                                      const QModelIndex& index) const {
-  QStyledItemDelegate::initStyleOption(option, index);
-  const bool selected = IsSelected(*option, index);
-  option->state.setFlag(QStyle::State_Selected, selected);
-  const bool focused = option->widget != nullptr && option->widget->hasFocus();
-  if (selected && !focused) ShowInGrey(*option);
 }
 
 }  // namespace sandrel

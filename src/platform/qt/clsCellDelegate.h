@@ -5,7 +5,11 @@
 
 namespace sandrel {
 
-/// Gives rows some air and shows what is selected in grey while the view lacks the focus.
+/// Lets the cells, and what surrounds them, show their selection in grey, as a view without the
+/// focus does.
+void ShowUnfocused(QStyleOptionViewItem& option);
+
+/// Gives rows some air.
 class clsCellDelegate : public QStyledItemDelegate {
   Q_OBJECT
 
@@ -13,11 +17,6 @@ class clsCellDelegate : public QStyledItemDelegate {
   using QStyledItemDelegate::QStyledItemDelegate;
 
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
-
- protected:
-  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
-  /// Whether the cell is painted as selected; by default, as the view's selection has it.
-  virtual bool IsSelected(const QStyleOptionViewItem& option, const QModelIndex& index) const;
 };
 
 }  // namespace sandrel

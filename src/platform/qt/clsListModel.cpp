@@ -15,7 +15,7 @@ void clsListModel::Reset() {
 
 void clsListModel::ReadAgain() {
   if (m_rows > 0 && m_columns > 0) {
-    emit dataChanged(index(0, 0), index(m_rows - 1, m_columns - 1));
+    Q_EMIT dataChanged(index(0, 0), index(m_rows - 1, m_columns - 1));
   }
 }
 

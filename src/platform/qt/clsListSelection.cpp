@@ -71,9 +71,23 @@ void clsListSelection::select(const QItemSelection& selection, SelectionFlags co
   m_list.EndUpdate();
 }
 
+void clsListSelection::setCurrentIndex(const QModelIndex& index, SelectionFlags command) {
+  if (m_mirroring) {
+    QItemSelectionModel::setCurrentIndex(index, command);
+    return;
+  }
+  m_list.BeginUpdate();
+  m_list.SetSelectedItem(m_model.RowOf(index));
+  select(index, command);
+  m_list.EndUpdate();
+}
+
 void clsListSelection::clear() {
-  if (!m_mirroring) m_list.SelectAll(false);
-  QItemSelectionModel::clear();
+  if (m_mirroring) {
+    QItemSelectionModel::clear();
+  } else {
+    m_list.SelectOnly(ListView::NoRow);
+  }
 }
 
 // Qt's side starts anew with the model; the rows keep their flags.

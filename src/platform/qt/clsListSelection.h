@@ -9,9 +9,9 @@ namespace sandrel {
 
 class clsListModel;
 
-/// The rows' own flags are the truth: what Qt selects is written to them. Qt's selection, a list of
-/// runs that gets slow with thousands, only mirrors them for assistive tools, and only while the
-/// runs are few. List and model must outlive it.
+/// The rows' own flags and focus are the truth: what Qt selects is written to them. Qt's selection,
+/// a list of runs that gets slow with thousands, only mirrors them for assistive tools, and only
+/// while the runs are few. List and model must outlive it.
 class clsListSelection : public QItemSelectionModel {
   Q_OBJECT
 
@@ -23,6 +23,7 @@ class clsListSelection : public QItemSelectionModel {
 
   void select(const QModelIndex& index, SelectionFlags command) override;
   void select(const QItemSelection& selection, SelectionFlags command) override;
+  void setCurrentIndex(const QModelIndex& index, SelectionFlags command) override;
   void clear() override;
   void reset() override;
 

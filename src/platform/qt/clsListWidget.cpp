@@ -5,6 +5,7 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QTimerEvent>
@@ -21,15 +22,19 @@ namespace {
 constexpr int LeastColumn = 8;   // pixels; a narrower column could not be found again
 constexpr int ScrollPause = 40;  // milliseconds
 
+// What is selected is the rows' own matter, and the focus is the whole row's.
 class clsRowDelegate : public clsCellDelegate {
  public:
   clsRowDelegate(const ListView& list, const clsListModel& model, QObject* parent)
       : clsCellDelegate(parent), m_list(list), m_model(model) {}
 
  protected:
-  bool IsSelected(const QStyleOptionViewItem&, const QModelIndex& index) const override {
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    clsCellDelegate::initStyleOption(option, index);
     const std::size_t row = m_model.RowOf(index);
-    return row != ListView::NoRow && m_list.Selected(row);
+    const bool selected = row != ListView::NoRow && m_list.Selected(row);
+    option->state.setFlag(QStyle::State_Selected, selected);
+    option->state.setFlag(QStyle::State_HasFocus, false);
   }
 
  private:
@@ -55,7 +60,6 @@ clsListWidget::clsListWidget(ListView& list, QWidget* parent)
   setItemsExpandable(false);
   setIndentation(0);
   setUniformRowHeights(true);
-  setAllColumnsShowFocus(true);
   setEditTriggers(NoEditTriggers);
   setAutoScroll(false);
   setHorizontalScrollMode(ScrollPerPixel);
@@ -184,6 +188,7 @@ void clsListWidget::GoTo(std::size_t row, Way way) {
 
 void clsListWidget::EndGesture() {
   m_dragging = false;
+  m_pressed = false;
   m_scroll.stop();
   if (std::exchange(m_changed, false) && m_list.ItemClick) m_list.ItemClick();
 }
@@ -191,6 +196,7 @@ void clsListWidget::EndGesture() {
 void clsListWidget::mousePressEvent(QMouseEvent* event) {
   m_changed = false;
   m_dragging = false;
+  m_pressed = true;
   const std::size_t row = RowAt(event->position().toPoint());
   const bool shift = event->modifiers().testFlag(Qt::ShiftModifier);
   const bool control = event->modifiers().testFlag(Qt::ControlModifier);
@@ -220,19 +226,19 @@ void clsListWidget::mouseMoveEvent(QMouseEvent* event) {
 void clsListWidget::DragTo(const QPoint& position) {
   const std::size_t focus = m_list.SelectedItem();
   if (focus == ListView::NoRow) return;
-  const bool above = position.y() < 0;
-  const bool below = position.y() >= viewport()->height();
-  if (above || below) {
-    if (!m_scroll.isActive()) m_scroll.start(ScrollPause, this);
-    const std::size_t next = above ? focus - (focus > 0 ? 1 : 0) : focus + 1;
-    if (next < m_list.RowCount()) GoTo(next, Way::Range);
-    return;
-  }
-  m_scroll.stop();
-  const QPoint inside(std::clamp(position.x(), 0, viewport()->width() - 1), position.y());
+  const int bottom = viewport()->height() - 1;
+  const QPoint inside(std::clamp(position.x(), 0, viewport()->width() - 1),
+                      std::clamp(position.y(), 0, bottom));
   std::size_t row = RowAt(inside);
-  if (row == ListView::NoRow) row = RowAt(QPoint(0, position.y()));
+  if (row == ListView::NoRow) row = RowAt(QPoint(0, inside.y()));
   if (row == ListView::NoRow) row = m_list.RowCount() - 1;
+  if (position.y() == inside.y()) {
+    m_scroll.stop();
+  } else {
+    if (!m_scroll.isActive()) m_scroll.start(ScrollPause, this);
+    if (position.y() < 0 && row > 0) --row;
+    if (position.y() > 0 && row + 1 < m_list.RowCount()) ++row;
+  }
   if (row != focus) GoTo(row, Way::Range);
 }
 
@@ -245,7 +251,7 @@ void clsListWidget::timerEvent(QTimerEvent* event) {
 }
 
 void clsListWidget::mouseReleaseEvent(QMouseEvent*) {
-  EndGesture();
+  if (m_pressed) EndGesture();
 }
 
 void clsListWidget::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -284,6 +290,10 @@ void clsListWidget::keyPressEvent(QKeyEvent* event) {
          modifiers == Qt::ControlModifier || !m_list.Selected(focus) ? Way::Toggle : Way::Focus);
   } else {
     QTreeView::keyPressEvent(event);
+    if (m_list.SelectedItem() != focus) {
+      m_anchor = m_list.SelectedItem();
+      scrollTo(currentIndex());
+    }
   }
   EndGesture();
 }
@@ -314,14 +324,6 @@ void clsListWidget::selectAll() {
   m_list.SelectAll(true);
 }
 
-void clsListWidget::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
-  QTreeView::currentChanged(current, previous);
-  const std::size_t row = m_model->RowOf(current);
-  if (row == ListView::NoRow || row == m_list.SelectedItem()) return;
-  m_list.SetSelectedItem(row);
-  scrollTo(current);
-}
-
 QItemSelectionModel::SelectionFlags clsListWidget::selectionCommand(const QModelIndex& index,
                                                                     const QEvent*) const {
   if (!index.isValid()) return QItemSelectionModel::NoUpdate;
@@ -333,6 +335,24 @@ void clsListWidget::scrollTo(const QModelIndex& index, ScrollHint hint) {
   const int before = horizontalScrollBar()->value();
   QTreeView::scrollTo(index, hint);
   horizontalScrollBar()->setValue(before);
+}
+
+void clsListWidget::initViewItemOption(QStyleOptionViewItem* option) const {
+  QTreeView::initViewItemOption(option);
+  if (!hasFocus()) ShowUnfocused(*option);
+}
+
+// The row with the focus has a dotted frame, as many styles show theirs next to nothing of it.
+void clsListWidget::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                            const QModelIndex& index) const {
+  QTreeView::drawRow(painter, option, index);
+  const std::size_t row = m_model->RowOf(index);
+  if (row == ListView::NoRow || row != m_list.SelectedItem() || !hasFocus()) return;
+  const auto ink = m_list.Selected(row) ? QPalette::HighlightedText : QPalette::Text;
+  painter->save();
+  painter->setPen(QPen(option.palette.color(ink), 1, Qt::DotLine));
+  painter->drawRect(option.rect.adjusted(0, 0, -1, -1));
+  painter->restore();
 }
 
 bool clsListWidget::viewportEvent(QEvent* event) {

@@ -26,9 +26,11 @@ class clsListWidget : public QTreeView, private ListViewObserver {
   void selectAll() override;
 
  protected:
-  void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
   QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                        const QEvent* event) const override;
+  void initViewItemOption(QStyleOptionViewItem* option) const override;
+  void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
   bool viewportEvent(QEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
@@ -68,6 +70,7 @@ class clsListWidget : public QTreeView, private ListViewObserver {
   std::size_t m_anchor = ListView::NoRow;  // where a range begins
   unsigned m_filling;
   bool m_changed = false;     // selection or focus, since the gesture began
+  bool m_pressed = false;     // a button is down; the click is told when it comes up
   bool m_dragging = false;    // the left button went down on a row and selects as it moves
   bool m_fromHeader = false;  // the user changes the columns
   bool m_toHeader = false;    // the list does

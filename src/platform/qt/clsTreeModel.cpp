@@ -29,7 +29,7 @@ void clsTreeModel::ChildrenComing(const Node& node, std::size_t count) {
 }
 
 void clsTreeModel::Changed(const Node& node) {
-  emit dataChanged(IndexOf(&node), IndexOf(&node));
+  Q_EMIT dataChanged(IndexOf(&node), IndexOf(&node));
 }
 
 QModelIndex clsTreeModel::index(int row, int column, const QModelIndex& parent) const {

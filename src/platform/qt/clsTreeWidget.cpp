@@ -134,6 +134,11 @@ void clsTreeWidget::scrollTo(const QModelIndex& index, ScrollHint hint) {
   }
 }
 
+void clsTreeWidget::initViewItemOption(QStyleOptionViewItem* option) const {
+  QTreeView::initViewItemOption(option);
+  if (!hasFocus()) ShowUnfocused(*option);
+}
+
 bool clsTreeWidget::viewportEvent(QEvent* event) {
   if (event->type() != QEvent::ToolTip) return QTreeView::viewportEvent(event);
   qt::ShowCutTip(*this, *static_cast<QHelpEvent*>(event));

@@ -25,6 +25,7 @@ class clsTreeWidget : public QTreeView, private TreeViewObserver {
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
   QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                        const QEvent* event) const override;
+  void initViewItemOption(QStyleOptionViewItem* option) const override;
   bool viewportEvent(QEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;

@@ -4,9 +4,11 @@
 
 #include <QAbstractItemModelTester>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
 
 #include "platform/controls/ImageKeys.h"
 
@@ -28,7 +30,10 @@ class ListWidgetTest : public testing::Test {
       events.push_back("ColumnClick " + std::to_string(column));
     };
     list.ItemClick = [this] { events.push_back("ItemClick"); };
-    list.DblClick = [this] { events.push_back("DblClick"); };
+    list.DblClick = [this] {
+      events.push_back("DblClick");
+      list.SelectOnly(1);
+    };
     list.KeyUp = [this](int code) { events.push_back("KeyUp " + std::to_string(code)); };
     widget.setGeometry(0, 0, 360, 300);
     window.resize(400, 400);
@@ -111,11 +116,18 @@ TEST_F(ListWidgetTest, ClicksAndKeysSelectAsOnWindows) {
   QTest::keyClick(&widget, Qt::Key_End);
   EXPECT_THAT(SelectedRows(), ElementsAre(4999));
   EXPECT_TRUE(widget.viewport()->rect().contains(Cell(4999).center()));
+  QTest::keyClick(&widget, '7');  // the search by typing starts from the top again
+  EXPECT_THAT(SelectedRows(), ElementsAre(list.SelectedItem()));
+  EXPECT_EQ(list.Text(list.SelectedItem()).front(), '7');
 }
 
 TEST_F(ListWidgetTest, DraggingSelectsWhatLiesBetween) {
   QTest::mousePress(widget.viewport(), Qt::LeftButton, {}, Cell(3).center());
   QTest::mouseMove(widget.viewport(), Cell(9).center());
+  QTest::mouseMove(widget.viewport(), Cell(6).center());
+  EXPECT_THAT(SelectedRows(), ElementsAre(3, 4, 5, 6));
+  QTest::mouseMove(widget.viewport(), {20, widget.viewport()->height() + 30});
+  EXPECT_GT(list.SelectedCount(), 9u);  // on beyond the last row that shows
   QTest::mouseMove(widget.viewport(), Cell(6).center());
   EXPECT_THAT(SelectedRows(), ElementsAre(3, 4, 5, 6));
   EXPECT_THAT(events, IsEmpty());
@@ -215,6 +227,13 @@ TEST_F(ListWidgetTest, LongAndStrangeTextsStayOneShortLine) {
   EXPECT_TRUE(shown.startsWith(QString::fromUtf8("a  b c\u2401\uFFFDxxx"))) << shown.toStdString();
   EXPECT_LT(shown.size(), 1010);
   EXPECT_EQ(Cell(0).height(), Cell(1).height());
+
+  list.SetCell(1, 0, "<b>a cut text's tip is no HTML</b>");
+  for (const int row : {2, 1}) {
+    QHelpEvent help(QEvent::ToolTip, Cell(row).center(), QCursor::pos());
+    QApplication::sendEvent(widget.viewport(), &help);
+    EXPECT_EQ(QToolTip::text().contains("&lt;b&gt;"), row == 1) << row;
+  }
 }
 
 // While a page is filled, messages may pass: what is painted and clicked then has no rows behind

@@ -116,6 +116,27 @@ TEST_F(TreeWidgetTest, CollapsingMovesTheSelectionOnce) {
   EXPECT_THAT(events, ElementsAre("KeyUp 39", "Collapse Files", "KeyUp 37"));
 }
 
+// Nothing is cut: the pane scrolls sideways instead.
+TEST_F(TreeWidgetTest, TheWidestNodeFits) {
+  const auto room = [&](const char* key) {
+    const QRect place = widget.visualRect(IndexOf(tree.Item(key)));
+    return place.width() - widget.sizeHintForIndex(IndexOf(tree.Item(key))).width();
+  };
+  tree.Add(&tree.Item("New"), "Wide", std::string(60, 'W'), "newfolder");
+  tree.EnsureVisible(tree.Item("Wide"));
+  QCoreApplication::processEvents();
+  EXPECT_GE(room("Wide"), 0);
+  tree.SetBold(tree.Item("Wide"), true);
+  QCoreApplication::processEvents();
+  EXPECT_GE(room("Wide"), 0);
+  Key(Qt::Key_Home);
+  Key(Qt::Key_Left);
+  EXPECT_FALSE(tree.Item("Root").Expanded());
+  Key(Qt::Key_Right);
+  QCoreApplication::processEvents();
+  EXPECT_GE(room("Wide"), 0);
+}
+
 TEST_F(TreeWidgetTest, FocusComesAndGoesButNotForAMenu) {
   QLineEdit other(&window);
   other.show();
