@@ -51,7 +51,7 @@ clsAnalysisBrowser::clsAnalysisBrowser(clsShell& shell, clsSettings& settings,
     : Layout(shell, settings, controls),
       Pages(shell, controls, Layout),
       Tree(shell, controls, Layout, Pages),
-      Editing(shell, controls, Pages),
+      Editing(shell, controls, Pages, Tree),
       Files(shell, settings, controls, Pages, analysis,
             [this](const std::string& path) { return Open(path); }),
       m_shell(shell),
@@ -60,6 +60,7 @@ clsAnalysisBrowser::clsAnalysisBrowser(clsShell& shell, clsSettings& settings,
     Files.RemoveFromRecentFileList(path);
     mnuFileClose_Click();
   };
+  Editing.LoadAllpages = [this] { LoadAllpages(); };
   SetEvents();
   SetCommands();
 }
@@ -117,6 +118,10 @@ void clsAnalysisBrowser::SetCommands() {
         [this, i] { Files.mnuFileRecent_Click(i); });
   }
   set("mnuEdit", [this] { Editing.mnuEdit_Click(); });
+  set("mnuEditUndo", [this] { Editing.mnuEditUndo_Click(); });
+  set("mnuEditCopy", [this] { Editing.mnuEditCopy_Click(); });
+  set("mnuEditDelete", [this] { Editing.mnuEditDelete_Click(); });
+  set("mnuEditSelectAll", [this] { Editing.mnuEditSelectAll_Click(); });
   set("mnuView", [this] { Tree.mnuView_Click(); });
   set("mnuViewExpandCurrent", [this] { Tree.mnuViewExpandCurrent_Click(); });
   set("mnuViewCollapseCurrent", [this] { Tree.mnuViewCollapseCurrent_Click(); });

@@ -44,6 +44,7 @@ class clsCliShell final : public clsShell {
   std::string ChooseFile(const FileDialog&) override { return {}; }
   void SetMousePointer(int) override {}
   void DoEvents(bool often) override;
+  void SetClipboard(std::string_view) override {}
   void UpdateCommandState() override {}
   void RefreshMenus() override {}
   void ShowBeforeTime(std::string_view) override {}

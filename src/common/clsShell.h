@@ -83,6 +83,9 @@ class clsShell {
   /// nothing, because it looks at the window system at most every 15 ms.
   virtual void DoEvents(bool often = true) = 0;
 
+  /// Puts a text (UTF-8) in the place of what the clipboard held.
+  virtual void SetClipboard(std::string_view text) = 0;
+
   virtual void UpdateCommandState() = 0;
   virtual void RefreshMenus() = 0;
   /// Shows the text that tells the time of the Before snapshot.

@@ -1,6 +1,8 @@
 #include "shell/frmSandrel.h"
 
+#include <QClipboard>
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -215,6 +217,10 @@ std::string frmSandrel::ChooseFile(const FileDialog& dialog) {
 
 void frmSandrel::SetMousePointer(int shape) {
   qt::SetPointer(shape);
+}
+
+void frmSandrel::SetClipboard(std::string_view text) {
+  QGuiApplication::clipboard()->setText(FromText(text));
 }
 
 void frmSandrel::DoEvents(bool often) {

@@ -68,6 +68,7 @@ class frmSandrel final : public QMainWindow, public clsShell {
   std::string ChooseFile(const FileDialog& dialog) override;
   void SetMousePointer(int shape) override;
   void DoEvents(bool often) override;
+  void SetClipboard(std::string_view text) override;
   void UpdateCommandState() override;
   void RefreshMenus() override { m_commandState.RefreshMenus(); }
   void ShowBeforeTime(std::string_view text) override;

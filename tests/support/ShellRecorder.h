@@ -55,6 +55,7 @@ class ShellRecorder final : public clsShell {
   void DoEvents(bool) override {
     if (OnEvents) OnEvents();
   }
+  void SetClipboard(std::string_view text) override { Log.push_back("clip: " + std::string(text)); }
   void UpdateCommandState() override {}
   void RefreshMenus() override {}
   void ShowBeforeTime(std::string_view text) override { BeforeTime = text; }
