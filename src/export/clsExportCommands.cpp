@@ -1,0 +1,136 @@
+#include "export/clsExportCommands.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <unordered_set>
+
+#include "common/clsError.h"
+#include "common/clsFileWorks.h"
+#include "common/clsPathText.h"
+#include "export/clsRegExport.h"
+#include "export/clsSandrelFileCopy.h"
+
+namespace sandrel {
+
+clsExportCommands::clsExportCommands(clsShell& shell, clsMainControls& controls, clsPages& pages,
+                                     clsAnalysis& analysis)
+    : m_shell(shell), m_controls(controls), m_pages(pages), m_analysis(analysis) {}
+
+// The selected rows of the page on show, as rows of the list `source` in its order. Rows of the
+// view of a hive or a folder stand for the rows of the same key on the page that they come from;
+// folders stand for none.
+std::vector<std::size_t> clsExportCommands::SelectedSourceRows(int& source) const {
+  const int index = m_pages.CurrentListIndex();
+  const ListView& shown = m_controls.List(index);
+  std::vector<std::size_t> rows;
+  const bool isView = index == page::SharedPage || index == page::FilteredPage;
+  source = isView && shown.RowCount() > 0 ? shown.RowTag(0) : index;
+  const ListView& list = m_controls.List(source);
+  std::unordered_set<std::uint32_t> numbers;
+  for (const RowKey key : shown.SelectedKeys()) {
+    if (key.Statement != 0) numbers.insert(key.Number);
+  }
+  for (std::size_t row = 0; row < list.RowCount(); ++row) {
+    if (isView ? numbers.count(list.Key(row).Number) != 0 : list.Selected(row)) {
+      rows.push_back(row);
+    }
+  }
+  return rows;
+}
+
+void clsExportCommands::AddEntry(const ListView& list, std::size_t row, bool hasOldValueColumn,
+                                 clsRegEntrys& entries) {
+  clsRegEntry& entry = entries.Add();
+  entry.Branch = std::string(list.Text(row)) + "\\" + std::string(list.Cell(row, 1));
+  entry.ValueName = list.Cell(row, 2);
+  entry.Value = list.Cell(row, 3);
+  entry.RegType = GetRegEntryType(list.Cell(row, hasOldValueColumn ? 5 : 4));
+}
+
+void clsExportCommands::mnuFileExportToRegFile_Click() {
+  m_shell.SetMousePointer(pointer::Hourglass);
+  int source = 0;
+  const std::vector<std::size_t> rows = SelectedSourceRows(source);
+  clsRegExport registry;
+  for (const std::size_t row : rows) {
+    AddEntry(m_controls.List(source), row, source == page::ChangedRegistry, registry.RegEntrys);
+  }
+  m_shell.RestorePointer();
+  if (registry.RegEntrys.Count() == 0) return;
+  const std::string file = m_analysis.SaveDialog("Export To Registry File", "reg",
+                                                 "Registry File *.reg|*.reg|All Files *.*|*.*");
+  if (file.empty()) return;
+  if (clsFileWorks::FileExists(file) &&
+      m_shell.Ask({fmt::format("WARNING! An existing file by that name ({}) has been found!\n\n"
+                               "Overwrite the existing file?",
+                               clsPathText::TextAfterLast(file, "/")),
+                   "Confirmation Required", Buttons::YesNo, BoxIcon::None}) != Answer::Yes) {
+    return;
+  }
+  m_shell.SetMousePointer(pointer::Hourglass);
+  registry.DoEvents = [this] { m_shell.DoEvents(); };
+  registry.WriteFile(file);
+  m_shell.RestorePointer();
+  if (registry.Lost() > 0) {
+    m_shell.Tell(
+        fmt::format("{} character(s) can't stand in a registry file, which is written in "
+                    "code page 1252. A ? stands in the place of each.",
+                    registry.Lost()));
+  }
+}
+
+std::string clsExportCommands::RootPrefix() const {
+  std::string prefix;
+  for (const Node* node = m_controls.treeView.SelectedItem(); node != nullptr;
+       node = node->Parent()) {
+    const std::string& key = node->Key();
+    if (key == "NewFiles" || key == "ChangedFiles" || key == "DeletedFiles" || key == "Files") {
+      break;
+    }
+    prefix.insert(0, "\\" + node->Text());
+  }
+  return prefix.size() >= 2 ? prefix.substr(1) : prefix;
+}
+
+void clsExportCommands::mnuFileExportFiles_Click() {
+  const std::string folder =
+      ChooseDestination("Selection a destination folder for the selected file(s)");
+  if (folder.empty()) return;
+  const std::shared_ptr<clsMachine> machine = Machine();
+  if (machine == nullptr) {
+    throw clsError(errnum::Machine,
+                   "There is no machine to copy from. Choose one with Machine... in the Settings "
+                   "menu.");
+  }
+  int source = 0;
+  std::vector<std::string> files;
+  std::int64_t totalBytes = 0;
+  std::int64_t deleted = 0;
+  for (const std::size_t row : SelectedSourceRows(source)) {
+    const ListView& list = m_controls.List(source);
+    if (list.RowTag(row) == page::DeletedFiles) {
+      ++deleted;
+      continue;
+    }
+    files.push_back(clsPathText::AddSeparator(list.Text(row)) + std::string(list.Cell(row, 1)));
+    std::error_code ignored;
+    if (const auto host = machine->HostPath(files.back())) {
+      const std::uintmax_t size = std::filesystem::file_size(*host, ignored);
+      if (!ignored) totalBytes += static_cast<std::int64_t>(size);
+    }
+  }
+  std::vector<std::string> results;
+  const std::unique_ptr<clsCopyProgress> progress = MakeProgress();
+  clsSandrelFileCopy(m_shell, *machine, *progress)
+      .CopyFiles(files, folder, RootPrefix(), results, totalBytes);
+  if (deleted > 0) {
+    results.push_back(
+        fmt::format("{} File(s) were ignored because they were Deleted Files", deleted));
+  }
+  std::string lines;
+  for (const std::string& line : results) lines += (lines.empty() ? "" : "\n") + line;
+  m_shell.Ask({lines, "Sandrel Manager Copy Results", Buttons::Ok, BoxIcon::Information});
+}
+
+}  // namespace sandrel

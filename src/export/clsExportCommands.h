@@ -1,0 +1,52 @@
+// The Export menu: the selected rows as a registry file, the selected files as copies.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "browser/clsMainControls.h"
+#include "browser/clsPages.h"
+#include "common/clsShell.h"
+#include "export/clsCopyProgress.h"
+#include "export/clsRegEntry.h"
+#include "platform/machine/clsMachine.h"
+#include "snapshot/clsAnalysis.h"
+
+namespace sandrel {
+
+class clsExportCommands {
+ public:
+  /// All must outlive the object.
+  clsExportCommands(clsShell& shell, clsMainControls& controls, clsPages& pages,
+                    clsAnalysis& analysis);
+
+  /// The machine that files are copied from; null when there is none.
+  std::function<std::shared_ptr<clsMachine>()> Machine;
+  /// Asks for the host folder that copies go to, under this caption; empty when cancelled.
+  std::function<std::string(const std::string& caption)> ChooseDestination;
+  /// The dialog of a running copy.
+  std::function<std::unique_ptr<clsCopyProgress>()> MakeProgress;
+
+  /// These raise what fails.
+  void mnuFileExportToRegFile_Click();
+  void mnuFileExportFiles_Click();
+
+  /// The value that a row of a registry page stands for; of a changed value the new one.
+  static void AddEntry(const ListView& list, std::size_t row, bool hasOldValueColumn,
+                       clsRegEntrys& entries);
+  /// How much of each path is left out when files are copied: the folder of the node that is
+  /// selected, without a last backslash; empty above the folders.
+  std::string RootPrefix() const;
+
+ private:
+  std::vector<std::size_t> SelectedSourceRows(int& source) const;
+
+  clsShell& m_shell;
+  clsMainControls& m_controls;
+  clsPages& m_pages;
+  clsAnalysis& m_analysis;
+};
+
+}  // namespace sandrel

@@ -1,0 +1,154 @@
+#include "export/clsSandrelFileCopy.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+
+#include "common/clsError.h"
+#include "common/clsFileWorks.h"
+#include "common/clsPathText.h"
+#include "common/text.h"
+#include "export/clsTargetFolder.h"
+#include "platform/machine/modHostNames.h"
+
+namespace sandrel {
+namespace {
+
+constexpr std::int32_t CannotCreateDirectory = -2147221429;
+
+// The names of a Windows path as names of the host. One that no name of the host stands for, or
+// that would lead upwards, gives an empty name, which the target refuses.
+std::vector<std::string> HostNames(std::string_view path) {
+  std::vector<std::string> names;
+  while (!path.empty()) {
+    const std::size_t end = path.find('\\');
+    std::string& name = names.emplace_back();
+    if (!hostnames::AppendHostName(name, path.substr(0, end))) name.clear();
+    path.remove_prefix(end == std::string_view::npos ? path.size() : end + 1);
+  }
+  return names;
+}
+
+// A path that steps upwards names no file that a scan could have met.
+bool StepsUp(std::string_view path) {
+  for (const std::string& name : HostNames(path)) {
+    if (name.empty() || name == "." || name == "..") return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+void clsSandrelFileCopy::CopyFiles(const std::vector<std::string>& files,
+                                   const std::string& destinationFolder,
+                                   const std::string& rootPrefix, std::vector<std::string>& results,
+                                   std::int64_t& totalBytes) {
+  m_copied = m_missing = m_ignored = m_lowestTime = 0;
+  m_destination = destinationFolder;
+  m_progress.SetProgress(0);
+  m_progress.Show();
+  m_shell.DoEvents(false);
+  std::unique_ptr<clsTargetFolder> target;
+  Next next = Try([&] { target = std::make_unique<clsTargetFolder>(destinationFolder); });
+  std::size_t done = 0;
+  for (const std::string& file : files) {
+    if (target == nullptr || next == Next::Stop || m_progress.CancelAnimate()) break;
+    std::error_code failure;
+    const auto host = m_machine.HostPath(file);
+    const std::uintmax_t size = host ? std::filesystem::file_size(*host, failure) : 0;
+    const auto begun = std::chrono::steady_clock::now();
+    next = CopyOne(*target, file, rootPrefix);
+    const auto taken = std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::steady_clock::now() - begun);
+    if (!failure) {
+      TellTime(static_cast<std::int64_t>(size), static_cast<double>(taken.count()) / 1000,
+               totalBytes);
+    }
+    ++done;
+    m_progress.SetProgress(static_cast<int>(done * 100 / files.size()));
+  }
+  m_progress.Close();
+  results.push_back(fmt::format("{} File(s) were successfully copied.", m_copied));
+  if (m_missing > 0) {
+    results.push_back(
+        fmt::format("{} File(s) were NOT copied because they no longer exist.", m_missing));
+  }
+  if (m_ignored > 0) results.push_back(fmt::format("{} Error(s) were ignored", m_ignored));
+}
+
+// Runs one statement; an error is reported, and the answer tells how to go on.
+template <class Statement>
+clsSandrelFileCopy::Next clsSandrelFileCopy::Try(Statement&& statement) {
+  for (;;) {
+    try {
+      statement();
+      return Next::Done;
+    } catch (const clsError& error) {
+      if (error.Number() == errnum::FileNotFound) {
+        ++m_missing;
+        return Next::Skip;
+      }
+      switch (m_shell.ReportError(error.Number(), error.Description(), error.Source(),
+                                  "clsFileWorks.CopyFiles")) {
+        case Answer::Retry:
+          break;
+        case Answer::Ignore:
+          ++m_ignored;
+          return Next::Skip;
+        default:
+          return Next::Stop;
+      }
+    }
+  }
+}
+
+clsSandrelFileCopy::Next clsSandrelFileCopy::CopyOne(clsTargetFolder& target,
+                                                     const std::string& file,
+                                                     const std::string& rootPrefix) {
+  const std::string name = clsPathText::TextAfterLast(file, "\\");
+  std::string_view below = name;
+  if (!rootPrefix.empty()) {
+    // The prefix is the beginning of the path but for the case of its letters.
+    below = std::string_view(file).substr(text::Left(file, text::Length(rootPrefix) + 1).size());
+  }
+  std::vector<std::string> parts = HostNames(below);
+  const std::string hostName = parts.empty() ? std::string() : parts.back();
+  if (!parts.empty()) parts.pop_back();
+  Next next = Try([&] {
+    if (target.MakeFolder(parts)) return;
+    throw clsError(CannotCreateDirectory,
+                   "Cannot create directory " + clsPathText::TextBeforeLast(below, "\\"),
+                   "clsSandrelFileCopy.CopyFiles");
+  });
+  if (next != Next::Done) return next;
+  m_progress.SetFile(name);
+  std::string folder = m_destination;
+  for (const std::string& part : parts) folder = clsFileWorks::Join(folder, part);
+  m_progress.SetFolder(
+      fmt::format("'{}' to '{}'", clsPathText::TextBeforeLast(file, "\\"), folder));
+  m_shell.DoEvents(false);
+  if (m_progress.CancelAnimate()) return Next::Stop;
+  next = Try([&] {
+    const auto source = StepsUp(file) ? std::nullopt : m_machine.HostPath(file);
+    if (!source) throw clsError(errnum::FileNotFound, "File not found");
+    target.Copy(*source, parts, hostName);
+    ++m_copied;
+  });
+  return next == Next::Skip ? Next::Done : next;
+}
+
+// The estimate rests on the speed of the last file, and only falls.
+void clsSandrelFileCopy::TellTime(std::int64_t bytes, double seconds, std::int64_t& totalBytes) {
+  if (totalBytes <= 0) return;
+  totalBytes -= bytes;
+  if (seconds <= 0 || bytes <= 0) return;
+  const double speed = static_cast<double>(bytes) / seconds;
+  const auto remaining = static_cast<std::int64_t>(static_cast<double>(totalBytes) / speed + 0.5);
+  if (remaining <= 0 || (m_lowestTime > 0 && remaining >= m_lowestTime)) return;
+  m_lowestTime = remaining;
+  m_progress.SetMessage(fmt::format("Time Remaining: {}", remaining));
+}
+
+}  // namespace sandrel
