@@ -24,6 +24,7 @@
 #include "support/SampleMachine.h"
 #include "support/TempFolder.h"
 #include "window/support/BoxAnswerer.h"
+#include "window/support/StatusWatch.h"
 
 namespace sandrel::test {
 
@@ -51,15 +52,12 @@ class WindowFixture : public testing::Test {
   void Start(StartOptions options = {}) {
     options.Machine = m_sample.Folder();
     m_form = std::make_unique<frmSandrel>(m_settings, m_home, m_windows, options);
+    m_watch.Follow(Controls().stbrStatus);
     if (OnMade) OnMade();
     m_form->Form_Load();
   }
   /// Ends the program as its user would, and forgets the window.
-  void Stop() {
-    if (m_form == nullptr) return;
-    if (!m_form->IsUnloaded()) m_form->close();
-    m_form.reset();
-  }
+  void Stop();
   /// Called between the making of a window and its start.
   std::function<void()> OnMade;
 
@@ -88,6 +86,9 @@ class WindowFixture : public testing::Test {
     action->trigger();
     return true;
   }
+  /// What can be run now, each by its menu item and its button: "Before After Replace Stop", and
+  /// "Menus" for those that a scan locks. One that the two don't agree on is followed by "?".
+  std::string Commands();
   void PressButton(const std::string& key) {
     QTest::mouseClick(Find<QToolButton>("tlbarMain." + key), Qt::LeftButton);
   }
@@ -148,6 +149,7 @@ class WindowFixture : public testing::Test {
   clsHome m_home = clsHome::Find(m_temp.Of("home"));
   WindowRecorder m_windows;
   BoxAnswerer m_boxes;
+  StatusWatch m_watch;
   std::unique_ptr<frmSandrel> m_form;
 };
 
