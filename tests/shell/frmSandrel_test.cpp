@@ -1,25 +1,264 @@
+// How the main window comes up, goes down and goes to the tray.
 #include "shell/frmSandrel.h"
 
+#include <QMenu>
+#include <QSystemTrayIcon>
+#include <filesystem>
+#include <utility>
+
+#include "platform/qt/clsToolbarWidget.h"
+#include "platform/qt/modTwips.h"
 #include "window/support/WindowFixture.h"
 
 namespace sandrel::test {
 namespace {
 
-class frmSandrelTest : public WindowFixture {};
+using Texts = std::vector<std::string>;
 
-TEST_F(frmSandrelTest, AsksForABeforeSnapshotWhereThereIsNone) {
-  m_boxes.Buttons = {"No"};
+constexpr const char* Prompt =
+    "Sandrel Manager|A 'Before' Snapshot of your drive(s) and registry was not found!\n\nWould you "
+    "like to create one now?";
+
+QWidget* Splash() {
+  const QWidgetList windows = QApplication::topLevelWidgets();
+  for (QWidget* const window : windows) {
+    if (window->objectName() == "frmSplash" && window->isVisible()) return window;
+  }
+  return nullptr;
+}
+
+class frmSandrelTest : public WindowFixture {
+ protected:
+  /// Starts without an analysis and answers the question for a Before snapshot with No.
+  void StartUntitled(StartOptions options = {}) {
+    m_boxes.Buttons = {"No"};
+    Start(std::move(options));
+  }
+  std::string Placed(const char* key) { return m_settings.GetSetting("Main Form", key); }
+  void Place(const char* key, int number) {
+    m_settings.SaveSetting("Main Form", key, std::to_string(number));
+  }
+};
+
+TEST_F(frmSandrelTest, TheLastAnalysisAndShiftDecideWhatAStartShows) {
+  MakeAnalysis("kept.mdb", [this] { m_sample.WriteFile("C:\\new.txt", "new"); });
+  std::filesystem::remove(Working());
+  struct Case {
+    const char* Recent;
+    bool Shift, Opens, Prompts;
+  };
+  for (const auto& [recent, shift, opens, prompts] : {Case{"", false, false, true},
+                                                      {"", true, false, true},
+                                                      {"gone.mdb", false, false, true},
+                                                      {"gone.mdb", true, false, false},
+                                                      {"kept.mdb", true, false, false},
+                                                      {"kept.mdb", false, true, false}}) {
+    SCOPED_TRACE(std::string(recent) + (shift ? " with Shift" : ""));
+    m_settings.SaveSetting("Recent Files", "RecentFile1", *recent ? m_temp.Of(recent) : "");
+    OnMade = [shift = shift] {
+      if (shift) QTimer::singleShot(0, [] { QTest::keyClick(Splash(), Qt::Key_Shift); });
+    };
+    m_boxes.Log.clear();
+    StartOptions options;
+    options.Command = "/unknown command";
+    StartUntitled(options);
+    EXPECT_EQ(m_boxes.Log, prompts ? Texts{Prompt} : Texts{});
+    EXPECT_EQ(m_form->windowTitle().toStdString(),
+              opens ? "kept.mdb - Sandrel" : "Untitled - Sandrel");
+    EXPECT_EQ(Tree().Find("Root") != nullptr, opens);
+    EXPECT_EQ(Tree().Count() == 0, !opens);
+    EXPECT_EQ(Commands(), "Before Menus");
+    EXPECT_TRUE(m_form->isVisible());
+    EXPECT_EQ(Splash() != nullptr, !prompts);
+    EXPECT_EQ(m_form->State.AnalysisPath, opens ? m_temp.Of(recent) : "");
+    Stop();
+  }
+}
+
+TEST_F(frmSandrelTest, YesAtTheStartTakesTheBeforeSnapshot) {
+  m_boxes.Buttons = {"Yes"};
   Start();
-  EXPECT_EQ(m_boxes.Log,
-            std::vector<std::string>{
-                "Sandrel Manager|A 'Before' Snapshot of your drive(s) and registry was not "
-                "found!\n\nWould you like to create one now?"});
-  EXPECT_FALSE(IsEnabled("mnuSnapShotAfter"));
-  EXPECT_TRUE(IsEnabled("mnuSnapShotBefore"));
-  PressButton("BeforeSnapshot");
   EXPECT_EQ(Status(), "Before Snapshot Complete");
-  EXPECT_TRUE(IsEnabled("mnuSnapShotAfter"));
-  EXPECT_FALSE(IsEnabled("mnuSnapShotRollUp"));
+  EXPECT_EQ(Commands(), "Before After Menus");
+  Stop();
+  m_boxes.Log.clear();
+  Start();
+  EXPECT_EQ(m_boxes.Log, Texts{}) << "the snapshot of the last session counts";
+  EXPECT_EQ(Commands(), "Before After Menus");
+}
+
+TEST_F(frmSandrelTest, ASecondInstanceHandsOverAndSavesNothing) {
+  StartOptions options;
+  options.PrevInstance = true;
+  Start(options);
+  EXPECT_EQ(m_windows.Log, (Texts{"ShowWindow 0 9", "OpenIcon", "SetForegroundWindow"}));
+  EXPECT_TRUE(m_form->IsUnloaded());
+  EXPECT_FALSE(m_form->isVisible());
+  Stop();
+  EXPECT_FALSE(clsFileWorks::FileExists(m_settings.Path()));
+  EXPECT_EQ(m_boxes.Log, Texts{});
+}
+
+TEST_F(frmSandrelTest, TheWindowStandsWhereItStood) {
+  StartUntitled();
+  m_form->setGeometry(40, 50, 600, 420);
+  auto* const split = Find("picSplit");
+  const QPoint grip = split->rect().center();
+  QTest::mousePress(split, Qt::LeftButton, {}, grip);
+  QTest::mouseMove(split, grip + QPoint(57, 0));
+  QTest::mouseRelease(split, Qt::LeftButton, {}, split->rect().center());
+  const int tree = Find("treeView")->width();
+  const QPoint place = m_form->pos();
+  EXPECT_EQ(ListWidget(0)->x(), tree);
+  Stop();
+  EXPECT_EQ((Texts{Placed("WindowState"), Placed("Width"), Placed("Height"), Placed("SplitPos")}),
+            (Texts{"0", "9000", "6300", std::to_string(tree * 15)}));
+
+  StartUntitled();
+  EXPECT_EQ(m_form->pos(), place);
+  EXPECT_EQ(m_form->size(), QSize(600, 420));
+  EXPECT_EQ(Find("treeView")->width(), tree);
+  m_form->showMaximized();
+  Stop();
+  EXPECT_EQ((Texts{Placed("WindowState"), Placed("Width")}), (Texts{"2", "9000"}));
+
+  Place("WindowState", 1);
+  StartUntitled();
+  EXPECT_TRUE(m_form->isMinimized());
+  EXPECT_NE(m_form->width(), 600);
+  EXPECT_EQ(Controls().treeView.Width, tree * 15);
+  Stop();
+  EXPECT_EQ((Texts{Placed("WindowState"), Placed("Width")}), (Texts{"1", "9000"}));
+
+  Place("WindowState", 0);
+  Place("Left", 90000);  // on a screen that is gone
+  StartUntitled();
+  EXPECT_TRUE(QApplication::primaryScreen()->geometry().contains(m_form->geometry().center()));
+}
+
+TEST_F(frmSandrelTest, TreeAndListsTakeTheRoomOfHiddenBars) {
+  StartUntitled();
+  const int bar = qt::ToPixels(clsToolbarWidget::Height);
+  const int status = qt::ToPixels(StatusBar::Height);
+  const auto expectRoom = [&](int above, int below) {
+    const QWidget& client = *m_form->centralWidget();
+    for (const QWidget* const pane :
+         {Find("treeView"), Find("listView(0)"), Find("listView(14)")}) {
+      EXPECT_EQ(pane->y(), above) << pane->objectName().toStdString();
+      EXPECT_EQ(pane->height(), client.height() - above - below)
+          << pane->objectName().toStdString();
+    }
+    EXPECT_EQ(Find("tlbarMain")->isVisible(), above > 0);
+    EXPECT_EQ(Find("txtLastBeforeSnapshot")->isVisible(), above > 0);
+    EXPECT_EQ(Find("stbrStatus")->isVisible(), below > 0);
+    EXPECT_EQ(Find<QAction>("mnuViewToolbar")->isChecked(), above > 0);
+    EXPECT_EQ(Find<QAction>("mnuViewStatusbar")->isChecked(), below > 0);
+  };
+  expectRoom(bar, status);
+  EXPECT_TRUE(Choose("mnuViewToolbar"));
+  expectRoom(0, status);
+  EXPECT_TRUE(Choose("mnuViewStatusbar"));
+  expectRoom(0, 0);
+  EXPECT_TRUE(Choose("mnuViewToolbar"));
+  expectRoom(bar, 0);
+  EXPECT_EQ(m_settings.GetSetting("Enabled", "Toolbar"), "True");
+  EXPECT_EQ(m_settings.GetSetting("Enabled", "Statusbar"), "False");
+  Stop();
+  StartUntitled();
+  expectRoom(bar, 0);
+}
+
+class frmSandrelTrayTest : public frmSandrelTest {
+ protected:
+  frmSandrelTrayTest() {
+    OnMade = [this] { Controls().SysTray.Available = true; };
+    m_settings.SaveSetting("Enabled", "Systray", "True");
+  }
+  void Gesture(QSystemTrayIcon::ActivationReason reason) {
+    auto* const icon = m_form->findChild<QSystemTrayIcon*>();
+    ASSERT_NE(icon, nullptr);
+    Q_EMIT icon->activated(reason);
+  }
+  bool InTray() { return Controls().SysTray.InTray(); }
+  /// Opens the icon's menu and clicks on one of its items.
+  void ClickPopup(const char* item) {
+    Gesture(QSystemTrayIcon::Context);
+    auto* const popup = Find<QMenu>("mnuSysTrayPopup");
+    ASSERT_TRUE(QTest::qWaitFor([popup] { return popup->isVisible(); }));
+    auto* const action = popup->findChild<QAction*>(item);
+    ASSERT_NE(action, nullptr);
+    QTest::mouseClick(popup, Qt::LeftButton, {}, popup->actionGeometry(action).center());
+  }
+};
+
+TEST_F(frmSandrelTrayTest, TheWindowHidesInTheTrayAndComesBack) {
+  StartUntitled();
+  EXPECT_FALSE(m_form->isVisible());
+  EXPECT_TRUE(InTray());
+  EXPECT_EQ(Controls().SysTray.Tip(), "Untitled - Sandrel");
+  Gesture(QSystemTrayIcon::DoubleClick);
+  EXPECT_TRUE(m_form->isVisible());
+
+  m_form->close();
+  EXPECT_FALSE(m_form->isVisible());
+  EXPECT_FALSE(m_form->IsUnloaded());
+  EXPECT_EQ(Placed("SplitPos"), "") << "nothing is saved";
+
+  auto* const popup = Find<QMenu>("mnuSysTrayPopup");
+  QElapsedTimer since;
+  since.start();
+  Gesture(QSystemTrayIcon::Context);
+  EXPECT_FALSE(popup->isVisible());
+  EXPECT_TRUE(QTest::qWaitFor([popup] { return popup->isVisible(); }));
+  EXPECT_GE(since.elapsed(), 90);
+  popup->close();
+
+  m_form->showMinimized();
+  ClickPopup("mnuSysTrayPopupRestore");
+  EXPECT_TRUE(m_form->isVisible());
+  EXPECT_FALSE(m_form->isMinimized());
+
+  EXPECT_TRUE(Choose("mnuSettingsSystray"));
+  EXPECT_FALSE(InTray());
+  EXPECT_EQ(m_settings.GetSetting("Enabled", "Systray"), "False");
+  EXPECT_TRUE(Choose("mnuSettingsSystray"));
+  EXPECT_TRUE(InTray());
+
+  ClickPopup("mnuSysTrayPopupExit");
+  EXPECT_TRUE(m_form->IsUnloaded());
+  EXPECT_FALSE(InTray());
+  EXPECT_NE(Placed("SplitPos"), "");
+}
+
+TEST_F(frmSandrelTrayTest, ExitAsksWhileAScanRunsInTheTray) {
+  for (const bool ends : {false, true}) {
+    SCOPED_TRACE(ends);
+    std::filesystem::remove(Working());
+    m_boxes.Log.clear();
+    m_boxes.Buttons = {"Yes", ends ? "Yes" : "No"};
+    bool inTray = ends;
+    m_watch.During("Scanning Folder", [&] {
+      ClickPopup("mnuSysTrayPopupExit");
+      inTray = InTray();
+    });
+    Start();
+    EXPECT_EQ(m_boxes.Log, (Texts{Prompt, "Sandrel Manager|Cancel Scanning"}));
+    EXPECT_EQ(inTray, !ends);
+    EXPECT_EQ(m_form->IsUnloaded(), ends);
+    EXPECT_EQ(clsFileWorks::FileExists(Working()), !ends);
+    EXPECT_FALSE(m_form->isVisible());
+    Stop();
+  }
+}
+
+TEST_F(frmSandrelTrayTest, WithoutATrayTheWindowShows) {
+  OnMade = [this] { Controls().SysTray.Available = false; };
+  StartUntitled();
+  EXPECT_TRUE(m_form->isVisible());
+  EXPECT_FALSE(InTray());
+  EXPECT_FALSE(IsEnabled("mnuSettingsSystray"));
+  m_form->close();
+  EXPECT_TRUE(m_form->IsUnloaded());
 }
 
 }  // namespace

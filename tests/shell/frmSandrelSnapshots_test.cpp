@@ -1,0 +1,263 @@
+// The snapshot commands, run from the main window: what is locked and shown meanwhile, how they
+// are stopped, and what an error leaves behind.
+#include <QLabel>
+#include <algorithm>
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <set>
+
+#include "shell/frmSandrel.h"
+#include "window/support/WindowFixture.h"
+
+namespace sandrel::test {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+constexpr const char* Cancel = "Sandrel Manager|Cancel Scanning";
+
+class frmSandrelSnapshotsTest : public WindowFixture {
+ protected:
+  /// Starts and answers the question for a Before snapshot.
+  void StartWith(const char* answer) {
+    m_boxes.Buttons = {answer};
+    Start();
+    m_boxes.Log.clear();
+  }
+  /// Runs the After command into `path`, with these answers.
+  void After(const std::string& path, std::deque<std::string> answers) {
+    m_boxes.Log.clear();
+    m_boxes.Files = {path};
+    m_boxes.Buttons = std::move(answers);
+    PressButton("AfterSnapshot");
+    EXPECT_EQ(m_boxes.Buttons.size(), 0) << "a question was not asked";
+  }
+  std::string Title() { return m_form->windowTitle().toStdString(); }
+  std::string TimeText() { return Find<QLabel>("txtLastBeforeSnapshot")->text().toStdString(); }
+  std::string Time(const char* which) {
+    return m_settings.GetSetting("Snapshot Creation Time", which);
+  }
+  bool HasBefore() const { return clsFileWorks::FileExists(Working()); }
+};
+
+TEST_F(frmSandrelSnapshotsTest, BeforeShowsItsProgressAndLocksTheCommands) {
+  StartWith("No");
+  EXPECT_EQ(Commands(), "Before Menus");
+  EXPECT_EQ(TimeText(), "Last 'Before' Snapshot: None");
+  std::set<std::string> percentages;
+  std::set<std::string> states;
+  auto* const panel = Find<QLabel>("stbrStatus.Progress");
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, &look, [&] {
+    percentages.insert(panel->text().toStdString());
+    states.insert(Commands() + (QGuiApplication::overrideCursor() != nullptr ? " busy" : ""));
+  });
+  look.start(0);
+  m_watch.Pause = 16;
+  PressButton("BeforeSnapshot");
+  look.stop();
+  EXPECT_EQ(m_watch.Statuses,
+            (Texts{"Scanning Folder C:...", "Scanning Registry...",
+                   "Scanning Registry - HKEY_CURRENT_CONFIG...",
+                   "Scanning Registry - HKEY_CURRENT_USER...",
+                   "Scanning Registry - HKEY_LOCAL_MACHINE...", "Scanning Registry - HKEY_USERS...",
+                   "Before Snapshot Complete"}));
+  const Texts& told = m_watch.Progresses;
+  EXPECT_EQ(std::count(told.begin(), told.end(), "100% " + std::string(25, '\x01')), 1);
+  EXPECT_EQ(told.back(), "");
+  EXPECT_EQ(percentages.count("100%"), 1);
+  EXPECT_GE(percentages.size(), 5U);
+  EXPECT_EQ(states, std::set<std::string>{"Stop busy"});
+  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+  EXPECT_EQ(Commands(), "Before After Menus");
+  EXPECT_EQ(TimeText(), "Last 'Before' Snapshot: " + Time("Before"));
+}
+
+TEST_F(frmSandrelSnapshotsTest, StopAsksAndLeavesNoSnapshot) {
+  StartWith("No");
+  for (const char* const phase : {"Scanning Folder", "Scanning Registry - HKEY_LOCAL_MACHINE"}) {
+    SCOPED_TRACE(phase);
+    m_boxes.Log.clear();
+    m_boxes.Buttons = {"No", "Yes"};
+    std::string refused;
+    std::string stopping;
+    m_watch.During(phase, [&] {
+      PressButton("StopScanning");
+      refused = Status();
+      EXPECT_TRUE(Choose("mnuSnapShotCancelOperation"));
+      stopping = Status();
+    });
+    PressButton("BeforeSnapshot");
+    EXPECT_EQ(m_boxes.Log, (Texts{Cancel, Cancel}));
+    EXPECT_TRUE(refused.starts_with(phase)) << refused;
+    EXPECT_EQ(stopping, "Stopping scan. Please wait...");
+    EXPECT_EQ(Status(), "Scan Stopped");
+    EXPECT_EQ(Controls().stbrStatus.Progress(), "");
+    EXPECT_EQ(Commands(), "Before Menus");
+    EXPECT_FALSE(HasBefore());
+    EXPECT_TRUE(m_form->isVisible());
+  }
+  PressButton("BeforeSnapshot");
+  EXPECT_EQ(Status(), "Before Snapshot Complete");
+  EXPECT_EQ(Commands(), "Before After Menus");
+}
+
+TEST_F(frmSandrelSnapshotsTest, ClosingDuringAScanEndsItOrIsRefused) {
+  StartWith("No");
+  m_boxes.Buttons = {"No"};
+  m_watch.During("Scanning Folder", [&] { m_form->close(); });
+  PressButton("BeforeSnapshot");
+  EXPECT_EQ(m_boxes.Log, Texts{Cancel});
+  EXPECT_EQ(Status(), "Before Snapshot Complete");
+  EXPECT_TRUE(m_form->isVisible());
+  EXPECT_TRUE(HasBefore());
+
+  m_boxes.Buttons = {"Yes", "Yes"};
+  bool waited = false;
+  m_watch.During("Scanning Folder", [&] {
+    m_form->close();
+    waited = m_form->isVisible() && !m_form->IsUnloaded();
+  });
+  EXPECT_TRUE(Choose("mnuSnapShotBefore"));
+  EXPECT_EQ(m_boxes.Log.back(), Cancel);
+  EXPECT_TRUE(waited);
+  EXPECT_EQ(Status(), "Scan Stopped");
+  EXPECT_TRUE(m_form->IsUnloaded());
+  EXPECT_FALSE(m_form->isVisible());
+  EXPECT_FALSE(HasBefore());
+  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+  EXPECT_NE(m_settings.GetSetting("Main Form", "SplitPos"), "");
+}
+
+TEST_F(frmSandrelSnapshotsTest, AfterAsksBeforeItOverwritesAndOpensItsAnalysis) {
+  const std::string path = m_temp.Of("x.mdb");
+  const std::string choose = "Create Analysis|Sandrel.mdb";
+  const std::string overwrite =
+      "Confirmation Required|WARNING! An existing file by that name (x.mdb) has been found!\n\n"
+      "Overwrite the existing file?";
+  StartWith("Yes");
+  m_sample.WriteFile("C:\\Program Files\\Tool\\new.txt", "new");
+  After("", {});
+  EXPECT_EQ(m_boxes.Log, Texts{choose});
+  clsFileWorks::ReplaceWhole(path, "not ours");
+  After(path, {"No"});
+  EXPECT_EQ(m_boxes.Log, (Texts{choose, overwrite}));
+  EXPECT_EQ(clsFileWorks::ReadWhole(path), "not ours");
+  EXPECT_EQ(Commands(), "Before After Menus");
+
+  After(m_temp.Of("x"), {"Yes"});  // the dialog adds the extension
+  EXPECT_EQ(Status(), "Analysis Created");
+  EXPECT_EQ(Title(), "x.mdb - Sandrel");
+  EXPECT_EQ(m_settings.GetSetting("Recent Files", "RecentFile1"), path);
+  EXPECT_NE(Tree().Find("NewFiles"), nullptr);
+  EXPECT_EQ(List(page::NewFiles).RowCount(), 1U);
+  EXPECT_EQ(Commands(), "Before After Replace Menus");
+
+  const std::string made = clsFileWorks::ReadWhole(path);
+  After(path, {"Yes", "No"});
+  EXPECT_EQ(m_boxes.Log.back(),
+            "Sandrel Manager|An 'After' snapshot already exists. Overwrite the existing snapshot?");
+  EXPECT_EQ(clsFileWorks::ReadWhole(path), made);
+  EXPECT_EQ(Title(), "x.mdb - Sandrel");
+}
+
+TEST_F(frmSandrelSnapshotsTest, AStoppedAfterOrAnalysisLeavesWhatWasThereBefore) {
+  const std::string path = m_temp.Of("x.mdb");
+  StartWith("Yes");
+  const auto press = [this] { PressButton("StopScanning"); };
+  m_watch.During("Scanning Registry - ", press);
+  After(path, {"Yes"});
+  EXPECT_EQ(m_boxes.Log.back(), Cancel);
+  EXPECT_EQ(Status(), "Scan Stopped");
+  EXPECT_EQ(Commands(), "Before After Menus");
+  EXPECT_FALSE(clsFileWorks::FileExists(path));
+
+  After(path, {});
+  EXPECT_EQ(Status(), "Analysis Created");
+  m_watch.During("Creating Analysis", press);
+  After(path, {"Yes", "Yes", "Yes"});
+  EXPECT_EQ(m_boxes.Log.back(), Cancel);
+  EXPECT_EQ(Status(), "Scan Stopped");
+  EXPECT_FALSE(clsFileWorks::FileExists(path));
+  EXPECT_EQ(Tree().Count(), 0U);
+  EXPECT_EQ(Title(), "Untitled - Sandrel");
+  EXPECT_EQ(Commands(), "Before After Replace Menus");
+}
+
+TEST_F(frmSandrelSnapshotsTest, ReplaceMakesTheAfterSnapshotTheBeforeOne) {
+  StartWith("Yes");
+  m_sample.WriteFile("C:\\Program Files\\Tool\\new.txt", "new");
+  After(m_temp.Of("x.mdb"), {});
+  EXPECT_EQ(List(page::NewFiles).RowCount(), 1U);
+  m_settings.SaveSetting("Snapshot Creation Time", "After", "1/2/2003 4:05:06 AM");
+  PressButton("ReplaceBeforeSnapshot");
+  EXPECT_EQ(Commands(), "Before After Menus");
+  EXPECT_EQ(TimeText(), "Last 'Before' Snapshot: 1/2/2003 4:05:06 AM");
+  After(m_temp.Of("y.mdb"), {});
+  EXPECT_EQ(Title(), "y.mdb - Sandrel");
+  EXPECT_EQ(List(page::NewFiles).RowCount(), 0U);
+}
+
+TEST_F(frmSandrelSnapshotsTest, AnErrorIsRetriedIgnoredOrEndsTheProgram) {
+  const std::string registry = m_sample.Folder() + "/system.reg";
+  const auto write = [&registry](const std::string& text) {
+    std::ofstream(registry, std::ios::trunc) << text;
+  };
+  const std::string whole = clsFileWorks::ReadWhole(registry);
+  const auto isError = [](const std::string& box) {
+    return box.starts_with(
+               "Sandrel Error Message|The following error has occured...\n\nError Message: ") &&
+           box.find("\n\nError Number: ") != std::string::npos &&
+           box.ends_with("\n\nMethod: frmSandrel.mnuSnapShotBefore");
+  };
+  StartWith("No");
+
+  write("garbage");
+  m_boxes.OnBox = [&](QWidget&) { write(whole); };
+  m_boxes.Buttons = {"Retry"};
+  PressButton("BeforeSnapshot");
+  ASSERT_EQ(m_boxes.Log.size(), 1U);
+  EXPECT_TRUE(isError(m_boxes.Log[0])) << m_boxes.Log[0];
+  EXPECT_NE(m_boxes.Log[0].find("system.reg"), std::string::npos) << m_boxes.Log[0];
+  EXPECT_EQ(Status(), "Before Snapshot Complete");
+
+  m_boxes.OnBox = nullptr;
+  m_boxes.Log.clear();
+  write("garbage");
+  m_boxes.Buttons = std::deque<std::string>(20, "Ignore");
+  m_boxes.Buttons.push_front("Yes");
+  PressButton("BeforeSnapshot");
+  EXPECT_FALSE(m_boxes.Buttons.empty());
+  EXPECT_TRUE(std::all_of(m_boxes.Log.begin() + 1, m_boxes.Log.end(), isError));
+  EXPECT_EQ(Status(), "Before Snapshot Complete");
+  EXPECT_EQ(Commands(), "Before After Menus");
+
+  const std::string kept = clsFileWorks::ReadWhole(Working());
+  m_boxes.Buttons = {"Yes", "Abort"};
+  PressButton("BeforeSnapshot");
+  EXPECT_TRUE(m_form->IsUnloaded());
+  EXPECT_FALSE(m_form->isVisible());
+  EXPECT_EQ(clsFileWorks::ReadWhole(Working()), kept) << "nothing was changed yet";
+}
+
+TEST_F(frmSandrelSnapshotsTest, WithoutAMachineTheCommandTellsWhatIsMissing) {
+  const SampleMachine other;
+  std::filesystem::remove_all(m_sample.Folder() + "/drive_c");
+  StartWith("No");
+  m_boxes.Buttons = {"Ignore"};
+  PressButton("BeforeSnapshot");
+  ASSERT_EQ(m_boxes.Log.size(), 1U);
+  EXPECT_NE(m_boxes.Log[0].find("There is no machine to look at. Choose one with Machine..."),
+            std::string::npos);
+  EXPECT_FALSE(HasBefore());
+  EXPECT_EQ(Commands(), "Before Menus");
+  m_boxes.Files = {other.Folder()};
+  EXPECT_TRUE(Choose("mnuSettingsMachine"));
+  EXPECT_EQ(Status(), "Looking at " + other.Folder() + " (Wine prefix)");
+  PressButton("BeforeSnapshot");
+  EXPECT_EQ(Status(), "Before Snapshot Complete");
+}
+
+}  // namespace
+}  // namespace sandrel::test
