@@ -104,7 +104,7 @@ class WindowFixture : public testing::Test {
     auto* const view = Find<QTreeView>("treeView");
     const QModelIndex index = IndexOf(Tree().Item(key));
     view->scrollTo(index);
-    const QRect place = view->visualRect(index);
+    const QRect place = view->visualRect(index) & view->viewport()->rect();
     ASSERT_TRUE(place.isValid()) << key << " is not shown";
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, place.center());
   }
