@@ -249,7 +249,11 @@ void clsAnalysisTree::treeView_Collapse() {
 void clsAnalysisTree::treeView_KeyUp(int keyCode) {
   Node* const selected = m_controls.treeView.SelectedItem();
   if (selected == nullptr) return;
-  if (keyCode == key::Back || (keyCode >= key::Left && keyCode <= key::Down)) ShowNode(*selected);
+  // Other keys move the selection too: the page follows it.
+  if (keyCode == key::Back || (keyCode >= key::Left && keyCode <= key::Down) ||
+      !selected->Bold()) {
+    ShowNode(*selected);
+  }
 }
 
 void clsAnalysisTree::listView_KeyUp(int keyCode) {

@@ -6,7 +6,9 @@
 #include <filesystem>
 #include <memory>
 
+#include "browser/clsPageReader.h"
 #include "cli/clsCliShell.h"
+#include "cli/clsExports.h"
 #include "cli/clsPageWriter.h"
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
@@ -25,8 +27,9 @@ namespace {
 
 struct Arguments {
   std::string Machine, Home;
-  std::string File, Page, Out, Folder;
-  std::string Section, Key, Text;
+  std::string File, Out, Folder;
+  std::string Page = "ShowStats", ExportPage = "ShowAllRegistry", CopyPage = "ShowNewFiles";
+  std::string Section, Key, Text, Match;
   bool Yes = false, Json = false, HasText = false;
 };
 
@@ -44,9 +47,12 @@ class clsCommands {
   int Status();
   int List();
   int Settings();
-  int NotYet(std::string_view command);
+  int Export();
+  int Copy();
 
  private:
+  template <class Body>
+  auto OfAnalysis(Body&& body);
   std::shared_ptr<clsMachine> OpenMachine();
   std::string OpenMachineText();
   void PrintSection(const std::string& section);
@@ -136,15 +142,11 @@ int clsCommands::Status() {
   return exitstatus::Done;
 }
 
-int clsCommands::List() {
-  const int page = PageByName(m_arguments.Page);
-  clsPageWriter writer(m_arguments.File, stdout);
+// Reads an analysis; a file that is none is told as such.
+template <class Body>
+auto clsCommands::OfAnalysis(Body&& body) {
   try {
-    if (m_arguments.Json) {
-      writer.WriteJson(page);
-    } else {
-      writer.WriteText(page);
-    }
+    return body();
   } catch (const clsError& error) {
     if (error.Number() != errnum::NoSuchTable) throw;
     throw error.WithDescription(
@@ -152,6 +154,12 @@ int clsCommands::List() {
                     "'sandrel-cli after'.",
                     m_arguments.File));
   }
+}
+
+int clsCommands::List() {
+  const int page = PageByName(m_arguments.Page);
+  clsPageWriter writer(m_arguments.File, stdout);
+  OfAnalysis([&] { m_arguments.Json ? writer.WriteJson(page) : writer.WriteText(page); });
   return exitstatus::Done;
 }
 
@@ -208,8 +216,27 @@ int clsCommands::Settings() {
   return exitstatus::Done;
 }
 
-int clsCommands::NotYet(std::string_view command) {
-  m_shell.Fail(fmt::format("'{}' comes with a later version; this one can't do it yet.", command));
+int clsCommands::Export() {
+  const int page = PageByName(m_arguments.ExportPage);
+  const std::size_t count = OfAnalysis([&] {
+    return clsExports(m_shell, m_arguments.File)
+        .ExportRegistry(page, m_arguments.Out, m_arguments.Match);
+  });
+  if (count == 0 && m_shell.ExitStatus() == exitstatus::Done) {
+    m_shell.Refuse("No row of that page is to be exported; no file was written.");
+  }
+  return Print(fmt::format("{} value(s) exported: {}", count, m_arguments.Out));
+}
+
+int clsCommands::Copy() {
+  const int page = PageByName(m_arguments.CopyPage);
+  const auto machine = OpenMachine();
+  clsCliShell::CatchInterrupts();
+  const std::string summary = OfAnalysis([&] {
+    return clsExports(m_shell, m_arguments.File).CopyFiles(page, m_arguments.Folder, *machine);
+  });
+  fmt::print("{}\n", summary);
+  if (clsCliShell::WasInterrupted()) m_shell.Refuse("Stopped");
   return m_shell.ExitStatus();
 }
 
@@ -258,8 +285,6 @@ int Parse(int argc, char** argv) {
   list->add_option("PAGE", arguments.Page, "ShowStats, ShowNewFiles, ShowAllRegistry...")
       ->default_str("ShowStats");
   list->add_flag("--json", arguments.Json, "As JSON");
-  arguments.Page = "ShowStats";
-
   CLI::App* settings = command("settings", "Show or change settings", &clsCommands::Settings);
   settings->add_option("SECTION", arguments.Section);
   settings->add_option("KEY", arguments.Key);
@@ -267,11 +292,22 @@ int Parse(int argc, char** argv) {
   settings->parse_complete_callback([&] { arguments.HasText = textOption->count() > 0; });
   yes(settings);
 
-  for (const char* later : {"export", "copy"}) {
-    CLI::App* sub = app.add_subcommand(later, "Comes with a later version");
-    sub->fallthrough(false)->allow_extras();
-    sub->callback([&arguments, &status, later] { status = clsCommands(arguments).NotYet(later); });
-  }
+  CLI::App* exports = command("export", "Write registry values as a registry file (REGEDIT4)",
+                              &clsCommands::Export);
+  exports->add_option("FILE", arguments.File, "The analysis")->required();
+  exports->add_option("OUT", arguments.Out, "The registry file to write")->required();
+  exports->add_option("PAGE", arguments.ExportPage, "ShowNewRegistry...")
+      ->default_str("ShowAllRegistry");
+  exports->add_option("--match", arguments.Match, "Only rows that hold this text")
+      ->type_name("TEXT");
+  yes(exports);
+
+  CLI::App* copy =
+      command("copy", "Copy the new or changed files of the machine", &clsCommands::Copy);
+  copy->add_option("FILE", arguments.File, "The analysis")->required();
+  copy->add_option("FOLDER", arguments.Folder, "Where the copies go, as they lie below the drive")
+      ->required();
+  copy->add_option("PAGE", arguments.CopyPage, "ShowChangedFiles...")->default_str("ShowNewFiles");
 
   try {
     app.parse(argc, argv);

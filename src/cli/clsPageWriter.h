@@ -3,21 +3,16 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 
-#include "common/clsShell.h"
-#include "config/clsSettings.h"
+#include "browser/clsPageReader.h"
 
 namespace sandrel {
-
-/// The number of a page by its name, without regard to case. Raises 5 for a name that no page with
-/// rows of its own has; the description lists the names.
-int PageByName(const std::string& name);
 
 class clsPageWriter {
  public:
   /// `analysis` is a host path, `out` is not closed.
-  clsPageWriter(std::string analysis, std::FILE* out)
-      : m_analysis(std::move(analysis)), m_out(out) {}
+  clsPageWriter(std::string analysis, std::FILE* out) : m_reader(std::move(analysis)), m_out(out) {}
 
   /// A header line and a line for each row, cells as the window shows them, separated by tabs; a
   /// tab in a cell is written \t, line ends are \r and \n. Raises 3078 for a file that is no
@@ -29,12 +24,7 @@ class clsPageWriter {
   void WriteJson(int page);
 
  private:
-  template <class Header, class Row>
-  void EachRow(int page, Header&& header, Row&& row);
-  std::string GetStat(std::string_view description) const;
-  std::int64_t CountRows(int page) const;
-
-  std::string m_analysis;
+  clsPageReader m_reader;
   std::FILE* m_out;
 };
 

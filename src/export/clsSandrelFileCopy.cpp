@@ -33,8 +33,11 @@ std::vector<std::string> HostNames(std::string_view path) {
 
 // A path that steps upwards names no file that a scan could have met.
 bool StepsUp(std::string_view path) {
-  for (const std::string& name : HostNames(path)) {
-    if (name.empty() || name == "." || name == "..") return true;
+  while (!path.empty()) {
+    const std::size_t end = path.find('\\');
+    const std::string_view part = path.substr(0, end);
+    if (part == "." || part == "..") return true;
+    path.remove_prefix(end == std::string_view::npos ? path.size() : end + 1);
   }
   return false;
 }

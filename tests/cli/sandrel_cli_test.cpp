@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -122,6 +123,38 @@ TEST_F(SandrelCli, GoesTheWholeRoad) {
   EXPECT_TRUE(IsWhole(Working()) && IsWhole(File()));
 }
 
+TEST_F(SandrelCli, ExportsValuesAndCopiesFiles) {
+  Run({"before"});
+  for (const char* name : {"C:\\New\\a.txt", "C:\\New\\Deep\\b.txt", "C:\\New\\gone.txt"}) {
+    m_sample.WriteFile(name, name);
+    m_sample.SetTime(name, 1000000000);
+  }
+  m_sample.SetUserReg(test::SampleMachine::UserKeys() +
+                      "[Software\\\\N] 1\n\"a\"=\"x\"\n\"b\"=dword:0000002a\n\n");
+  ASSERT_EQ(Run({"after", File()}).Status, 0);
+
+  const std::string out = m_temp.Of("x.reg");
+  EXPECT_EQ(Run({"export", File(), out, "--match", "CURRENT_user"}).Out,
+            "2 value(s) exported: " + out + "\n");
+  const std::string exported = clsFileWorks::ReadWhole(out);
+  EXPECT_EQ(exported,
+            "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\N]\r\n\"a\"=\"x\"\r\n"
+            "\"b\"=dword:0000002a\r\n");
+  ExpectFailure({"export", File(), out}, 1, "Overwrite the existing file?");
+  ExpectFailure({"export", File(), out, "--match", "nothing"}, 1, "no file was written");
+  EXPECT_EQ(clsFileWorks::ReadWhole(out), exported);
+  EXPECT_EQ(Run({"export", File(), out, "--yes"}).Status, 0);
+
+  std::filesystem::remove(m_sample.HostPath("C:\\New\\gone.txt"));
+  EXPECT_EQ(Run({"copy", File(), m_temp.Of("to")}).Out,
+            "2 File(s) were successfully copied.\n1 File(s) were NOT copied because they no longer "
+            "exist.\n");
+  EXPECT_EQ(clsFileWorks::ReadWhole(m_temp.Of("to/New/Deep/b.txt")), "C:\\New\\Deep\\b.txt");
+  struct stat status {};
+  ASSERT_EQ(stat(m_temp.Of("to/New/a.txt").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mtim.tv_sec, 1000000000);
+}
+
 TEST_F(SandrelCli, TellsWhatIsWrongInOneLine) {
   std::ofstream(m_temp.Of("junk.mdb")) << std::string(9000, 'j');
   ExpectFailure({"list", m_temp.Of("junk.mdb")}, 2, "is an invalid or corrupt Sandrel Database.");
@@ -131,7 +164,8 @@ TEST_F(SandrelCli, TellsWhatIsWrongInOneLine) {
   ExpectFailure({"list", File(), "ShowNothing"}, 2, "Pages: ShowNewRegistry, ");
   ExpectFailure({"nonsense"}, 2, "--help");
   ExpectFailure({}, 2, "--help");
-  ExpectFailure({"export", "a", "b"}, 2, "later version");
+  ExpectFailure({"export", File(), "x.reg", "ShowNewFiles"}, 2, "holds no registry values");
+  ExpectFailure({"copy", m_temp.Of("junk.mdb"), m_temp.Of("to")}, 2, "corrupt Sandrel Database");
   m_machine = m_temp.Of("nowhere");
   ExpectFailure({"before"}, 2, "drive_c");
   m_machine = m_sample.Folder();

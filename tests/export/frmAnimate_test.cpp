@@ -1,0 +1,116 @@
+#include "export/frmAnimate.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <QWindow>
+#include <functional>
+
+namespace sandrel {
+namespace {
+
+class frmAnimateTest : public testing::Test {
+ protected:
+  frmAnimateTest() {
+    m_owner.show();
+    m_form.Show();
+  }
+
+  QLabel* Label(const char* name) { return m_form.findChild<QLabel*>(name); }
+
+  QWidget m_owner;
+  frmAnimate m_form{&m_owner};
+};
+
+TEST_F(frmAnimateTest, OnlyCloseEndsItAndFreesTheOwner) {
+  auto* const cancel = m_form.findChild<QPushButton*>("cmdCancel");
+  const std::function<void()> ways[] = {[&] { QTest::mouseClick(cancel, Qt::LeftButton); },
+                                        [&] { QTest::keyClick(&m_form, Qt::Key_Escape); },
+                                        [&] { m_form.close(); }};
+  for (const auto& way : ways) {
+    m_form.Show();
+    EXPECT_FALSE(m_form.CancelAnimate());
+    for (int times = 0; times < 2; ++times) {
+      way();
+      EXPECT_TRUE(m_form.CancelAnimate());
+      EXPECT_TRUE(m_form.isVisible());
+      EXPECT_TRUE(m_form.isEnabled());
+      EXPECT_FALSE(m_owner.isEnabled());
+    }
+    m_form.Close();
+    EXPECT_FALSE(m_form.CancelAnimate());
+    EXPECT_FALSE(m_form.isVisible());
+    EXPECT_TRUE(m_owner.isEnabled());
+  }
+}
+
+TEST_F(frmAnimateTest, FreesTheOwnerWhenACopyFailsInItsMidst) {
+  {
+    frmAnimate form(&m_owner);
+    form.Show();
+  }
+  EXPECT_TRUE(m_owner.isEnabled());
+}
+
+TEST_F(frmAnimateTest, TextsNeverChangeItsSize) {
+  const QSize size = m_form.size();
+  const std::string deep = "C:\\Program Files\\" + std::string(300, 'd') + "\\end";
+  m_form.SetFile("readme.txt");
+  m_form.SetFolder("'C:\\Tool' to '/home/ann/<b>'");
+  EXPECT_EQ(Label("lblFile")->text(), "readme.txt");
+  EXPECT_EQ(Label("lblFile")->toolTip(), "");
+  EXPECT_EQ(Label("lblFolder")->text(), "'C:\\Tool' to '/home/ann/<b>'");
+
+  m_form.SetFile(std::string(300, 'f') + ".exe");
+  m_form.SetFolder("'" + deep + "' to '/home/<b>'");
+  m_form.SetMessage("Time Remaining: 12");
+  m_form.SetProgress(42);
+  QApplication::processEvents();
+  EXPECT_EQ(m_form.size(), size);
+  EXPECT_LT(Label("lblFile")->text().size(), 100);
+  EXPECT_TRUE(Label("lblFile")->text().endsWith("f.exe"));
+  EXPECT_TRUE(Label("lblFile")->toolTip().contains(QString(300, 'f') + ".exe"));
+  const QStringList lines = Label("lblFolder")->text().split('\n');
+  ASSERT_EQ(lines.size(), 2);
+  EXPECT_TRUE(lines[0].startsWith("'C:\\Program Files\\d") && lines[0].endsWith("\\end'"));
+  EXPECT_EQ(lines[1], "to '/home/<b>'");
+  EXPECT_TRUE(Label("lblFolder")->toolTip().contains("&lt;b&gt;"));
+  EXPECT_EQ(Label("lblMessage")->text(), "Time Remaining: 12");
+  EXPECT_EQ(m_form.findChild<QProgressBar*>("prgProgress")->value(), 42);
+}
+
+TEST_F(frmAnimateTest, FliesWhileMessagesPass) {
+  auto* const flight = m_form.findChild<QWidget*>("Animation1");
+  const QImage first = flight->grab().toImage();
+  QTest::qWait(200);
+  const QImage later = flight->grab().toImage();
+  EXPECT_NE(first, later);
+  m_form.Close();
+  const QImage last = flight->grab().toImage();
+  QTest::qWait(200);
+  EXPECT_EQ(flight->grab().toImage(), last);
+}
+
+TEST_F(frmAnimateTest, AQuestionOfTheCopyLiesAboveIt) {
+  const auto onTop = [this] {
+    return m_form.windowHandle()->flags().testFlag(Qt::WindowStaysOnTopHint);
+  };
+  EXPECT_TRUE(onTop());
+  QMessageBox box(QMessageBox::Critical, "Title", "Text", QMessageBox::Retry, &m_owner);
+  QTimer::singleShot(20, &box, [&] {
+    EXPECT_FALSE(onTop());
+    EXPECT_TRUE(m_form.isVisible());
+    QTest::mouseClick(box.button(QMessageBox::Retry), Qt::LeftButton);
+  });
+  EXPECT_EQ(box.exec(), QMessageBox::Retry);
+  EXPECT_TRUE(onTop());
+}
+
+}  // namespace
+}  // namespace sandrel
