@@ -27,6 +27,10 @@ constexpr char32_t AsciiLower(char32_t c) {
   return c >= U'A' && c <= U'Z' ? c + 32 : c;
 }
 
+constexpr char32_t AsciiUpper(char32_t c) {
+  return c >= U'a' && c <= U'z' ? c - 32 : c;
+}
+
 // The code page's characters for bytes 80 to 9F; the rest of the page is Latin-1.
 constexpr char16_t Cp1252High[32] = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
@@ -42,11 +46,15 @@ int Cp1252Byte(char32_t c) {
   return -1;
 }
 
+// `map` turns ASCII into ASCII; most text has nothing else, and needs no decoding then.
 template <class Map>
 std::string MapCharacters(std::string_view text, Map&& map) {
-  std::string result;
+  const std::size_t ascii = AsciiLength(text);
+  std::string result(text.substr(0, ascii));
+  for (char& c : result) c = static_cast<char>(map(static_cast<char32_t>(c)));
+  if (ascii == text.size()) return result;
   result.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) Append(result, map(Next(text, i)));
+  for (std::size_t i = ascii; i < text.size();) Append(result, map(Next(text, i)));
   return result;
 }
 
@@ -230,6 +238,7 @@ std::string Lower(std::string_view text) {
 
 std::string Upper(std::string_view text) {
   return MapCharacters(text, [](char32_t c) {
+    if (c < 0x80) return AsciiUpper(c);
     return c >= StrayByte ? c
                           : static_cast<char32_t>(towupper_l(static_cast<wint_t>(c), CaseLocale()));
   });
