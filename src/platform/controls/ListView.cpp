@@ -3,11 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <numeric>
 #include <unordered_set>
 #include <utility>
 
 #include "common/clsError.h"
-#include "common/text.h"
+#include "platform/controls/TextOrder.h"
 
 namespace sandrel {
 
@@ -165,44 +166,43 @@ void ListView::SetSortKeys(std::size_t key, bool descending) {
 }
 
 // Distinct texts are sorted and numbered first: half a million rows have few folders.
+std::vector<std::uint32_t> ListView::RanksOfTexts(std::size_t key) const {
+  std::vector<bool> seen(m_texts.Count());
+  std::vector<TextPool::Id> distinct;
+  for (const Row& row : m_rows) {
+    const TextPool::Id id = IdOf(row, key);
+    if (seen[id]) continue;
+    seen[id] = true;
+    distinct.push_back(id);
+  }
+  std::vector<std::uint32_t> ranks(m_texts.Count());
+  RankTexts(m_texts, distinct, ranks);
+  return ranks;
+}
+
+// Each rank's rows are counted, so that every row goes to its place at once.
 void ListView::Sort(std::size_t key, bool descending) {
   m_sorted = true;
   SetSortKeys(key, descending);
   if (m_rows.size() < 2) return;
-  constexpr std::uint32_t Unranked = 0xFFFFFFFF;
-  const auto idOf = [&](const Row& row) {
-    return key < row.CellCount ? m_cells[row.Cells + key] : TextPool::Empty;
+  const std::vector<std::uint32_t> ranks = RanksOfTexts(key);
+  const std::uint32_t highest = *std::max_element(ranks.begin(), ranks.end());
+  const auto placeOf = [&](const Row& row) {
+    const std::uint32_t rank = ranks[IdOf(row, key)];
+    return descending ? highest - rank : rank;
   };
-  std::vector<std::uint32_t> ranks(m_texts.Count(), Unranked);
-  std::vector<TextPool::Id> distinct;
-  for (const Row& row : m_rows) {
-    std::uint32_t& rank = ranks[idOf(row)];
-    if (rank != Unranked) continue;
-    rank = static_cast<std::uint32_t>(distinct.size());
-    distinct.push_back(idOf(row));
+  std::vector<std::size_t> next(highest + std::size_t{2});
+  for (const Row& row : m_rows) ++next[placeOf(row) + 1];
+  std::partial_sum(next.begin(), next.end(), next.begin());
+  std::vector<Row> sorted(m_rows.size());
+  std::size_t focus = NoRow;
+  for (std::size_t row = 0; row < m_rows.size(); ++row) {
+    const std::size_t place = next[placeOf(m_rows[row])]++;
+    if (row == m_focus) focus = place;
+    sorted[place] = m_rows[row];
   }
-  std::vector<std::pair<std::string, TextPool::Id>> folded;
-  folded.reserve(distinct.size());
-  for (const TextPool::Id id : distinct) folded.emplace_back(text::Fold(m_texts.Text(id)), id);
-  std::sort(folded.begin(), folded.end(),
-            [](const auto& a, const auto& b) { return a.first < b.first; });
-  std::uint32_t next = 0;
-  for (std::size_t i = 0; i < folded.size(); ++i) {
-    if (i > 0 && folded[i].first != folded[i - 1].first) ++next;
-    ranks[folded[i].second] = next;
-  }
-  const Row* const focused = SelectedItem() == NoRow ? nullptr : &m_rows[m_focus];
-  const std::size_t focusedCells = focused == nullptr ? 0 : focused->Cells;
-  std::stable_sort(m_rows.begin(), m_rows.end(), [&](const Row& a, const Row& b) {
-    const std::uint32_t first = ranks[idOf(a)];
-    const std::uint32_t second = ranks[idOf(b)];
-    return descending ? second < first : first < second;
-  });
-  if (focused != nullptr) {
-    const auto found = std::find_if(m_rows.begin(), m_rows.end(),
-                                    [&](const Row& row) { return row.Cells == focusedCells; });
-    m_focus = static_cast<std::size_t>(found - m_rows.begin());
-  }
+  m_rows = std::move(sorted);
+  if (focus != NoRow) m_focus = focus;
   NotifyRows();
   NotifySelection();
 }

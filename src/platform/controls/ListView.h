@@ -148,6 +148,10 @@ class ListView {
     bool Selected = false;
   };
 
+  TextPool::Id IdOf(const Row& row, std::size_t cell) const {
+    return cell < row.CellCount ? m_cells[row.Cells + cell] : TextPool::Empty;
+  }
+  std::vector<std::uint32_t> RanksOfTexts(std::size_t key) const;
   template <class Tell>
   void Notify(bool& pending, Tell&& tell);
   void NotifyRows();

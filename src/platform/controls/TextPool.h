@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace sandrel {
@@ -29,13 +28,21 @@ class TextPool {
   void Clear();
 
  private:
+  /// A place of the index, which is open: a text stands at its hash's place or behind it.
+  struct Slot {
+    std::uint32_t Hash = 0;
+    Id Text = Empty;  // Empty where the place is free
+  };
+
   char* Room(std::size_t size);
+  Slot& Place(std::uint32_t hash, std::string_view text);
+  void Grow();
 
   std::vector<std::unique_ptr<char[]>> m_blocks;
   char* m_free = nullptr;
   std::size_t m_left = 0;
   std::vector<std::string_view> m_texts;
-  std::unordered_map<std::string_view, Id> m_ids;
+  std::vector<Slot> m_slots;  // a power of two, at most half of them taken
 };
 
 }  // namespace sandrel
