@@ -1,6 +1,6 @@
 #include "browser/clsPages.h"
 
-#include <unordered_map>
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -212,6 +212,10 @@ void clsPages::FillSharedPage(std::string_view hive, int source, const char* ico
       list.AddColumn(from.Columns()[i].Text, 0);
     const TextPool::Id wanted = m_controls.Texts.Intern(hive);
     const int icon = ImageIndex(iconKey);
+    std::size_t rows = 0;
+    for (std::size_t row = 0; row < from.RowCount(); ++row)
+      rows += from.TextId(row) == wanted ? 1 : 0;
+    list.ReserveRows(rows, list.Columns().size());
     for (std::size_t row = 0; row < from.RowCount(); ++row) {
       if (from.TextId(row) != wanted) continue;
       list.AddRow(from.Key(row), from.Cells(row).subspan(1), from.RowTag(row), icon);
@@ -286,11 +290,14 @@ void clsPages::FillFilteredPage(std::string_view folder, std::string_view kind) 
     AddChildFolderRows(list, known.Source, known.FolderIcon);
     const std::string wanted = FolderText(folder);
     const int icon = ImageIndex(known.FileIcon);
-    std::unordered_map<TextPool::Id, bool> inFolder;
+    enum class Place : std::uint8_t { Unknown, Here, Elsewhere };
+    std::vector<Place> places(m_controls.Texts.Count());
     for (std::size_t row = 0; row < from.RowCount(); ++row) {
-      const auto [found, isNew] = inFolder.try_emplace(from.TextId(row), false);
-      if (isNew) found->second = FolderText(from.Text(row)) == wanted;
-      if (!found->second || from.Cell(row, 1).empty()) continue;
+      Place& place = places[from.TextId(row)];
+      if (place == Place::Unknown) {
+        place = FolderText(from.Text(row)) == wanted ? Place::Here : Place::Elsewhere;
+      }
+      if (place == Place::Elsewhere || from.Cell(row, 1).empty()) continue;
       list.AddRow(from.Key(row), from.Cells(row).subspan(1), from.RowTag(row), icon);
     }
   }
