@@ -13,12 +13,6 @@ void clsListModel::Reset() {
   endResetModel();
 }
 
-void clsListModel::ReadAgain() {
-  if (m_rows > 0 && m_columns > 0) {
-    Q_EMIT dataChanged(index(0, 0), index(m_rows - 1, m_columns - 1));
-  }
-}
-
 std::size_t clsListModel::RowOf(const QModelIndex& index) const {
   const std::size_t row = static_cast<std::size_t>(index.row());
   return index.isValid() && row < m_list.RowCount() ? row : ListView::NoRow;

@@ -18,8 +18,6 @@ class clsListModel : public QAbstractTableModel {
 
   /// There are other rows or columns.
   void Reset();
-  /// The same number of rows, with other texts.
-  void ReadAgain();
   /// NoRow for an invalid index, and for a row that the list no longer has.
   std::size_t RowOf(const QModelIndex& index) const;
   /// Invalid for a row that isn't shown yet, or NoRow.

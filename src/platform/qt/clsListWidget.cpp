@@ -128,12 +128,11 @@ void clsListWidget::LayoutChanged() {
 }
 
 // Rows that are sorted, or some of which go, leave the view where it is; others begin at the top.
+// As many rows as before need nothing but to be painted: Qt would look at each of them.
 void clsListWidget::RowsChanged() {
   m_anchor = ListView::NoRow;
   const bool sameRows = std::exchange(m_filling, m_list.Filling()) == m_list.Filling();
-  if (sameRows && m_list.RowCount() == static_cast<std::size_t>(m_model->rowCount({}))) {
-    m_model->ReadAgain();
-  } else {
+  if (!sameRows || m_list.RowCount() != static_cast<std::size_t>(m_model->rowCount({}))) {
     const int top = sameRows ? verticalScrollBar()->value() : 0;
     const QScopedValueRollback list(m_toHeader, true);
     m_model->Reset();

@@ -28,8 +28,9 @@ void clsTreeModel::ChildrenComing(const Node& node, std::size_t count) {
   beginInsertRows(IndexOf(&node), 0, static_cast<int>(count) - 1);
 }
 
-void clsTreeModel::Changed(const Node& node) {
-  Q_EMIT dataChanged(IndexOf(&node), IndexOf(&node));
+void clsTreeModel::LooksChanged() {
+  const int roots = rowCount({});
+  if (roots > 0) Q_EMIT dataChanged(index(0, 0, {}), index(roots - 1, 0, {}));
 }
 
 QModelIndex clsTreeModel::index(int row, int column, const QModelIndex& parent) const {

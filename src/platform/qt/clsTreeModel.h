@@ -28,7 +28,8 @@ class clsTreeModel : public QAbstractItemModel {
   void ChildrenAdded() { endInsertRows(); }
   void Clearing() { beginResetModel(); }
   void Cleared() { endResetModel(); }
-  void Changed(const Node& node);
+  /// Pictures or fonts of any nodes. The view is told of the roots, which makes it measure all.
+  void LooksChanged();
 
   QModelIndex index(int row, int column, const QModelIndex& parent) const override;
   QModelIndex parent(const QModelIndex& child) const override;

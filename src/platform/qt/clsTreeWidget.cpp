@@ -7,6 +7,7 @@
 #include <QMouseEvent>
 #include <QScopedValueRollback>
 #include <QScrollBar>
+#include <utility>
 
 #include "platform/qt/clsCellDelegate.h"
 #include "platform/qt/clsTreeModel.h"
@@ -75,8 +76,18 @@ void clsTreeWidget::Cleared() {
   m_model->Cleared();
 }
 
-void clsTreeWidget::Changed(Node& node) {
-  m_model->Changed(node);
+// One click changes the marks of many nodes, and whenever Qt is told of a change it measures the
+// whole column: it is told once for all of them.
+void clsTreeWidget::Changed(Node&) {
+  viewport()->update();
+  if (std::exchange(m_looksChanged, true)) return;
+  QMetaObject::invokeMethod(
+      this,
+      [this] {
+        m_looksChanged = false;
+        m_model->LooksChanged();
+      },
+      Qt::QueuedConnection);
 }
 
 void clsTreeWidget::ApplyExpansion(const Node& node) {

@@ -57,6 +57,7 @@ class clsTreeWidget : public QTreeView, private TreeViewObserver {
   clsTreeModel* m_model;
   QPersistentModelIndex m_pressed;  // the node that the left button went down on
   bool m_ownCurrent = false;        // Qt looks for a current node by itself
+  bool m_looksChanged = false;      // Qt is to be told
   qt::clsKeysDown m_keys;
 };
 
