@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "common/clsError.h"
 #include "common/clsFileWorks.h"
 #include "common/clsPathText.h"
 #include "common/text.h"
@@ -110,8 +111,17 @@ void clsAnalysisFiles::mnuFile_Click() {
   m_controls.Menus["mnuFileExport"].SetEnabled(registry || files);
 }
 
+// Settings that can't be written cost the list, not the analysis that is being opened.
+void clsAnalysisFiles::Keep(const std::function<void()>& save) {
+  try {
+    m_settings.Together(save);
+  } catch (const clsError& error) {
+    m_shell.SetStatusText("The list of recent files can't be saved. " + error.Description());
+  }
+}
+
 void clsAnalysisFiles::UpdateFileMenu(const std::string& path) {
-  m_settings.Together([&] {
+  Keep([&] {
     RemoveFromRecentFileList(path);
     AddToRecentFileList(path);
   });
@@ -120,7 +130,7 @@ void clsAnalysisFiles::UpdateFileMenu(const std::string& path) {
 }
 
 void clsAnalysisFiles::AddToRecentFileList(const std::string& path) {
-  m_settings.Together([&] {
+  Keep([&] {
     for (int i = Most - 1; i >= 1; --i) {
       if (const std::string moved = RecentFile(i); !moved.empty()) Store(i + 1, moved);
     }
@@ -132,7 +142,7 @@ void clsAnalysisFiles::RemoveFromRecentFileList(const std::string& path) {
   int found = 1;
   while (found <= Most && text::Lower(RecentFile(found)) != text::Lower(path)) ++found;
   if (found > Most) return;
-  m_settings.Together([&] {
+  Keep([&] {
     int last = found;
     for (; last < Most; ++last) {
       const std::string next = RecentFile(last + 1);

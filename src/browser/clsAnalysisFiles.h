@@ -38,6 +38,7 @@ class clsAnalysisFiles {
   static std::string ShortPath(const std::string& path);
 
  private:
+  void Keep(const std::function<void()>& save);
   void Store(int index, const std::string& path);
 
   clsShell& m_shell;
