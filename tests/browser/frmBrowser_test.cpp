@@ -1,0 +1,712 @@
+// Browsing an analysis in the main window: its pages, their layout, folders, tree and files.
+#include <sys/stat.h>
+
+#include <QMenu>
+#include <QMouseEvent>
+#include <clocale>
+#include <filesystem>
+#include <fstream>
+
+#include "platform/controls/ImageKeys.h"
+#include "support/Rows.h"
+#include "support/Variables.h"
+#include "window/support/WindowFixture.h"
+
+namespace sandrel::test {
+namespace {
+
+constexpr const char* Hklm = "HKEY_LOCAL_MACHINE_NewRegistry";
+constexpr const char* Hkcu = "HKEY_CURRENT_USER_NewRegistry";
+using Numbers = std::vector<int>;
+
+class frmBrowserTest : public WindowFixture {
+ protected:
+  frmBrowserTest() {
+    std::setlocale(LC_TIME, "C");
+    tzset();
+  }
+
+  /// Makes an analysis with rows in all nine tables.
+  std::string MakeSample(const std::string& name = "x.mdb") {
+    m_settings.SaveSetting("Enabled", "VersionInfo", "1");
+    const std::string system = SampleMachine::SystemKeys() + "[Software\\\\Acme] 1\n";
+    const std::string user = SampleMachine::UserKeys() + "[Software\\\\Acme] 1\n";
+    m_sample.WriteFile("C:\\old.txt", "old");
+    m_sample.WriteFile("C:\\app.ini", "[Main]\ndevice=a\ngone=1\n");
+    for (const char* path : {"C:\\old.txt", "C:\\app.ini"}) m_sample.SetTime(path, 1000000000);
+    m_sample.SetSystemReg(system + "\"change\"=\"a\"\n\"gone\"=\"x\"\n");
+    m_sample.SetUserReg(user + "\"level\"=dword:00000001\n");
+    return MakeAnalysis(name, [&] {
+      const std::string acme = "C:\\Program Files\\Acme\\";
+      m_sample.Remove("C:\\old.txt");
+      m_sample.WriteProgram(acme + "acme.exe", 0x00020000, 0x00000001);
+      m_sample.WriteFile(acme + "read.me", "acme");
+      m_sample.WriteFile(acme + "Data\\DEEP\\a.dat", "12345678901");
+      for (const char* file : {"acme.exe", "read.me", "Data\\DEEP\\a.dat"}) {
+        m_sample.SetTime(acme + file, 1000000001);
+      }
+      chmod(m_sample.HostPath(acme + "read.me").c_str(), 0444);
+      m_sample.MakeFolder("C:\\Zoo");
+      m_sample.WriteFile("C:\\app.ini", "[Main]\ndevice=b\nfresh=2\n");
+      m_sample.SetTime("C:\\app.ini", 1000000002);
+      m_sample.SetSystemReg(system +
+                            "\"change\"=\"b\"\n\"new\"=\"1\"\n[Software\\\\Acme\\\\Sub] 1\n"
+                            "\"s\"=\"9\"\n\"t\"=\"10\"\n\"u\"=\"8\"\n");
+      m_sample.SetUserReg(user + "\"level\"=dword:00000002\n\"user\"=\"me\"\n");
+    });
+  }
+  void Open(const std::string& path) {
+    m_boxes.Files = {path};
+    EXPECT_TRUE(Choose("mnuFileOpen"));
+  }
+  std::string OpenSample() {
+    const std::string path = MakeSample();
+    Start();
+    Open(path);
+    return path;
+  }
+  /// Chooses an item of a menu that was opened for it.
+  bool ChooseIn(const std::string& menu, const std::string& item) {
+    Q_EMIT Find<QMenu>(menu)->aboutToShow();
+    return Choose(item);
+  }
+
+  /// The numbers of the lists on the screen.
+  Numbers OnScreen() {
+    Numbers shown;
+    for (int i = 0; i < page::Count; ++i) {
+      if (ListWidget(i)->isVisible()) shown.push_back(i);
+    }
+    return shown;
+  }
+  int PageShown() { return PageIndex(Controls().PageTag()); }
+  /// The cells of the view's row, or its headers for row -1, as they stand on the screen.
+  std::string Line(QTreeView& view, int row) {
+    std::string line;
+    for (int place = 0; place < view.header()->count(); ++place) {
+      const int column = view.header()->logicalIndex(place);
+      const QAbstractItemModel& model = *view.model();
+      const QVariant cell =
+          row < 0 ? model.headerData(column, Qt::Horizontal) : model.data(model.index(row, column));
+      line += (place > 0 ? "|" : "") + cell.toString().toStdString();
+    }
+    return line;
+  }
+  std::string Headers() { return Line(*ListWidget(PageShown()), -1); }
+  /// The page on the screen: its headers, then each row as "icon source: cells".
+  std::string Page() {
+    EXPECT_EQ(OnScreen(), Numbers{PageShown()});
+    QTreeView& view = *ListWidget(PageShown());
+    EXPECT_FALSE(view.isHeaderHidden());
+    std::string text = Headers() + "\n";
+    for (std::size_t row = 0; row < Shown().RowCount(); ++row) {
+      text += ImageKeys[static_cast<std::size_t>(Shown().SmallIcon(row))];
+      text += " " + std::to_string(Shown().RowTag(row)) + ": " + Line(view, static_cast<int>(row)) +
+              "\n";
+    }
+    return text;
+  }
+  /// One column of the page on the screen, from above, joined with blanks.
+  std::string Column(std::size_t column) {
+    std::string cells;
+    for (std::size_t row = 0; row < Shown().RowCount(); ++row) {
+      cells += (row > 0 ? " " : "") + std::string(Shown().Cell(row, column));
+    }
+    return cells;
+  }
+  Numbers Selected(int list) {
+    Numbers rows;
+    for (std::size_t row = 0; row < List(list).RowCount(); ++row) {
+      if (List(list).Selected(row)) rows.push_back(static_cast<int>(row));
+    }
+    return rows;
+  }
+  Numbers Widths(int list) {
+    Numbers widths;
+    for (const ListColumn& column : List(list).Columns()) widths.push_back(column.Width);
+    return widths;
+  }
+  Numbers EvenWidths(int list) {
+    const std::size_t columns = List(list).Columns().size();
+    return Numbers(columns, (List(list).Width - 350) / std::max(1, static_cast<int>(columns)));
+  }
+  /// The full path of the deepest bold node; every bold one must lie on it.
+  std::string BoldPath() {
+    std::string path;
+    const std::function<void(const Node&)> look = [&](const Node& node) {
+      if (node.Bold()) {
+        path += (node.Parent() != nullptr ? "\\" : "") + node.Text();
+        EXPECT_EQ(path, node.FullPath());
+      }
+      for (const auto& child : node.Children()) look(*child);
+    };
+    for (const auto& root : Tree().Roots()) look(*root);
+    return path;
+  }
+  std::string SelectedNode() { return Tree().SelectedItem()->Key(); }
+
+  /// Presses at a place of the widget, moves by `way` and lets go.
+  static void Drag(QWidget* widget, QPoint from, QPoint way) {
+    const QPoint start = widget->mapToGlobal(from);
+    const auto send = [&](QEvent::Type type, QPoint at, Qt::MouseButton button,
+                          Qt::MouseButtons held) {
+      QMouseEvent event(type, widget->mapFromGlobal(at), at, button, held, {});
+      QApplication::sendEvent(widget, &event);
+    };
+    send(QEvent::MouseButtonPress, start, Qt::LeftButton, Qt::LeftButton);
+    send(QEvent::MouseMove, start + way / 2, Qt::NoButton, Qt::LeftButton);
+    send(QEvent::MouseMove, start + way, Qt::NoButton, Qt::LeftButton);
+    send(QEvent::MouseButtonRelease, start + way, Qt::LeftButton, Qt::NoButton);
+  }
+  /// Where a column's header begins, with its middle and end.
+  QPoint HeaderPlace(int list, int column, int part, int parts = 2) {
+    QHeaderView& header = *ListWidget(list)->header();
+    return {header.sectionViewportPosition(column) + header.sectionSize(column) * part / parts - 1,
+            8};
+  }
+  void ClickHeader(int list, int column) {
+    QTest::mouseClick(ListWidget(list)->header()->viewport(), Qt::LeftButton, {},
+                      HeaderPlace(list, column, 1));
+  }
+  void DragWidth(int list, int column, int pixels) {
+    Drag(ListWidget(list)->header()->viewport(), HeaderPlace(list, column, 2), {pixels, 0});
+  }
+  /// Moves a column behind another one.
+  void DragColumn(int list, int column, int behind) {
+    const QPoint from = HeaderPlace(list, column, 1);
+    Drag(ListWidget(list)->header()->viewport(), from, HeaderPlace(list, behind, 9, 10) - from);
+  }
+  /// Presses a key where the focus is.
+  void Key(Qt::Key key) {
+    QApplication::setActiveWindow(m_form.get());
+    ASSERT_NE(QApplication::focusWidget(), nullptr);
+    QTest::keyClick(QApplication::focusWidget(), key);
+  }
+
+  /// The captions of the recent files, without the hidden ones.
+  Lines Recent() {
+    Lines captions;
+    for (int i = 1; i <= 5; ++i) {
+      const auto* item = Find<QAction>(clsMainControls::Element("mnuFileRecent", i));
+      if (item->isVisible()) captions.push_back(item->text().toStdString());
+    }
+    EXPECT_EQ(Controls().Menus["mnuFileSep2"].Visible(), !captions.empty());
+    return captions;
+  }
+  /// The names of the recent files.
+  std::string RecentNames() {
+    std::string names;
+    for (int i = 1; i <= 5; ++i) {
+      const std::string path = m_form->Browser().Files.RecentFile(i);
+      if (!path.empty())
+        names += (names.empty() ? "" : " ") + std::filesystem::path(path).filename().string();
+    }
+    return names;
+  }
+  void ExpectNothingOpen() {
+    EXPECT_EQ(m_form->windowTitle(), "Untitled - Sandrel");
+    EXPECT_EQ(Tree().Count(), 0U);
+    EXPECT_EQ(OnScreen(), Numbers{});
+    for (int i = 0; i < page::Count; ++i) {
+      EXPECT_TRUE(List(i).RowCount() == 0 && List(i).Columns().empty()) << i;
+    }
+    EXPECT_FALSE(IsEnabled("mnuFileClose"));
+    EXPECT_FALSE(Find<QToolButton>("tlbarMain.Close")->isEnabled());
+  }
+
+ private:
+  Variables m_zone{{"TZ", "TST-2"}};
+};
+
+// Headers, then each row as "icon source: cells".
+struct PageCase {
+  const char* Node;
+  int Index;
+  const char* Caption;
+  const char* Shown;
+};
+constexpr PageCase Pages[] = {
+    {"NewRegistry", 0, "Registry - New", R"(Hive|Branch|Value Name|Value|Value Type
+newelement 0: HKEY_CURRENT_USER|Software\Acme|user|me|STRING
+newelement 0: HKEY_LOCAL_MACHINE|Software\Acme|new|1|STRING
+newelement 0: HKEY_LOCAL_MACHINE|Software\Acme\Sub|s|9|STRING
+newelement 0: HKEY_LOCAL_MACHINE|Software\Acme\Sub|t|10|STRING
+newelement 0: HKEY_LOCAL_MACHINE|Software\Acme\Sub|u|8|STRING
+newelement 0: HKEY_USERS|S-1-5-21-0-0-0-1000\Software\Acme|user|me|STRING
+)"},
+    {"NewIni", 1, "IniEntries - New", R"(Path Name|File Name|Section|Parameter|Value
+newini 1: C:\|app.ini|Main|fresh|2
+)"},
+    {"NewFiles", 2, "Files - New", R"(Path Name|File Name|Date|Version|Size|Attributes
+newfile 2: C:\Program Files\Acme\|acme.exe|2001-09-09 03:46:41|2.0.0.1|1536|A
+newfile 2: C:\Program Files\Acme\|read.me|2001-09-09 03:46:41||4|RA
+newfile 2: C:\Program Files\Acme\Data\|||||
+newfile 2: C:\Program Files\Acme\Data\DEEP\|a.dat|2001-09-09 03:46:41||11|A
+newfile 2: C:\Zoo\|||||
+)"},
+    {"ChangedRegistry", 3, "Registry - Changed",
+     R"(Hive|Branch|Value Name|New Value|Old Value|Value Type
+changedelement 3: HKEY_CURRENT_USER|Software\Acme|level|2|1|DWORD
+changedelement 3: HKEY_LOCAL_MACHINE|Software\Acme|change|b|a|STRING
+changedelement 3: HKEY_USERS|S-1-5-21-0-0-0-1000\Software\Acme|level|2|1|DWORD
+)"},
+    {"ChangedIni", 4, "IniEntries - Changed",
+     R"(Path Name|File Name|Section|Parameter|New Value|Old Value
+changedini 4: C:\|app.ini|Main|device|b|a
+)"},
+    {"ChangedFiles", 5, "Files - Changed",
+     R"(Path Name|File Name|New Date|Old Date|New Version|Old Version|New Size|Old Size|New Attributes|Old Attributes
+changedfile 5: C:\|app.ini|2001-09-09 03:46:42|2001-09-09 03:46:40|||24|23|A|A
+)"},
+    {"DeletedRegistry", 6, "Registry - Deleted", R"(Hive|Branch|Value Name|Value|Value Type
+deletedelement 6: HKEY_LOCAL_MACHINE|Software\Acme|gone|x|STRING
+)"},
+    {"DeletedIni", 7, "IniEntries - Deleted", R"(Path Name|File Name|Section|Parameter|Value
+deletedini 7: C:\|app.ini|Main|gone|1
+)"},
+    {"DeletedFiles", 8, "Files - Deleted", R"(Path Name|File Name|Date|Version|Size|Attributes
+deletedfile 8: C:\|old.txt|2001-09-09 03:46:40||3|A
+)"},
+    {"Registry", 10, "Registry - New, Changed and Deleted",
+     R"(Hive|Branch|Value Name|Value|Value Type
+newelement 0: HKEY_CURRENT_USER|Software\Acme|user|me|STRING
+changedelement 3: HKEY_CURRENT_USER|Software\Acme|level|2|DWORD
+newelement 0: HKEY_LOCAL_MACHINE|Software\Acme|new|1|STRING
+newelement 0: HKEY_LOCAL_MACHINE|Software\Acme\Sub|s|9|STRING
+newelement 0: HKEY_LOCAL_MACHINE|Software\Acme\Sub|t|10|STRING
+newelement 0: HKEY_LOCAL_MACHINE|Software\Acme\Sub|u|8|STRING
+changedelement 3: HKEY_LOCAL_MACHINE|Software\Acme|change|b|STRING
+deletedelement 6: HKEY_LOCAL_MACHINE|Software\Acme|gone|x|STRING
+newelement 0: HKEY_USERS|S-1-5-21-0-0-0-1000\Software\Acme|user|me|STRING
+changedelement 3: HKEY_USERS|S-1-5-21-0-0-0-1000\Software\Acme|level|2|DWORD
+)"},
+    {"Ini", 11, "IniEntries - New, Changed and Deleted",
+     R"(Path Name|File Name|Section|Parameter|Value
+newini 1: C:\|app.ini|Main|fresh|2
+changedini 4: C:\|app.ini|Main|device|b
+deletedini 7: C:\|app.ini|Main|gone|1
+)"},
+    {"Files", 12, "Files - New, Changed and Deleted",
+     R"(Path Name|File Name|Date|Version|Size|Attributes
+changedfile 5: C:\|app.ini|2001-09-09 03:46:42||24|A
+deletedfile 8: C:\|old.txt|2001-09-09 03:46:40||3|A
+newfile 2: C:\Program Files\Acme\|acme.exe|2001-09-09 03:46:41|2.0.0.1|1536|A
+newfile 2: C:\Program Files\Acme\|read.me|2001-09-09 03:46:41||4|RA
+newfile 2: C:\Program Files\Acme\Data\|||||
+newfile 2: C:\Program Files\Acme\Data\DEEP\|a.dat|2001-09-09 03:46:41||11|A
+newfile 2: C:\Zoo\|||||
+)"},
+    {"HKEY_USERS_ChangedRegistry", 13, "Registry - Changed HKEY_USERS",
+     R"(Branch|Value Name|New Value|Old Value|Value Type
+changedelement 3: S-1-5-21-0-0-0-1000\Software\Acme|level|2|1|DWORD
+)"},
+    {"HKEY_CLASSES_ROOT_NewRegistry", 13, "Registry - New HKEY_CLASSES_ROOT",
+     "Branch|Value Name|Value|Value Type\n"},
+    {"x.mdb\\Files\\New\\C:\\Program files\\Acme", 14, "Files - New C:\\Program files\\Acme",
+     R"(File Name|Date|Version|Size|Attributes
+newfolder 2: Data||||
+newfile 2: acme.exe|2001-09-09 03:46:41|2.0.0.1|1536|A
+newfile 2: read.me|2001-09-09 03:46:41||4|RA
+)"},
+    {"x.mdb\\Files\\Deleted\\C:", 14, "Files - Deleted C:",
+     R"(File Name|Date|Version|Size|Attributes
+deletedfile 8: old.txt|2001-09-09 03:46:40||3|A
+)"},
+};
+constexpr const char* Statistics = R"(Description|Value
+newregistry 9: Registry - New|6
+changedregistry 9: Registry - Changed|3
+deletedregistry 9: Registry - Deleted|1
+newfolder 9: Files - New|5
+changedfolder 9: Files - Changed|1
+deletedfolder 9: Files - Deleted|1
+newini 9: INI Entries - New|1
+changedini 9: INI Entries - Changed|1
+deletedini 9: INI Entries - Deleted|1
+none 9:  |
+controlpanel 9: Disk Scan Settings|
+)";
+
+TEST_F(frmBrowserTest, EveryNodeShowsItsPage) {
+  const std::string path = MakeSample();
+  test::Rows(path, "UPDATE tblStats SET Value = '99' WHERE id <= 9");  // the lists tell the numbers
+  Start();
+  Open(path);
+  EXPECT_EQ(m_boxes.Log, Lines{"Open Sandrel Database|Sandrel.mdb"});
+  EXPECT_EQ(m_form->windowTitle(), "x.mdb - Sandrel");
+  EXPECT_EQ(Status(), "");
+  EXPECT_EQ(Tree().Count(), 13U + 15U + 8U);
+  for (const PageCase& one : Pages) {
+    SCOPED_TRACE(one.Node);
+    ClickNode(one.Node);
+    EXPECT_EQ(PageShown(), one.Index);
+    EXPECT_EQ(Page(), one.Shown);
+    EXPECT_EQ(m_form->Browser().Tree.PageCaption(), one.Caption + std::string(" - x.mdb"));
+    EXPECT_EQ(BoldPath(), Tree().Item(one.Node).FullPath());
+    EXPECT_EQ(Selected(one.Index), Shown().RowCount() > 0 ? Numbers{0} : Numbers{});
+  }
+  ClickNode("Root");
+  EXPECT_EQ(PageShown(), page::Stats);
+  EXPECT_TRUE(Page().starts_with(Statistics)) << Page();
+  EXPECT_EQ(m_form->Browser().Tree.PageCaption(), "Sandrel Statistics - x.mdb");
+  EXPECT_EQ(BoldPath(), "x.mdb");
+  DoubleClickRow(page::Stats, 3);  // a folder's icon, but no folder
+  EXPECT_EQ(SelectedNode(), "Root");
+}
+
+TEST_F(frmBrowserTest, AHivesViewKeepsItsLayout) {
+  OpenSample();
+  ClickNode(Hklm);
+  EXPECT_EQ(Widths(13), EvenWidths(13));
+  EXPECT_EQ(Selected(13), Numbers{0});
+  const int pixels = ListWidget(13)->header()->sectionSize(1);
+  DragWidth(13, 1, 45);
+  DragColumn(13, 0, 1);
+  const Numbers widths = Widths(13);
+  EXPECT_EQ(widths[1], (pixels + 45) * 15);
+  const std::string headers = "Value Name|Branch|Value|Value Type";
+  EXPECT_EQ(Headers(), headers);
+  EXPECT_EQ(Column(2), "1 9 10 8");
+  ClickHeader(13, 2);
+  EXPECT_EQ(Column(2), "9 8 10 1");
+  ClickRow(13, 1);
+  ClickRow(13, 3, Qt::ControlModifier);
+
+  ClickNode(Hkcu);
+  EXPECT_EQ(Widths(13), EvenWidths(13));
+  EXPECT_EQ(Headers(), "Branch|Value Name|Value|Value Type");
+  EXPECT_EQ(List(13).SortKey(), 0U);
+  EXPECT_EQ(Selected(13), Numbers{0});
+  ClickNode("NewRegistry");
+  ClickNode(Hklm);
+  EXPECT_EQ(Widths(13), widths);
+  EXPECT_EQ(Headers(), headers);
+  EXPECT_EQ(Column(2), "9 8 10 1");
+  EXPECT_EQ(Selected(13), (Numbers{1, 3}));
+  ClickHeader(13, 2);
+  EXPECT_EQ(Column(2), "1 10 8 9");
+
+  Stop();  // the next start opens the analysis again, without its sort
+  Start();
+  ClickNode(Hklm);
+  EXPECT_EQ(Widths(13), widths);
+  EXPECT_EQ(Headers(), headers);
+  EXPECT_EQ(Column(2), "1 9 10 8");
+  EXPECT_EQ(List(13).SortKey(), 0U);
+}
+
+TEST_F(frmBrowserTest, FoldersAreWalkedDownAndUp) {
+  const std::string path = MakeSample();
+  test::Rows(path, "UPDATE tblNewFiles SET PathName = upper(PathName) WHERE FileName = 'read.me'");
+  Start();
+  Open(path);
+  const std::string drive = "x.mdb\\Files\\New\\C:";
+  EXPECT_EQ(Tree().Item("NewFiles").Children().size(), 1U);
+  ClickNode(drive);
+  EXPECT_EQ(Page(),
+            "File Name|Date|Version|Size|Attributes\nnewfolder 2: Program files||||\n"
+            "newfolder 2: Zoo||||\n");
+  EXPECT_EQ(Widths(14), EvenWidths(14));
+  DoubleClickRow(14, 0);
+  EXPECT_EQ(SelectedNode(), drive + "\\Program files");
+  EXPECT_EQ(Column(0), "Acme");  // one folder, in whichever case its paths are written
+  EXPECT_TRUE(Tree().SelectedItem()->Expanded());
+  ClickRow(14, 0);
+  Key(Qt::Key_Return);
+  EXPECT_EQ(SelectedNode(), drive + "\\Program files\\Acme");
+  EXPECT_EQ(Column(0), "Data acme.exe read.me");
+  EXPECT_EQ(BoldPath(), SelectedNode());
+  DoubleClickRow(14, 1);
+  EXPECT_EQ(SelectedNode(), drive + "\\Program files\\Acme");
+  EXPECT_EQ(Column(0), "Data acme.exe read.me");
+  DoubleClickRow(14, 0);
+  DoubleClickRow(14, 0);
+  EXPECT_EQ(SelectedNode(), drive + "\\Program files\\Acme\\Data\\Deep");
+  EXPECT_EQ(Column(0), "a.dat");
+  for (const std::string& above :
+       {drive + "\\Program files\\Acme\\Data", drive + "\\Program files\\Acme",
+        drive + "\\Program files", drive, std::string("NewFiles"), std::string("Files"),
+        std::string("Root"), std::string("Root")}) {
+    QTest::keyClick(ListWidget(PageShown()), Qt::Key_Backspace);
+    EXPECT_EQ(SelectedNode(), above);
+    EXPECT_EQ(BoldPath(), Tree().Item(above).FullPath());
+    EXPECT_EQ(OnScreen(), Numbers{PageShown()});
+  }
+  EXPECT_EQ(PageShown(), page::Stats);
+}
+
+TEST_F(frmBrowserTest, OtherPagesAreSortedUntilTheyAreRefilled) {
+  const std::string path = OpenSample();
+  ClickNode("NewRegistry");
+  EXPECT_EQ(Column(3), "me 1 9 10 8 me");
+  ClickHeader(0, 3);
+  EXPECT_EQ(Column(3), "me me 9 8 10 1");
+  ClickHeader(0, 3);
+  EXPECT_EQ(Column(3), "1 10 8 9 me me");
+  ClickNode("Root");
+  const std::string stats = Page();
+  ClickHeader(9, 0);
+  ClickHeader(9, 1);
+  EXPECT_EQ(Page(), stats);
+  EXPECT_FALSE(ListWidget(9)->header()->isSortIndicatorShown());
+  ClickNode("NewRegistry");
+  EXPECT_EQ(Column(3), "1 10 8 9 me me");
+  Open(path);
+  ClickNode("NewRegistry");
+  EXPECT_EQ(Column(3), "me 1 9 10 8 me");
+}
+
+TEST_F(frmBrowserTest, ColumnsAreReset) {
+  OpenSample();
+  const std::string headers = "Path Name|File Name|Date|Version|Size|Attributes";
+  const std::string moved = "File Name|Path Name|Date|Version|Size|Attributes";
+  const auto change = [&](const char* node, int list) {
+    ClickNode(node);
+    DragColumn(list, 0, 1);
+    DragWidth(list, 0, 30);
+    EXPECT_NE(Widths(list), EvenWidths(list));
+  };
+  change("DeletedFiles", 8);
+  change("NewFiles", 2);
+  EXPECT_EQ(Headers(), moved);
+  EXPECT_TRUE(Choose("mnuSettingsColumnsResetWidthsCurrent"));
+  EXPECT_EQ(Widths(2), EvenWidths(2));
+  EXPECT_EQ(m_settings.GetSetting("ShowNewFiles", "Date"), std::to_string(EvenWidths(2)[0]));
+  EXPECT_EQ(Headers(), moved);
+  EXPECT_TRUE(Choose("mnuSettingsColumnsResetOrderCurrent"));
+  EXPECT_EQ(Headers(), headers);
+  ClickNode("DeletedFiles");  // each page has its own
+  EXPECT_EQ(Headers(), moved);
+  EXPECT_NE(Widths(8), EvenWidths(8));
+
+  const std::string hive = "New HKEY_LOCAL_MACHINE";
+  change(Hklm, 13);
+  change(Hkcu, 13);
+  ClickNode(Hklm);
+  EXPECT_FALSE(m_settings.Keys(hive).empty());
+  EXPECT_TRUE(Choose("mnuSettingsColumnsResetWidthsCurrent"));
+  EXPECT_TRUE(Choose("mnuSettingsColumnsResetOrderCurrent"));
+  EXPECT_TRUE(m_settings.Keys(hive).empty() && m_settings.Keys(hive + " Column Position").empty());
+  EXPECT_EQ(Widths(13), EvenWidths(13));
+  EXPECT_EQ(Headers(), "Branch|Value Name|Value|Value Type");
+
+  m_boxes.Log.clear();
+  for (const char* answer : {"No", "Yes"}) {
+    const bool yes = std::string(answer) == "Yes";
+    m_boxes.Buttons = {answer, answer};
+    EXPECT_TRUE(Choose("mnuSettingsColumnsResetWidthsAll"));
+    EXPECT_TRUE(Choose("mnuSettingsColumnsResetOrderAll"));
+    ClickNode("DeletedFiles");
+    EXPECT_EQ(Widths(8) == EvenWidths(8), yes);
+    EXPECT_EQ(Headers(), yes ? headers : moved);
+    ClickNode(Hkcu);
+    EXPECT_EQ(Widths(13) == EvenWidths(13), yes);
+    EXPECT_EQ(Headers() == "Branch|Value Name|Value|Value Type", yes);
+  }
+  const std::string widths = "Sandrel Manager|Reset all columns to their default widths";
+  const std::string order = "Sandrel Manager|Reset all columns to their default order";
+  EXPECT_EQ(m_boxes.Log, (Lines{widths, order, widths, order}));
+}
+
+TEST_F(frmBrowserTest, TheTreeFollowsKeysAndCommands) {
+  OpenSample();
+  auto& tree = *Find<QTreeView>("treeView");
+  struct Step {
+    Qt::Key Pressed;
+    const char* Node;
+    int Page;
+  };
+  ClickNode("Registry");
+  for (const Step& step : {Step{Qt::Key_Down, "NewRegistry", 0},
+                           {Qt::Key_Right, "NewRegistry", 0},
+                           {Qt::Key_Down, "HKEY_CLASSES_ROOT_NewRegistry", 13},
+                           {Qt::Key_Down, Hkcu, 13},
+                           {Qt::Key_Backspace, Hkcu, 13},
+                           {Qt::Key_Left, "NewRegistry", 0},
+                           {Qt::Key_Left, "NewRegistry", 0},
+                           {Qt::Key_Up, "Registry", 10},
+                           {Qt::Key_Up, "Root", 9}}) {
+    Key(step.Pressed);
+    EXPECT_EQ(SelectedNode(), step.Node);
+    EXPECT_EQ(OnScreen(), Numbers{step.Page});
+    EXPECT_EQ(BoldPath(), Tree().Item(step.Node).FullPath());
+  }
+  EXPECT_FALSE(Tree().Item("NewRegistry").Expanded());
+  // A collapsed node takes the selection from those below it, with its page.
+  ClickNode(Hklm);
+  const QRect place = tree.visualRect(IndexOf(Tree().Item("NewRegistry")));
+  QTest::mouseClick(tree.viewport(), Qt::LeftButton, {},
+                    {place.left() - tree.indentation() / 2, place.center().y()});
+  EXPECT_EQ(SelectedNode(), "NewRegistry");
+  EXPECT_EQ(OnScreen(), Numbers{0});
+
+  ClickNode(Hklm);
+  EXPECT_TRUE(ChooseIn("mnuView", "mnuViewCollapseAll"));
+  EXPECT_EQ(Controls().PageTag(), "ShowSharedPage");
+  EXPECT_EQ(OnScreen(), Numbers{13});
+  EXPECT_FALSE(tree.isExpanded(IndexOf(Tree().Item("Root"))));
+  EXPECT_TRUE(ChooseIn("mnuView", "mnuViewExpandAll"));
+  const std::string deep = "x.mdb\\Files\\New\\C:\\Program files\\Acme";
+  for (const std::string& node : {std::string("Root"), std::string("DeletedRegistry"), deep}) {
+    EXPECT_TRUE(tree.isExpanded(IndexOf(Tree().Item(node)))) << node;
+  }
+  ClickNode("NewFiles");
+  EXPECT_TRUE(ChooseIn("mnuView", "mnuViewCollapseCurrent"));
+  EXPECT_FALSE(Tree().Item("NewFiles").Expanded() || Tree().Item(deep).Expanded());
+  EXPECT_TRUE(Tree().Item("NewRegistry").Expanded());
+  EXPECT_TRUE(ChooseIn("mnuView", "mnuViewExpandCurrent"));
+  EXPECT_TRUE(Tree().Item("NewFiles").Expanded() && Tree().Item(deep).Expanded());
+  EXPECT_TRUE(Choose("mnuFileClose"));
+  EXPECT_FALSE(ChooseIn("mnuView", "mnuViewExpandAll"));
+}
+
+TEST_F(frmBrowserTest, TheSplitterStopsBeforeEitherPaneIsLost) {
+  OpenSample();
+  QWidget& bar = *Find("picSplit");
+  const int width = bar.parentWidget()->width();
+  const QPoint middle = bar.rect().center();
+  const auto dragTo = [&](int left) { Drag(&bar, middle, {left - bar.x(), 0}); };
+  // 1001 twips are 66.7 pixels.
+  for (const auto& [left, stands] : {std::pair(200, 200),
+                                     {67, 67},
+                                     {66, 67},
+                                     {width - 67, width - 67},
+                                     {width - 66, width - 67}}) {
+    dragTo(left);
+    EXPECT_EQ(bar.x(), stands) << left;
+    EXPECT_EQ(Tree().Width, stands * 15);
+    EXPECT_EQ(Find("treeView")->width(), stands);
+    EXPECT_EQ(ListWidget(9)->geometry().left(), stands);
+    EXPECT_EQ(List(0).Width, (width - stands) * 15);
+  }
+}
+
+TEST_F(frmBrowserTest, FilesThatCanNotBeOpened) {
+  const std::string good = OpenSample();
+  m_boxes.Log.clear();
+  const std::string missing = m_temp.Of("none.mdb");
+  Open(missing);
+  ASSERT_EQ(m_boxes.Log.size(), 2U);
+  EXPECT_EQ(m_boxes.Log[1],
+            "Sandrel Manager|File " + missing +
+                " not found. An analysis file must exist before it can be opened.\n\nIf you wish "
+                "to create a new file, select 'After Snapshot and Analysis' from Sandrel's "
+                "'Snapshot' menu. If you wish to open an existing file, please try again. ");
+  EXPECT_EQ(m_form->windowTitle(), "x.mdb - Sandrel");
+  Open("");
+  EXPECT_EQ(OnScreen(), Numbers{page::Stats});
+
+  std::ofstream(m_temp.Of("text.mdb")) << "no database at all, but long enough to be read as one";
+  std::ofstream(m_temp.Of("empty.mdb")).flush();
+  for (const std::string name : {"text.mdb", "empty.mdb", "home/SandrelTemp.zqd"}) {
+    const std::string path = m_temp.Of(name);
+    m_settings.SaveSetting("Recent Files", "RecentFile2", path);
+    m_form->Browser().Files.UpdateRecentFileMenu();
+    m_boxes.Log.clear();
+    EXPECT_TRUE(Choose("mnuFileRecent(2)"));
+    EXPECT_EQ(m_boxes.Log,
+              Lines{"Sandrel Error Message|" + path +
+                    " is an invalid or corrupt Sandrel Database.\n\nTry the database repair "
+                    "utility if you are certian this is valid Sandrel database. Otherwise, please "
+                    "select a different database."});
+    ExpectNothingOpen();
+    EXPECT_EQ(RecentNames(), "x.mdb");
+    Open(path);
+    EXPECT_EQ(RecentNames(), "x.mdb");
+    EXPECT_TRUE(Choose("mnuFileRecent(1)"));
+    EXPECT_EQ(OnScreen(), Numbers{page::Stats});
+  }
+  EXPECT_TRUE(Choose("mnuFileClose"));
+  ExpectNothingOpen();
+  EXPECT_EQ(Recent().size(), 1U);
+}
+
+TEST_F(frmBrowserTest, RecentFilesStandInTheirOrder) {
+  const std::string first = MakeSample("a.mdb");
+  for (const char* name : {"b.mdb", "c.mdb", "d.mdb", "e.mdb", "f.mdb", "C.MDB"}) {
+    std::filesystem::copy_file(first, m_temp.Of(name));
+  }
+  Start();
+  EXPECT_EQ(Recent(), Lines{});
+  for (const char* name : {"a.mdb", "b.mdb", "c.mdb", "d.mdb", "e.mdb", "f.mdb"}) {
+    Open(m_temp.Of(name));
+    EXPECT_EQ(Tree().Item("Root").Text(), name);
+  }
+  EXPECT_EQ(RecentNames(), "f.mdb e.mdb d.mdb c.mdb b.mdb");
+  EXPECT_TRUE(Choose("mnuFileRecent(3)"));
+  EXPECT_EQ(m_form->windowTitle(), "d.mdb - Sandrel");
+  EXPECT_EQ(RecentNames(), "d.mdb f.mdb e.mdb c.mdb b.mdb");
+  Open(m_temp.Of("C.MDB"));
+  EXPECT_EQ(RecentNames(), "C.MDB d.mdb f.mdb e.mdb b.mdb");
+  std::filesystem::remove(m_temp.Of("f.mdb"));
+  m_boxes.Log.clear();
+  EXPECT_TRUE(Choose("mnuFileRecent(3)"));
+  EXPECT_EQ(m_boxes.Log, Lines{"Sandrel Manager|File " + m_temp.Of("f.mdb") + " not found"});
+  EXPECT_EQ(RecentNames(), "C.MDB d.mdb e.mdb b.mdb");
+  EXPECT_EQ(Recent().size(), 4U);
+  EXPECT_EQ(m_form->windowTitle(), "C.MDB - Sandrel");
+}
+
+TEST_F(frmBrowserTest, LongPathsAreCutInTheMenu) {
+  const auto fill = [](int count) { return std::string(static_cast<std::size_t>(count), 'x'); };
+  const std::pair<std::string, std::string> files[] = {
+      {"/" + fill(33) + "/b.mdb", "/" + fill(33) + "/b.mdb"},  // 40 characters
+      {"/" + fill(34) + "/b.mdb", "..." + fill(31) + "/b.mdb"},
+      {"/" + fill(48) + "/ten345.mdb", "..." + fill(26) + "/ten345.mdb"},
+      {"/dir/" + fill(36) + ".mdb", "..." + fill(33) + ".mdb"},
+      {"/dir/" + fill(37) + ".mdb", "/dir/" + fill(32) + "..."}};
+  Lines captions;
+  for (const auto& [path, shown] : files) {
+    captions.push_back("&" + std::to_string(captions.size() + 1) + "   " + shown);
+    m_settings.SaveSetting("Recent Files", "RecentFile" + std::to_string(captions.size()), path);
+  }
+  OnMade = [this] { m_form->SetNoAutoLoadDatabase(true); };
+  Start();
+  EXPECT_EQ(Recent(), captions);
+}
+
+TEST_F(frmBrowserTest, AFilesNameMayHoldAnything) {
+  const std::string name = R"(R&D "größe" 日本\neu[*].mdb)";
+  const std::string path = m_temp.Of(name);
+  std::filesystem::copy_file(MakeSample(), path);
+  chmod(path.c_str(), 0444);
+  m_settings.SaveSetting("Recent Files", "RecentFile1", path);
+  Start();
+  EXPECT_EQ(m_boxes.Log, Lines{});
+  EXPECT_EQ(Controls().Caption(), name + " - Sandrel");
+  EXPECT_NE(Recent().front().find(R"(R&&D "größe" 日本\neu[*].mdb)"), std::string::npos);
+  const std::string folder = name + "\\Files\\New\\C:\\Program files\\Acme";
+  ClickNode(folder);
+  EXPECT_EQ(Column(0), "Data acme.exe read.me");
+  EXPECT_EQ(m_form->Browser().Tree.PageCaption(), "Files - New C:\\Program files\\Acme - " + name);
+  DoubleClickRow(14, 0);
+  EXPECT_EQ(SelectedNode(), folder + "\\Data");
+  EXPECT_TRUE(Choose("mnuFileClose"));
+  Open(m_temp.Of("x.mdb"));
+  EXPECT_TRUE(Choose("mnuFileRecent(2)"));
+  EXPECT_EQ(Tree().Item("Root").Text(), name);
+}
+
+TEST_F(frmBrowserTest, SettingsThatCanNotBeWrittenCostTheLayoutOnly) {
+  const std::string path = OpenSample();
+  std::filesystem::remove(m_settings.Path());
+  std::filesystem::create_directories(m_settings.Path() + "/in the way");
+  m_boxes.Log.clear();
+  ClickNode("NewRegistry");
+  ClickHeader(0, 3);
+  ClickNode(Hklm);
+  ClickHeader(13, 2);
+  EXPECT_EQ(Column(2), "9 8 10 1");
+  EXPECT_TRUE(Status().starts_with("The columns' layout can't be saved.")) << Status();
+  EXPECT_TRUE(Choose("mnuSettingsColumnsResetWidthsCurrent"));
+  ClickNode("NewFiles");
+  EXPECT_TRUE(Choose("mnuFileClose"));
+  Open(path);
+  EXPECT_EQ(OnScreen(), Numbers{page::Stats});
+  EXPECT_EQ(m_form->windowTitle(), "x.mdb - Sandrel");
+  Stop();
+  EXPECT_EQ(m_boxes.Log, Lines{"Open Sandrel Database|Sandrel.mdb"});
+}
+
+}  // namespace
+}  // namespace sandrel::test
