@@ -3,6 +3,7 @@
 #include <QAbstractItemModel>
 #include <QBoxLayout>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -14,6 +15,7 @@
 #include <vector>
 
 #include "platform/qt/Icons.h"
+#include "platform/qt/clsCellDelegate.h"
 #include "platform/qt/modCellText.h"
 
 namespace sandrel {
@@ -130,13 +132,46 @@ QModelIndex clsFolderModel::Find(const std::string& path, bool& whole) {
   return IndexOf(at);
 }
 
+namespace {
+
+// Shows its selection over the whole width, in grey while the path is typed.
+class clsFolderTree final : public QTreeView {
+ public:
+  using QTreeView::QTreeView;
+
+ protected:
+  void initViewItemOption(QStyleOptionViewItem* option) const override {
+    QTreeView::initViewItemOption(option);
+    if (!hasFocus()) ShowUnfocused(*option);
+  }
+  bool viewportEvent(QEvent* event) override {
+    if (event->type() != QEvent::ToolTip) return QTreeView::viewportEvent(event);
+    qt::ShowCutTip(*this, *static_cast<QHelpEvent*>(event));
+    return true;
+  }
+  void resizeEvent(QResizeEvent* event) override {
+    QTreeView::resizeEvent(event);
+    header()->setMinimumSectionSize(viewport()->width());
+  }
+  void focusInEvent(QFocusEvent* event) override {
+    QTreeView::focusInEvent(event);
+    viewport()->update();
+  }
+  void focusOutEvent(QFocusEvent* event) override {
+    QTreeView::focusOutEvent(event);
+    viewport()->update();
+  }
+};
+
+}  // namespace
+
 frmFolderTreeview::frmFolderTreeview(std::unique_ptr<clsFolderSource> source, QWidget* parent)
     : QDialog(parent),
       m_source(std::move(source)),
       m_model(new clsFolderModel(*m_source, this)),
       lblMsg(new QLabel(this)),
       txtFolder(new QLineEdit(this)),
-      ftvTreeview(new QTreeView(this)),
+      ftvTreeview(new clsFolderTree(this)),
       picContainer(new QWidget(this)),
       cmdOK(new QPushButton("&OK", picContainer)),
       cmdClose(new QPushButton("&Cancel", picContainer)) {
@@ -174,6 +209,7 @@ void frmFolderTreeview::Arrange() {
   cmdOK->setObjectName("cmdOK");
   cmdClose->setObjectName("cmdClose");
 
+  ftvTreeview->setItemDelegate(new clsCellDelegate(ftvTreeview));
   ftvTreeview->setModel(m_model);
   ftvTreeview->setAccessibleName("Folders");
   ftvTreeview->setHeaderHidden(true);
