@@ -73,7 +73,7 @@ TEST_F(frmAnimateTest, TextsNeverChangeItsSize) {
   m_form.SetProgress(42);
   QApplication::processEvents();
   EXPECT_EQ(m_form.size(), size);
-  EXPECT_LT(Label("lblFile")->text().size(), 100);
+  EXPECT_LT(Label("lblFile")->text().size(), 200);
   EXPECT_TRUE(Label("lblFile")->text().endsWith("f.exe"));
   EXPECT_TRUE(Label("lblFile")->toolTip().contains(QString(300, 'f') + ".exe"));
   const QStringList lines = Label("lblFolder")->text().split('\n');
