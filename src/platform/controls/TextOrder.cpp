@@ -51,7 +51,10 @@ void SortFrom(Place first, Place last, std::size_t depth) {
 
 void RankTexts(const TextPool& texts, const std::vector<TextPool::Id>& distinct,
                std::vector<std::uint32_t>& ranks) {
+  std::size_t size = 0;
+  for (const TextPool::Id id : distinct) size += texts.Text(id).size();
   std::string all;
+  all.reserve(size);
   std::vector<std::size_t> ends;
   ends.reserve(distinct.size());
   for (const TextPool::Id id : distinct) {
