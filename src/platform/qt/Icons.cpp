@@ -36,6 +36,7 @@ class clsIconEngine : public QIconEngine {
     QSize Size;
     qreal Ratio;
     Look As;
+    bool Selected;
     QPixmap Pixmap;
   };
 
@@ -51,6 +52,25 @@ constexpr std::size_t MostDrawn = 16;
 Look LookOf(QIcon::Mode mode) {
   const QColor window = QApplication::palette().color(QPalette::Window);
   return {window.lightness() < 128, mode == QIcon::Disabled};
+}
+
+// On the strong colour of a selection a picture stands out by a light rim; one for dark windows is
+// light enough.
+QPixmap WithRim(const QPixmap& picture) {
+  const int width = std::max(1, picture.width() / 16);
+  QPixmap rim = picture;
+  QPainter shape(&rim);
+  shape.setCompositionMode(QPainter::CompositionMode_SourceIn);
+  shape.fillRect(rim.rect(), QColor(255, 255, 255, 190));
+  shape.end();
+  QPixmap whole(picture.size());
+  whole.fill(Qt::transparent);
+  QPainter painter(&whole);
+  for (const int x : {-width, 0, width}) {
+    for (const int y : {-width, 0, width}) painter.drawPixmap(x, y, rim);
+  }
+  painter.drawPixmap(0, 0, picture);
+  return whole;
 }
 
 void clsIconEngine::paint(QPainter* painter, const QRect& rect, QIcon::Mode mode,
@@ -69,15 +89,17 @@ void clsIconEngine::paint(QPainter* painter, const QRect& rect, QIcon::Mode mode
 QPixmap clsIconEngine::scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State /*state*/,
                                     qreal scale) {
   const Look look = LookOf(mode);
+  const bool selected = mode == QIcon::Selected && !look.Dark;
   const auto known = std::find_if(m_drawn.begin(), m_drawn.end(), [&](const Drawn& drawn) {
-    return drawn.Size == size && drawn.Ratio == scale && drawn.As == look;
+    return drawn.Size == size && drawn.Ratio == scale && drawn.As == look &&
+           drawn.Selected == selected;
   });
   if (known != m_drawn.end()) return known->Pixmap;
 
-  QPixmap pixmap = Draw(size, look);
+  QPixmap pixmap = selected ? WithRim(Draw(size, look)) : Draw(size, look);
   pixmap.setDevicePixelRatio(scale);
   if (m_drawn.size() == MostDrawn) m_drawn.erase(m_drawn.begin());
-  m_drawn.push_back({size, scale, look, pixmap});
+  m_drawn.push_back({size, scale, look, selected, pixmap});
   return pixmap;
 }
 
