@@ -1,5 +1,6 @@
 #include "platform/qt/clsListWidget.h"
 
+#include <QApplication>
 #include <QFocusEvent>
 #include <QHeaderView>
 #include <QHelpEvent>
@@ -148,8 +149,11 @@ void clsListWidget::SelectionChanged() {
   viewport()->update();
 }
 
+// A list that comes in another one's place takes its focus over.
 void clsListWidget::VisibleChanged() {
   setVisible(m_list.Visible());
+  const auto* const focused = dynamic_cast<clsListWidget*>(QApplication::focusWidget());
+  if (m_list.Visible() && focused != nullptr && focused->parent() == parent()) setFocus();
 }
 
 // What the user does.
@@ -341,7 +345,8 @@ void clsListWidget::initViewItemOption(QStyleOptionViewItem* option) const {
   if (!hasFocus()) ShowUnfocused(*option);
 }
 
-// The row with the focus has a dotted frame, as many styles show theirs next to nothing of it.
+// The row with the focus has a dotted frame round its columns, as many styles show theirs next to
+// nothing of it.
 void clsListWidget::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
                             const QModelIndex& index) const {
   QTreeView::drawRow(painter, option, index);
@@ -350,7 +355,9 @@ void clsListWidget::drawRow(QPainter* painter, const QStyleOptionViewItem& optio
   const auto ink = m_list.Selected(row) ? QPalette::HighlightedText : QPalette::Text;
   painter->save();
   painter->setPen(QPen(option.palette.color(ink), 1, Qt::DotLine));
-  painter->drawRect(option.rect.adjusted(0, 0, -1, -1));
+  const int pastColumns = header()->length() - header()->offset();
+  painter->drawRect(
+      option.rect.intersected(QRect(0, 0, pastColumns, height())).adjusted(0, 0, -1, -1));
   painter->restore();
 }
 
