@@ -29,7 +29,8 @@ clsTreeWidget::clsTreeWidget(TreeView& tree, QWidget* parent)
     m_tree.SetExpanded(*clsTreeModel::NodeOf(index), true);
   });
   connect(this, &QTreeView::collapsed, this, [this](const QModelIndex& index) {
-    m_tree.SetExpanded(*clsTreeModel::NodeOf(index), false);
+    m_collapsed = index;
+    if (!m_atWork) TellCollapsed();
   });
   connect(this, &QTreeView::pressed, this, [this](const QModelIndex& index) { m_pressed = index; });
   m_tree.SetObserver(this);
@@ -156,9 +157,29 @@ bool clsTreeWidget::viewportEvent(QEvent* event) {
   return true;
 }
 
+// What a collapsed node raises may close the analysis: it waits until Qt is done with the click or
+// key and holds no index any more.
+void clsTreeWidget::TellCollapsed() {
+  Node* const node = clsTreeModel::NodeOf(std::exchange(m_collapsed, {}));
+  if (node != nullptr) m_tree.SetExpanded(*node, false);
+}
+
 void clsTreeWidget::mousePressEvent(QMouseEvent* event) {
   m_pressed = QModelIndex();
-  if (event->button() == Qt::LeftButton) QTreeView::mousePressEvent(event);
+  if (event->button() != Qt::LeftButton) return;
+  {
+    const QScopedValueRollback atWork(m_atWork, true);
+    QTreeView::mousePressEvent(event);
+  }
+  TellCollapsed();
+}
+
+void clsTreeWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+  {
+    const QScopedValueRollback atWork(m_atWork, true);
+    QTreeView::mouseDoubleClickEvent(event);
+  }
+  TellCollapsed();
 }
 
 // The node that was pressed stays the current one, wherever the mouse is let go.
@@ -178,7 +199,11 @@ void clsTreeWidget::mouseReleaseEvent(QMouseEvent* event) {
 
 void clsTreeWidget::keyPressEvent(QKeyEvent* event) {
   m_keys.Press(*event);
-  QTreeView::keyPressEvent(event);
+  {
+    const QScopedValueRollback atWork(m_atWork, true);
+    QTreeView::keyPressEvent(event);
+  }
+  TellCollapsed();
 }
 
 void clsTreeWidget::keyReleaseEvent(QKeyEvent* event) {

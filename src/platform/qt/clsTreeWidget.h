@@ -30,6 +30,7 @@ class clsTreeWidget : public QTreeView, private TreeViewObserver {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
@@ -37,6 +38,7 @@ class clsTreeWidget : public QTreeView, private TreeViewObserver {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  void TellCollapsed();
   void NodeGoing(Node* parent) override;
   void NodeAdded(Node& node) override;
   void ChildrenGoing(Node& node) override;
@@ -55,9 +57,11 @@ class clsTreeWidget : public QTreeView, private TreeViewObserver {
 
   TreeView& m_tree;
   clsTreeModel* m_model;
-  QPersistentModelIndex m_pressed;  // the node that the left button went down on
-  bool m_ownCurrent = false;        // Qt looks for a current node by itself
-  bool m_looksChanged = false;      // Qt is to be told
+  QPersistentModelIndex m_pressed;    // the node that the left button went down on
+  QPersistentModelIndex m_collapsed;  // to be told
+  bool m_atWork = false;              // Qt is, on a click or key
+  bool m_ownCurrent = false;          // Qt looks for a current node by itself
+  bool m_looksChanged = false;        // Qt is to be told
   qt::clsKeysDown m_keys;
 };
 
