@@ -1,0 +1,269 @@
+// Saves pictures of the window in its states, for a person to look at: pictures FOLDER [dark]
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QFont>
+#include <QHeaderView>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPainter>
+#include <QPalette>
+#include <QScreen>
+#include <QStyleFactory>
+#include <QTest>
+#include <QThread>
+#include <QTimer>
+#include <QTreeView>
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "shell/frmSplash.h"
+#include "window/support/BoxAnswerer.h"
+#include "window/support/SampleDesk.h"
+
+namespace sandrel::test {
+namespace {
+
+QPalette DarkPalette() {
+  QPalette dark;
+  const QColor window(45, 45, 48), base(30, 30, 30), ink(225, 225, 225), dim(128, 128, 128);
+  for (const auto role : {QPalette::Window, QPalette::Button, QPalette::ToolTipBase}) {
+    dark.setColor(role, window);
+  }
+  for (const auto role :
+       {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+    dark.setColor(role, ink);
+    dark.setColor(QPalette::Disabled, role, dim);
+  }
+  dark.setColor(QPalette::Base, base);
+  dark.setColor(QPalette::AlternateBase, window);
+  dark.setColor(QPalette::Highlight, QColor(42, 110, 190));
+  dark.setColor(QPalette::HighlightedText, Qt::white);
+  dark.setColor(QPalette::PlaceholderText, dim);
+  return dark;
+}
+
+class Camera {
+ public:
+  Camera(const QString& folder, const QString& kind) : m_folder(folder), m_kind(kind) {}
+
+  void Take(QWidget& shown, const QString& name) const { Save(shown.grab(), name); }
+
+  /// The window with a menu or other popup over it.
+  void TakeWith(QWidget& window, QWidget& popup, const QString& name) const {
+    const QRect below(window.mapToGlobal(QPoint()), window.size());
+    const QRect whole = below.united(popup.geometry());
+    QPixmap picture(whole.size() * window.devicePixelRatioF());
+    picture.setDevicePixelRatio(window.devicePixelRatioF());
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.drawPixmap(below.topLeft() - whole.topLeft(), window.grab());
+    painter.drawPixmap(popup.pos() - whole.topLeft(), popup.grab());
+    painter.end();
+    Save(picture, name);
+  }
+
+  void Save(const QPixmap& picture, const QString& name) const {
+    const QString path = m_folder + "/" + name + m_kind + ".png";
+    if (!picture.save(path, "PNG", 0))
+      throw std::runtime_error("can't write " + path.toStdString());
+    std::puts(qPrintable(path));
+  }
+
+ private:
+  QString m_folder, m_kind;
+};
+
+class Session {
+ public:
+  explicit Session(const Camera& camera) : m_camera(camera) {}
+
+  void TakeAll() {
+    TakeStart();
+    const std::string analysis = m_desk.MakeAnalysis("Lanternfish Studio.mdb");
+    m_desk.Settings.SaveSetting("Recent Files", "RecentFile1", analysis);
+    m_desk.Settings.SaveSetting("Recent Files", "RecentFile2", "/media/disk/Kestrel Imaging.mdb");
+    Start();
+    TakePages();
+    TakeMenus();
+    TakeBoxes();
+    TakeScan();
+    Stop();
+  }
+
+ private:
+  void Start() {
+    m_desk.Settings.SaveSetting("Main Form", "Width", "15000");
+    m_desk.Settings.SaveSetting("Main Form", "Height", "9300");
+    m_form = m_desk.MakeWindow();
+    m_form->Form_Load();
+    m_form->move(0, 0);  // where menus have room on a small screen
+    m_form->activateWindow();
+    QTest::qWait(50);
+  }
+  void Stop() {
+    m_form->close();
+    m_form.reset();
+    // The end of a window is that of the program; boxes come up again after this.
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    QApplication::exec();
+  }
+
+  void TakeStart() {
+    frmSplash splash("1.0.0");
+    m_camera.Take(splash, "splash");
+    m_boxes.Buttons = {"No"};
+    m_boxes.OnBox = [this](QWidget& box) { m_camera.Take(box, "before-question"); };
+    Start();
+    m_boxes.OnBox = nullptr;
+    m_camera.Take(*m_form, "empty");
+    Stop();
+  }
+
+  void Show(const std::string& key) {
+    TreeView& tree = m_form->Controls().treeView;
+    Node& node = tree.Item(key);
+    tree.EnsureVisible(node);
+    m_form->Browser().Tree.ShowNode(node);
+    QTest::qWait(20);
+  }
+  QTreeView& ShownList() {
+    const std::string& tag = m_form->Controls().PageTag();
+    const std::string name = clsMainControls::Element("listView", PageIndex(tag));
+    return *m_form->findChild<QTreeView*>(QString::fromStdString(name));
+  }
+
+  void TakePages() {
+    const std::string files = "Lanternfish Studio.mdb\\Files";
+    TreeView& tree = m_form->Controls().treeView;
+    m_form->findChild<QTreeView*>("treeView")->setFocus();
+    Show("Root");
+    m_camera.Take(*m_form, "statistics");
+    Show("ChangedFiles");
+    tree.SetExpanded(tree.Item("ChangedFiles"), true);
+    m_camera.Take(*m_form, "even-columns");
+    ListView& changed = m_form->Controls().List(page::ChangedFiles);
+    std::size_t column = 0;
+    for (const int twips : {3300, 1300, 1950, 1950, 1200, 1200}) changed.SetWidth(column++, twips);
+    QTest::qWait(20);
+    m_camera.Take(*m_form, "changed-files");
+    QTreeView& list = ShownList();
+    list.setFocus();
+    QTest::keyClick(&list, Qt::Key_Home);
+    QTest::keyClick(&list, Qt::Key_Down);
+    QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(&list, Qt::Key_Down, Qt::ControlModifier);
+    m_camera.Take(*m_form, "list-focused");
+    m_form->findChild<QTreeView*>("treeView")->setFocus();
+    m_camera.Take(*m_form, "list-unfocused");
+    Show("Files");
+    m_camera.Take(*m_form, "all-files");
+    Show("HKEY_LOCAL_MACHINE_ChangedRegistry");
+    m_camera.Take(*m_form, "hive");
+    Show("NewRegistry");
+    m_camera.Take(*m_form, "new-registry");
+    Show("Ini");
+    m_camera.Take(*m_form, "ini");
+    Show(files + "\\New\\C:\\Program files\\Lanternfish studio");
+    m_camera.Take(*m_form, "folder");
+    Show(files + "\\New\\C:");
+    m_camera.Take(*m_form, "drive");
+    m_form->resize(430, 300);
+    QTest::qWait(20);
+    m_camera.Take(*m_form, "small");
+    m_form->resize(1000, 620);
+    Show("Root");
+  }
+
+  void TakeMenus() {
+    const QList<QAction*> menus = m_form->menuBar()->actions();
+    for (QAction* const action : menus) {
+      if (!action->isVisible()) continue;
+      m_form->menuBar()->setActiveAction(action);
+      QTest::qWait(10);
+      m_camera.TakeWith(*m_form, *action->menu(), "menu-" + action->menu()->objectName());
+      action->menu()->close();
+      m_form->menuBar()->setActiveAction(nullptr);
+    }
+    auto* const tray = m_form->findChild<QMenu*>("mnuSysTrayPopup");
+    tray->popup(m_form->mapToGlobal(QPoint(600, 400)));
+    m_camera.Take(*tray, "menu-tray");
+    tray->close();
+  }
+
+  void TakeBoxes() {
+    const auto next = [this](const QString& name, int wait) {
+      m_boxes.OnBox = [this, name, wait](QWidget& box) {
+        QTest::qWait(wait);
+        m_camera.Take(box, name);
+      };
+    };
+    next("error", 0);
+    m_form->ReportError(52,
+                        "C:\\ProgramData\\Tallow\\license.dat can't be read: permission denied.",
+                        "clsScanDrive.DoXTreeFiles", "frmSandrel.mnuSnapShotBefore");
+    next("file-dialog", 300);
+    m_form->Controls().Menus.Run("mnuFileOpen");
+    next("folder-dialog", 300);
+    m_form->Controls().Menus.Run("mnuSettingsMachine");
+    m_boxes.OnBox = nullptr;
+  }
+
+  // The picture is taken when messages are let through, with the panel about half full.
+  void TakeScan() {
+    constexpr int Least = 10;
+    QPixmap picture;
+    bool due = false;
+    StatusBar& bar = m_form->Controls().stbrStatus;
+    bar.Changed = [&, show = bar.Changed] {
+      show();
+      const std::string progress = bar.Progress();
+      if (due || std::count(progress.begin(), progress.end(), '\1') < Least) return;
+      due = true;
+      QThread::msleep(20);  // messages are let through every 15
+      QTimer::singleShot(0, [&] { picture = m_form->grab(); });
+    };
+    m_form->Controls().Menus.Run("mnuSnapShotBefore");
+    bar.Changed = nullptr;
+    if (picture.isNull()) throw std::runtime_error("the scan was over too soon for a picture");
+    m_camera.Save(picture, "scanning");
+  }
+
+  const Camera& m_camera;
+  SampleDesk m_desk;
+  BoxAnswerer m_boxes;
+  std::unique_ptr<frmSandrel> m_form;
+};
+
+int Run(int argc, char** argv) {
+  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+  QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+  QApplication::setStyle(QStyleFactory::create("Fusion"));
+  QApplication::setFont(QFont("Liberation Sans", 9));
+  const QStringList arguments = QApplication::arguments();
+  if (arguments.size() < 2) throw std::runtime_error("name the folder for the pictures");
+  const bool dark = arguments.size() > 2 && arguments[2] == "dark";
+  if (dark) QApplication::setPalette(DarkPalette());
+  QDir().mkpath(arguments[1]);
+  const bool large = QApplication::primaryScreen()->devicePixelRatio() > 1;
+  const Camera camera(arguments[1], QString(dark ? "-dark" : "") + (large ? "-2x" : ""));
+  Session(camera).TakeAll();
+  return 0;
+}
+
+}  // namespace
+}  // namespace sandrel::test
+
+int main(int argc, char** argv) {
+  try {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    return sandrel::test::Run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "pictures: %s\n", error.what());
+    return 2;
+  }
+}

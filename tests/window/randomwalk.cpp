@@ -1,0 +1,523 @@
+// Acts on the real window at random, as an impatient user would, and checks that the program and
+// its files survive: randomwalk [--actions N] [--seed N] [--log FILE]
+//
+// Actions come from a timer, so they go on inside modal boxes, menus and scans, and within what
+// messages the program lets through. The log tells what led to a crash; a seed gives the same
+// choices, but scans end at other moments in another run.
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFileDialog>
+#include <QFont>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+#include <QStyleFactory>
+#include <QTest>
+#include <QTimer>
+#include <QTreeView>
+#include <QWheelEvent>
+#include <QWindow>
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "platform/qt/clsSplitBar.h"
+#include "window/support/SampleDesk.h"
+
+namespace sandrel::test {
+namespace {
+
+constexpr unsigned LongestAction = 60;  // seconds: what takes longer hangs
+
+class Walk {
+ public:
+  Walk(unsigned seed, int actions, const QString& log) : m_random(seed), m_left(actions) {
+    if (!log.isEmpty()) m_log = std::fopen(qPrintable(log), "w");
+    m_desk.Settings.SaveSetting("Recent Files", "RecentFile1", m_desk.MakeAnalysis("first.mdb"));
+    std::filesystem::copy_file(m_desk.Temp.Of("first.mdb"), m_desk.Temp.Of("second.mdb"));
+    std::filesystem::create_directory(m_desk.Temp.Of("folder.mdb"));
+    std::filesystem::create_directory(m_desk.Temp.Of("nomachine"));
+    BreakFile();
+  }
+  ~Walk() {
+    if (m_log != nullptr) std::fclose(m_log);
+  }
+  Walk(const Walk&) = delete;
+  Walk& operator=(const Walk&) = delete;
+
+  /// The number of faults.
+  int Run() {
+    Later();
+    do {
+      m_form = m_desk.MakeWindow();
+      m_form->Form_Load();
+      if (!m_form->IsUnloaded()) QApplication::exec();
+      m_form.reset();
+      Note("the window ended");
+    } while (m_left > 0);
+    alarm(0);
+    for (const auto& file : std::filesystem::recursive_directory_iterator(m_desk.Temp.Path())) {
+      const std::string path = file.path().string();
+      if (file.is_regular_file() && !path.starts_with(m_desk.MachineFolder())) CheckFile(path);
+    }
+    return m_faults;
+  }
+
+  void Fault(const std::string& what) {
+    ++m_faults;
+    std::fprintf(stderr, "fault: %s\n", what.c_str());
+    Note("fault: " + what);
+  }
+
+ private:
+  // What an action was begun under. Another one may begin inside it when this has changed.
+  struct Context {
+    QWidget* Popup = nullptr;
+    QWidget* Box = nullptr;
+    bool Scanning = false;
+    bool operator==(const Context&) const = default;
+  };
+
+  void Later() {
+    QTimer::singleShot(1, qApp, [this] { Step(); });
+  }
+
+  void Step() {
+    Later();
+    if (m_form->IsUnloaded()) return QCoreApplication::exit(0);
+    constexpr std::size_t MostNested = 12, MostInOneContext = 3;
+    const Context now{QApplication::activePopupWidget(), QApplication::activeModalWidget(),
+                      m_form->State.Scanning};
+    if (m_running.size() >= MostNested) return;
+    if (m_running.size() >= MostInOneContext && m_running.back() == now) return;
+    if (m_running.empty() && now == Context{}) CheckWindow();
+    alarm(LongestAction);
+    m_running.push_back(now);
+    if (m_left > 0) {
+      --m_left;
+      Act();
+    } else {
+      Finish();
+    }
+    m_running.pop_back();
+  }
+
+  void Act() {
+    QWidget* const popup = QApplication::activePopupWidget();
+    QWidget* const box = QApplication::activeModalWidget();
+    if (popup != nullptr) {
+      ActOnPopup(*popup);
+    } else if (auto* const message = qobject_cast<QMessageBox*>(box)) {
+      ActOnBox(*message);
+    } else if (auto* const dialog = qobject_cast<QFileDialog*>(box)) {
+      ActOnDialog(*dialog);
+    } else if (box == nullptr && m_form->isVisible()) {
+      ActOnWindow();
+    }
+  }
+
+  // Brings the window down when there is nothing left to do.
+  void Finish() {
+    QWidget* const box = QApplication::activeModalWidget();
+    if (QWidget* const popup = QApplication::activePopupWidget()) {
+      popup->close();
+    } else if (auto* const message = qobject_cast<QMessageBox*>(box)) {
+      const QString wanted = m_form->State.Scanning ? "Yes" : "No";
+      for (QAbstractButton* const button : message->buttons()) {
+        const QString text = button->text().remove('&');
+        if (text == wanted || text == "Abort" || text == "OK") return button->click();
+      }
+    } else if (auto* const dialog = qobject_cast<QDialog*>(box)) {
+      dialog->reject();
+    } else if (m_form->State.Scanning) {
+      m_form->Controls().Menus.Run("mnuSnapShotCancelOperation");
+    } else {
+      m_form->close();
+    }
+  }
+
+  // Chance.
+
+  int Below(int end) { return end <= 1 ? 0 : std::uniform_int_distribution(0, end - 1)(m_random); }
+  bool Chance(int percent) { return Below(100) < percent; }
+  QPoint PlaceIn(const QWidget& widget) { return {Below(widget.width()), Below(widget.height())}; }
+  template <class List>
+  auto& OneOf(List& list) {
+    return list[static_cast<decltype(list.size())>(Below(static_cast<int>(list.size())))];
+  }
+  Qt::KeyboardModifiers Modifiers() {
+    Qt::KeyboardModifiers keys;
+    if (Chance(20)) keys |= Qt::ShiftModifier;
+    if (Chance(20)) keys |= Qt::ControlModifier;
+    return keys;
+  }
+
+  // Actions.
+
+  void Note(const std::string& what) {
+    if (m_log == nullptr) return;
+    std::fprintf(m_log, "%6d %zu%s %s\n", m_left, m_running.size(),
+                 m_form != nullptr && m_form->State.Scanning ? " scan" : "", what.c_str());
+    std::fflush(m_log);
+  }
+  void Note(const char* what, const QWidget& widget, QPoint at) {
+    Note(std::string(what) + " " + widget.metaObject()->className() + " " +
+         widget.objectName().toStdString() + " " + std::to_string(at.x()) + "," +
+         std::to_string(at.y()));
+  }
+
+  // Through the window system's queue, which knows of popups, boxes and grabs.
+  void Press(QWidget& widget, QPoint at, Qt::MouseButton button, Qt::KeyboardModifiers keys) {
+    SendMouse(widget, at, [&](QWindow* window, QPoint place) {
+      QTest::mousePress(window, button, keys, place);
+    });
+  }
+  template <class Send>
+  void SendMouse(QWidget& widget, QPoint at, const Send& send) {
+    QWindow* const window = widget.window()->windowHandle();
+    if (window == nullptr || !window->isVisible()) return;
+    const QPoint place = widget.mapTo(widget.window(), at);
+    if (QRect(QPoint(), window->size()).contains(place)) send(window, place);
+  }
+  void Click(QWidget& widget, QPoint at, Qt::MouseButton button, Qt::KeyboardModifiers keys) {
+    Note(button == Qt::LeftButton ? "click" : "right click", widget, at);
+    const QPointer<QWidget> held(&widget);
+    Press(widget, at, button, keys);
+    if (held) Release(widget, at, button, keys);
+  }
+  void Release(QWidget& widget, QPoint at, Qt::MouseButton button, Qt::KeyboardModifiers keys) {
+    SendMouse(widget, at, [&](QWindow* window, QPoint place) {
+      QTest::mouseRelease(window, button, keys, place);
+    });
+  }
+  void Drag(QWidget& widget, QPoint from, QPoint to) {
+    Note("drag", widget, from);
+    const QPointer<QWidget> held(&widget);
+    Press(widget, from, Qt::LeftButton, {});
+    for (const QPoint place : {(from + to) / 2, to}) {
+      if (!held) return;
+      SendMouse(widget, place, [](QWindow* window, QPoint at) { QTest::mouseMove(window, at); });
+    }
+    if (held) Release(widget, to, Qt::LeftButton, {});
+  }
+  void Key(QWidget& widget, int key, Qt::KeyboardModifiers keys = {}) {
+    QWindow* const window = widget.window()->windowHandle();
+    if (window == nullptr || !window->isVisible()) return;
+    Note("key " + QKeySequence(key | keys.toInt()).toString().toStdString());
+    QTest::keyClick(window, static_cast<Qt::Key>(key), keys);
+  }
+
+  void ActOnPopup(QWidget& popup) {
+    static const std::vector<int> Keys = {Qt::Key_Down, Qt::Key_Up,     Qt::Key_Right,
+                                          Qt::Key_Left, Qt::Key_Return, Qt::Key_Escape};
+    if (Chance(50)) {
+      Click(popup, PlaceIn(popup), Qt::LeftButton, {});
+    } else {
+      Key(popup, OneOf(Keys));
+    }
+  }
+
+  void ActOnBox(QMessageBox& box) {
+    const QList<QAbstractButton*> buttons = box.buttons();
+    QAbstractButton* const button = OneOf(buttons);
+    if (Chance(10)) return Key(box, Chance(50) ? Qt::Key_Escape : Qt::Key_Return);
+    if (Chance(10)) return Click(box, PlaceIn(box), Qt::LeftButton, {});
+    if (button->text() == "&Abort" && Chance(70)) return;
+    Note("box \"" + box.text().left(60).simplified().toStdString() +
+         "\": " + button->text().toStdString());
+    button->click();
+  }
+
+  // Only names are typed: the dialog's own lists could rename and delete.
+  void ActOnDialog(QFileDialog& dialog) {
+    auto* const name = dialog.findChild<QLineEdit*>("fileNameEdit");
+    if (Chance(25) || name == nullptr) {
+      Note("dialog: reject");
+      return dialog.reject();
+    }
+    static const std::vector<std::string> Files = {"first.mdb",  "second.mdb", "third",
+                                                   "broken.mdb", "folder.mdb", "missing/x.mdb"};
+    static const std::vector<std::string> Folders = {"machine", "nomachine", "missing"};
+    const bool folder = dialog.fileMode() == QFileDialog::Directory;
+    const std::string chosen = m_desk.Temp.Of(OneOf(folder ? Folders : Files));
+    if (Chance(10)) BreakFile();
+    Note("dialog: " + chosen);
+    name->setText(QString::fromStdString(chosen));
+    QMetaObject::invokeMethod(&dialog, "accept");
+  }
+
+  void ActOnWindow() {
+    struct Kind {
+      int Weight;
+      void (Walk::*Do)();
+    };
+    static constexpr Kind Kinds[] = {
+        {30, &Walk::ClickSomewhere}, {25, &Walk::PressKey},     {15, &Walk::RunCommand},
+        {8, &Walk::TurnWheel},       {6, &Walk::ChangeColumns}, {4, &Walk::MoveSplitter},
+        {4, &Walk::DragSomewhere},   {3, &Walk::ResizeWindow},  {2, &Walk::MinimiseOrRestore},
+        {2, &Walk::OpenMenu},        {2, &Walk::ChangeMachine}, {2, &Walk::ClickSplash},
+        {1, &Walk::CloseWindow},
+    };
+    int sum = 0;
+    for (const Kind& kind : Kinds) sum += kind.Weight;
+    int chosen = Below(sum);
+    for (const Kind& kind : Kinds) {
+      if ((chosen -= kind.Weight) < 0) return (this->*kind.Do)();
+    }
+  }
+
+  QWidget* SomeView() {
+    std::vector<QWidget*> views;
+    for (QTreeView* const view : m_form->findChildren<QTreeView*>()) {
+      if (view->isVisible()) views.push_back(view->viewport());
+    }
+    return views.empty() ? nullptr : OneOf(views);
+  }
+  QHeaderView* SomeHeader() {
+    std::vector<QHeaderView*> headers;
+    for (QHeaderView* const header : m_form->findChildren<QHeaderView*>()) {
+      if (header->isVisible() && header->count() > 0) headers.push_back(header);
+    }
+    return headers.empty() ? nullptr : OneOf(headers);
+  }
+
+  void ClickSomewhere() {
+    QWidget* widget = Chance(60) ? SomeView() : nullptr;
+    if (widget == nullptr) widget = m_form.get();
+    const QPoint place = PlaceIn(*widget);
+    const auto button = Chance(90) ? Qt::LeftButton : Qt::RightButton;
+    Click(*widget, place, button, Modifiers());
+    if (!Chance(25)) return;
+    Note("double click");
+    SendMouse(*widget, place, [&](QWindow* window, QPoint at) {
+      QTest::mouseDClick(window, Qt::LeftButton, {}, at);
+    });
+  }
+
+  void PressKey() {
+    static const std::vector<int> Moves = {
+        Qt::Key_Up,      Qt::Key_Down,   Qt::Key_Left,  Qt::Key_Right,     Qt::Key_Home,
+        Qt::Key_End,     Qt::Key_PageUp, Qt::Key_Space, Qt::Key_Return,    Qt::Key_PageDown,
+        Qt::Key_Tab,     Qt::Key_Plus,   Qt::Key_Minus, Qt::Key_Backspace, Qt::Key_Asterisk,
+        Qt::Key_Backtab, Qt::Key_Delete, Qt::Key_C,     Qt::Key_Escape,    Qt::Key_F1};
+    static const std::vector<int> Shortcuts = {Qt::Key_A, Qt::Key_C, Qt::Key_O,
+                                               Qt::Key_P, Qt::Key_W, Qt::Key_Z};
+    if (Chance(5)) {
+      Key(*m_form, OneOf(Shortcuts), Qt::ControlModifier);
+    } else {
+      Key(*m_form, OneOf(Moves), Modifiers());
+    }
+  }
+
+  void RunCommand() {
+    std::vector<QPointer<QAction>> commands;
+    for (QAction* const action : m_form->findChildren<QAction*>()) {
+      if (action->isEnabled() && action->isVisible() && action->menu() == nullptr &&
+          !action->isSeparator() && action->objectName().startsWith("mnu")) {
+        commands.emplace_back(action);
+      }
+    }
+    const QPointer<QAction>& action = OneOf(commands);
+    if (action->objectName().contains("Exit") && !Chance(10)) return;
+    Note("command " + action->objectName().toStdString());
+    action->trigger();
+  }
+
+  void TurnWheel() {
+    QWidget* const view = SomeView();
+    if (view == nullptr) return;
+    const QPoint place = PlaceIn(*view);
+    QWheelEvent turn(place, view->mapToGlobal(place), {}, QPoint(0, (Below(9) - 4) * 120),
+                     Qt::NoButton, Modifiers(), Qt::NoScrollPhase, false);
+    Note("wheel", *view, place);
+    QApplication::sendEvent(view, &turn);
+  }
+
+  void ChangeColumns() {
+    QHeaderView* const header = SomeHeader();
+    if (header == nullptr) return;
+    const int place = Below(header->count());
+    const int left = header->sectionViewportPosition(header->logicalIndex(place));
+    const int y = header->height() / 2;
+    const int x = Chance(60) ? left - 1 : left + 12;  // its edge, or itself
+    Drag(*header->viewport(), {std::max(0, x), y}, {Below(header->width()), y});
+  }
+
+  void MoveSplitter() {
+    for (QWidget* const widget : m_form->findChildren<QWidget*>("picSplit")) {
+      Drag(*widget, widget->rect().center(),
+           widget->rect().center() + QPoint(Below(900) - 450, Below(20)));
+    }
+  }
+
+  void DragSomewhere() {
+    QWidget* const view = SomeView();
+    if (view != nullptr) Drag(*view, PlaceIn(*view), PlaceIn(*m_form));
+  }
+
+  void ResizeWindow() {
+    Note("resize");
+    m_form->resize(Below(1200) + 100, Below(800) + 50);
+  }
+
+  void MinimiseOrRestore() {
+    Note("minimise, maximise or restore");
+    if (m_form->isMinimized() || m_form->isMaximized()) {
+      m_form->showNormal();
+    } else if (Chance(50)) {
+      m_form->showMinimized();
+    } else {
+      m_form->showMaximized();
+    }
+  }
+
+  void OpenMenu() {
+    QMenuBar& bar = *m_form->menuBar();
+    const QList<QAction*> menus = bar.actions();
+    const QRect place = bar.actionGeometry(OneOf(menus));
+    if (place.isValid()) Click(bar, place.center(), Qt::LeftButton, {});
+  }
+
+  // What the next snapshot finds.
+  void ChangeMachine() {
+    const std::string folder = m_desk.MachineFolder() + "/drive_c/Program Files/Walk";
+    const std::string path = folder + "/file" + std::to_string(Below(20)) + ".txt";
+    Note("change " + path);
+    std::filesystem::create_directories(folder);
+    if (!std::filesystem::remove(path)) std::ofstream(path) << std::string(Below(50), 'x');
+  }
+
+  void ClickSplash() {
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+      if (widget->objectName() != "frmSplash" || !widget->isVisible()) continue;
+      return Click(*widget, PlaceIn(*widget), Qt::LeftButton, {});
+    }
+  }
+
+  void CloseWindow() {
+    Note("close");
+    m_form->close();
+  }
+
+  // Checks.
+
+  void BreakFile() {
+    const std::string path = m_desk.Temp.Of("broken.mdb");
+    if (m_form != nullptr && m_form->State.AnalysisPath == path) return;
+    std::ofstream(path, std::ios::trunc) << "This is no analysis. " << std::string(5000, '?');
+  }
+
+  // With nothing under way, what is shown is what is open.
+  void CheckWindow() {
+    clsMainControls& controls = m_form->Controls();
+    const bool open = !m_form->State.AnalysisPath.empty();
+    if (open == controls.treeView.Roots().empty()) {
+      Fault(open ? "an analysis is open, and the tree is empty" : "a closed analysis has a tree");
+    }
+    for (int index = 0; index < page::Count; ++index) {
+      const ListView& list = controls.List(index);
+      const std::string name = clsMainControls::Element("listView", index);
+      auto* const view = m_form->findChild<QTreeView*>(QString::fromStdString(name));
+      const int rows = view->model()->rowCount();
+      if (static_cast<std::size_t>(rows) != list.RowCount()) {
+        Fault(name + " has " + std::to_string(list.RowCount()) + " rows and shows " +
+              std::to_string(rows));
+      }
+    }
+  }
+
+  void CheckFile(const std::string& path) {
+    const bool database = path.ends_with(".mdb") || path.ends_with(".zqd");
+    if (!database && !path.ends_with(".ini") && !path.ends_with(".lock"))
+      Fault("left behind: " + path);
+    if (!database) return;
+    sqlite3* file = nullptr;
+    std::string found;
+    sqlite3_open_v2(path.c_str(), &file, SQLITE_OPEN_READONLY, nullptr);
+    const int result = sqlite3_exec(
+        file, "PRAGMA integrity_check",
+        [](void* text, int, char** values, char**) {
+          *static_cast<std::string*>(text) += values[0];
+          return 0;
+        },
+        &found, nullptr);
+    sqlite3_close(file);
+    if (result == SQLITE_NOTADB && path.ends_with("broken.mdb")) return;
+    if (found != "ok") Fault(path + ": " + (result == SQLITE_OK ? found : sqlite3_errstr(result)));
+  }
+
+  SampleDesk m_desk;
+  std::mt19937 m_random;
+  int m_left;
+  int m_faults = 0;
+  std::FILE* m_log = nullptr;
+  std::vector<Context> m_running;
+  std::unique_ptr<frmSandrel> m_form;
+};
+
+Walk* theWalk = nullptr;
+
+// What the window system lacks is no fault of the program.
+void TakeMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+  if (type == QtDebugMsg || type == QtInfoMsg) return;
+  if (text.startsWith("This plugin does not support")) return;
+  if (std::string_view(context.category).starts_with("qt.qpa")) return;
+  if (theWalk != nullptr) theWalk->Fault("Qt says: " + text.toStdString());
+}
+
+int Run(int argc, char** argv) {
+  QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setStyle(QStyleFactory::create("Fusion"));
+  QApplication::setFont(QFont("Liberation Sans", 9));
+  QCommandLineParser arguments;
+  arguments.addOption({"actions", "", "N", "5000"});
+  arguments.addOption({"seed", "", "N", QString::number(std::random_device()())});
+  arguments.addOption({"log", "", "FILE"});
+  arguments.process(application);
+  const unsigned seed = arguments.value("seed").toUInt();
+  const int actions = arguments.value("actions").toInt();
+  std::printf("random walk: seed %u, %d actions\n", seed, actions);
+  std::fflush(stdout);
+  Walk walk(seed, actions, arguments.value("log"));
+  theWalk = &walk;
+  qInstallMessageHandler(TakeMessage);
+  std::signal(SIGALRM, [](int) { std::abort(); });
+  const int faults = walk.Run();
+  qInstallMessageHandler(nullptr);
+  std::printf("random walk: %d faults\n", faults);
+  return faults == 0 ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace sandrel::test
+
+// The library keeps what it knows of its buses.
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:libdbus";
+}
+
+int main(int argc, char** argv) {
+  try {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    return sandrel::test::Run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "randomwalk: %s\n", error.what());
+    return 2;
+  }
+}
