@@ -32,12 +32,13 @@ constexpr LoadedPage LoadedPages[] = {
     {page::AllFiles, 100, "Root"},
 };
 
-class clsFlagOff {
+// Sets a flag for as long as it lives.
+class clsFlag {
  public:
-  explicit clsFlagOff(bool& flag) : m_flag(flag), m_before(std::exchange(flag, false)) {}
-  ~clsFlagOff() { m_flag = m_before; }
-  clsFlagOff(const clsFlagOff&) = delete;
-  clsFlagOff& operator=(const clsFlagOff&) = delete;
+  clsFlag(bool& flag, bool value) : m_flag(flag), m_before(std::exchange(flag, value)) {}
+  ~clsFlag() { m_flag = m_before; }
+  clsFlag(const clsFlag&) = delete;
+  clsFlag& operator=(const clsFlag&) = delete;
 
  private:
   bool& m_flag;
@@ -57,7 +58,8 @@ clsAnalysisBrowser::clsAnalysisBrowser(clsShell& shell, clsSettings& settings,
       m_shell(shell),
       m_controls(controls) {
   Pages.OnInvalidDatabase = [this](const std::string& path) {
-    Files.RemoveFromRecentFileList(path);
+    clsStatements run(m_shell, "frmSandrel.FillList");
+    run([&] { Files.RemoveFromRecentFileList(path); });
     mnuFileClose_Click();
   };
   Editing.LoadAllpages = [this] { LoadAllpages(); };
@@ -65,7 +67,9 @@ clsAnalysisBrowser::clsAnalysisBrowser(clsShell& shell, clsSettings& settings,
   SetCommands();
 }
 
+// What the user does while pages are loaded would act on half an analysis.
 void clsAnalysisBrowser::Command(const char* method, const std::function<void()>& body) {
+  if (m_loading) return;
   clsStatements run(m_shell, method);
   run.Command([&] { run(body); }, [] {});
 }
@@ -74,7 +78,9 @@ void clsAnalysisBrowser::SetEvents() {
   TreeView& tree = m_controls.treeView;
   const auto focus = [this](Pane pane) { m_controls.CurrentPane = pane; };
   tree.Click = [this] { Command("frmSandrel.treeView_Click", [this] { Tree.treeView_Click(); }); };
-  tree.NodeClick = [this](Node& node) { Tree.treeView_NodeClick(node); };
+  tree.NodeClick = [this](Node& node) {
+    Command("frmSandrel.treeView_NodeClick", [&] { Tree.treeView_NodeClick(node); });
+  };
   tree.Collapse = [this](Node&) {
     Command("frmSandrel.treeView_Collapse", [this] { Tree.treeView_Collapse(); });
   };
@@ -154,41 +160,53 @@ void clsAnalysisBrowser::SaveLayout() {
 }
 
 bool clsAnalysisBrowser::Open(const std::string& path) {
-  Editing.CommitPendingDeletes();
-  if (!m_shell.State.AnalysisPath.empty()) LeavePages();
-  m_shell.State.AnalysisPath = path;
-  Tree.BuildTree();
-  Tree.ShowNode(m_controls.treeView.Item("Root"));
-  if (m_shell.State.AnalysisPath.empty()) return false;
+  const bool opened = Load(path);
+  m_shell.UpdateCommandState();
+  return opened;
+}
+
+bool clsAnalysisBrowser::Load(const std::string& path) {
+  const clsFlag busy(m_shell.State.Busy, true);
+  const clsFlag loading(m_loading, true);
+  AppState& state = m_shell.State;
+  clsStatements run(m_shell, "frmSandrel.mnuFileOpen");
+  run([&] { Editing.CommitPendingDeletes(); });
+  if (!state.AnalysisPath.empty()) LeavePages();
+  state.AnalysisPath = path;
+  run([&] { Tree.BuildTree(); });
+  run([&] { Tree.ShowNode(m_controls.treeView.Item("Root")); });
+  if (state.AnalysisPath != path) return false;
   if (m_controls.List(page::Stats).Columns().empty()) {  // it couldn't be read, as was told
     mnuFileClose_Click();
     return false;
   }
-  Files.UpdateFileMenu(path);
-  const clsFlagOff notReady(m_controls.FormReady);
+  run([&] { Files.UpdateFileMenu(path); });
+  const clsFlag notReady(m_controls.FormReady, false);
   LoadAllpages();
-  return true;
+  return state.AnalysisPath == path;
 }
 
 void clsAnalysisBrowser::mnuFileClose_Click() {
+  clsStatements run(m_shell, "frmSandrel.mnuFileClose");
   if (!m_shell.State.AnalysisPath.empty()) LeavePages();
+  run([&] { Editing.CommitPendingDeletes(); });
   m_controls.HideLists();
-  Editing.CommitPendingDeletes();
   m_shell.State.AnalysisPath.clear();
   Tree.ClearAll();
-  Files.UpdateRecentFileMenu();
+  run([&] { Files.UpdateRecentFileMenu(); });
   m_controls.SetCaption("Untitled - Sandrel");
   m_shell.UpdateCommandState();
 }
 
-// Window messages come through between the pages; when one of them closed the analysis or opened
-// another, the rest is not loaded.
+// Window messages come through between the pages; when one of them ended the program, or the file
+// turned out to be no analysis, the rest is not loaded.
 void clsAnalysisBrowser::LoadAllpages() {
   const Node* const selected = m_controls.treeView.SelectedItem();
   if (selected == nullptr) return;
   const std::string key = selected->Key();
   const std::string tag = m_controls.PageTag();
   const std::string path = m_shell.State.AnalysisPath;
+  const clsFlag loading(m_loading, true);
   clsStatements run(m_shell, "frmSandrel.LoadAllpages", [](const clsError& error) {
     return "Error Loading Pages - " + error.Description();
   });
@@ -210,9 +228,9 @@ void clsAnalysisBrowser::LoadAllpages() {
       Tree.BuildFileBranch(branch);
     });
   }
-  run([&] { Layout.ResetSharedPage("sort"); });
   m_shell.SetProgress(0);
   m_shell.SetStatusText("");
+  run([&] { Layout.ResetSharedPage("sort"); });
   m_controls.PageTag() = tag;
   run([&] { m_controls.treeView.SetSelectedItem(&m_controls.treeView.Item(key)); });
   run([&] { Tree.treeView_Click(); });

@@ -47,9 +47,11 @@ class clsAnalysisBrowser {
   void SetEvents();
   void SetCommands();
   void LeavePages();
+  bool Load(const std::string& path);
 
   clsShell& m_shell;
   clsMainControls& m_controls;
+  bool m_loading = false;  // pages are being filled
 };
 
 }  // namespace sandrel

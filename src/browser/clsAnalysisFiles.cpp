@@ -121,12 +121,12 @@ void clsAnalysisFiles::Keep(const std::function<void()>& save) {
 }
 
 void clsAnalysisFiles::UpdateFileMenu(const std::string& path) {
+  m_controls.SetCaption(NameOf(path) + " - Sandrel");
   Keep([&] {
     RemoveFromRecentFileList(path);
     AddToRecentFileList(path);
   });
   UpdateRecentFileMenu();
-  m_controls.SetCaption(NameOf(path) + " - Sandrel");
 }
 
 void clsAnalysisFiles::AddToRecentFileList(const std::string& path) {

@@ -184,17 +184,17 @@ std::string clsAnalysisTree::PageCaption() const {
 void clsAnalysisTree::treeView_Click() {
   const Node* selected = m_controls.treeView.SelectedItem();
   if (selected == nullptr) return;
-  m_shell.SetMousePointer(pointer::Hourglass);
+  const clsPointerGuard pointer(m_shell, pointer::Hourglass);
   m_layout.SaveColumnPositions();
   for (ListView& list : m_controls.listView) list.SetUnsorted();
   m_shell.DoEvents(false);
   // What came through meanwhile may have closed the analysis or chosen another node.
   selected = m_controls.treeView.SelectedItem();
   if (selected != nullptr) SelectPage(selected->Key());
-  m_shell.RestorePointer();
 }
 
 void clsAnalysisTree::SelectPage(const std::string& key) {
+  m_shown = key;
   for (const auto& [node, index] : PageNodes) {
     if (key == node) return m_pages.ShowPage(index);
   }
@@ -249,19 +249,22 @@ void clsAnalysisTree::treeView_Collapse() {
 void clsAnalysisTree::treeView_KeyUp(int keyCode) {
   Node* const selected = m_controls.treeView.SelectedItem();
   if (selected == nullptr) return;
-  // Other keys move the selection too: the page follows it.
-  if (keyCode == key::Back || (keyCode >= key::Left && keyCode <= key::Down) ||
-      !selected->Bold()) {
+  // Keys other than the arrows move the selection too: the page follows it.
+  if (keyCode == key::Back) {
+    ShowParent(*selected);
+  } else if ((keyCode >= key::Left && keyCode <= key::Down) || selected->Key() != m_shown) {
     ShowNode(*selected);
   }
 }
 
 void clsAnalysisTree::listView_KeyUp(int keyCode) {
   if (keyCode == key::Return) return listView_DblClick();
-  Node* selected = m_controls.treeView.SelectedItem();
-  if (keyCode != key::Back || selected == nullptr) return;
-  if (selected->Key() != "Root" && selected->Parent() != nullptr) selected = selected->Parent();
-  ShowNode(*selected);
+  Node* const selected = m_controls.treeView.SelectedItem();
+  if (keyCode == key::Back && selected != nullptr) ShowParent(*selected);
+}
+
+void clsAnalysisTree::ShowParent(Node& node) {
+  ShowNode(node.Parent() == nullptr ? node : *node.Parent());
 }
 
 void clsAnalysisTree::listView_DblClick() {

@@ -57,11 +57,13 @@ class clsAnalysisTree {
 
  private:
   void SelectPage(const std::string& key);
+  void ShowParent(Node& node);
 
   clsShell& m_shell;
   clsMainControls& m_controls;
   clsColumnLayout& m_layout;
   clsPages& m_pages;
+  std::string m_shown;  // key of the node whose page is on show
 };
 
 }  // namespace sandrel

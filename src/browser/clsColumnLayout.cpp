@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <charconv>
+#include <cmath>
 
 #include "common/clsError.h"
 #include "common/text.h"
@@ -22,7 +23,7 @@ int ToNumber(const std::string& stored, int fallback) {
   double number = 0;
   const auto [end, failure] = std::from_chars(stored.data(), stored.data() + stored.size(), number);
   if (failure != std::errc() || end != stored.data() + stored.size() || number > 1e6 ||
-      number < 0) {
+      number < 0 || std::isnan(number)) {
     throw clsError(errnum::TypeMismatch, fmt::format("'{}' in the settings is no number.", stored));
   }
   return static_cast<int>(number);
@@ -78,7 +79,7 @@ void clsColumnLayout::SaveWidths(const ListView& list, const std::string& sectio
   }
 }
 
-void clsColumnLayout::SaveOrders(const ListView& list, const std::string& section) {
+void clsColumnLayout::SaveColumnOrders(const ListView& list, const std::string& section) {
   std::size_t number = 0;
   for (const ListColumn& column : list.Columns()) {
     m_settings.SaveSetting(OrderSection(section), fmt::to_string(++number),
@@ -93,42 +94,59 @@ void clsColumnLayout::SaveColumnPositions() {
   const ListView& list = m_controls.ListOfTag(tag);
   Keep([&] {
     SaveWidths(list, tag);
-    SaveOrders(list, tag);
+    SaveColumnOrders(list, tag);
   });
 }
 
-void clsColumnLayout::GetColumnOrders(ListView& list, const std::string& section) {
+// Each column is a statement of its own: one whose stored number is useless doesn't cost the others
+// theirs.
+void clsColumnLayout::GetColumnOrders(clsStatements& run, ListView& list,
+                                      const std::string& section) {
   for (std::size_t i = 0; i < list.Columns().size(); ++i) {
     const int number = static_cast<int>(i) + 1;
-    list.SetPosition(
-        i, ToNumber(m_settings.GetSetting(OrderSection(section), fmt::to_string(number)), number));
+    run([&] {
+      list.SetPosition(
+          i,
+          ToNumber(m_settings.GetSetting(OrderSection(section), fmt::to_string(number)), number));
+    });
   }
 }
 
-void clsColumnLayout::GetWidths(ListView& list, const std::string& section) {
+void clsColumnLayout::GetWidths(clsStatements& run, ListView& list, const std::string& section) {
   const std::vector<ListColumn>& columns = list.Columns();
   const int even = EvenWidth(list, columns.size());
   for (int position = 1; static_cast<std::size_t>(position) <= columns.size(); ++position) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
       if (columns[i].Position != position) continue;
-      list.SetWidth(i, ToNumber(m_settings.GetSetting(section, columns[i].Text), even));
+      list.SetWidth(i, even);
+      run([&] {
+        list.SetWidth(i, ToNumber(m_settings.GetSetting(section, columns[i].Text), even));
+      });
     }
   }
 }
 
-void clsColumnLayout::GetColumnPositions() {
-  const std::string& tag = m_controls.PageTag();
-  ListView& list = m_controls.ListOfTag(tag);
+void clsColumnLayout::GetColumns(clsStatements& run, ListView& list, const std::string& section) {
   list.BeginUpdate();
   try {
-    GetColumnOrders(list, tag);
-    GetWidths(list, tag);
+    GetColumnOrders(run, list, section);
+    GetWidths(run, list, section);
   } catch (...) {
     list.EndUpdate();
     throw;
   }
   list.EndUpdate();
+}
+
+void clsColumnLayout::GetColumnPositions(clsStatements& run) {
+  const std::string& tag = m_controls.PageTag();
+  GetColumns(run, m_controls.ListOfTag(tag), tag);
   EnableResets();
+}
+
+void clsColumnLayout::GetSharedColumns(clsStatements& run) {
+  ListView& list = m_controls.List(page::SharedPage);
+  GetColumns(run, list, list.Tag);
 }
 
 void clsColumnLayout::EnableResets() {
@@ -166,18 +184,12 @@ void clsColumnLayout::SaveSharedColumnWidths() {
 
 void clsColumnLayout::SaveSharedColumnPositions() {
   const ListView& list = m_controls.List(page::SharedPage);
-  if (!list.Tag.empty()) Keep([&] { SaveOrders(list, list.Tag); });
+  if (!list.Tag.empty()) Keep([&] { SaveColumnOrders(list, list.Tag); });
 }
 
 void clsColumnLayout::SaveSharedSelection() {
   const ListView& list = m_controls.List(page::SharedPage);
   if (!list.Tag.empty()) m_sharedSelections[list.Tag] = list.SelectedKeys();
-}
-
-void clsColumnLayout::GetSharedColumns() {
-  ListView& list = m_controls.List(page::SharedPage);
-  GetColumnOrders(list, list.Tag);
-  GetWidths(list, list.Tag);
 }
 
 void clsColumnLayout::SelectFirstTime() {
@@ -267,7 +279,7 @@ bool clsColumnLayout::mnuSettingsColumnsResetOrderAll_Click() {
     for (int index = 0; index < page::Count; ++index) {
       ListView& list = m_controls.List(index);
       ResetOrder(list);
-      if (index < page::SharedPage) SaveOrders(list, PageName(index));
+      if (index < page::SharedPage) SaveColumnOrders(list, PageName(index));
     }
   });
   ResetSharedPage("order");

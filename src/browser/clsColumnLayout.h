@@ -10,6 +10,7 @@
 #include "browser/clsMainControls.h"
 #include "common/clsShell.h"
 #include "config/clsSettings.h"
+#include "snapshot/clsStatements.h"
 
 namespace sandrel {
 
@@ -21,9 +22,11 @@ class clsColumnLayout {
   /// Saves widths and order of the page that is being left. Settings that can't be written cost the
   /// layout, not the page: the status text tells it.
   void SaveColumnPositions();
-  /// Gives the columns of the page on show their stored order and widths. Raises the number of a
-  /// stored position that no column can have.
-  void GetColumnPositions();
+  /// Gives the columns of the page on show their stored order and widths. A stored number that no
+  /// column can have is reported through `run`.
+  void GetColumnPositions(clsStatements& run);
+  /// Lets the columns be reset.
+  void EnableResets();
 
   /// Remembers a sort; only the view of a hive does.
   void SaveSortOrder(std::size_t sortKey);
@@ -38,7 +41,7 @@ class clsColumnLayout {
   void SaveSharedColumnPositions();
   void SaveSharedSelection();
   // ... and after.
-  void GetSharedColumns();
+  void GetSharedColumns(clsStatements& run);
   void SelectFirstTime();
   void RestoreSharedSelection();
   /// What was selected means nothing in another analysis.
@@ -56,11 +59,11 @@ class clsColumnLayout {
  private:
   void Keep(const std::function<void()>& save);
   void SaveWidths(const ListView& list, const std::string& section);
-  void SaveOrders(const ListView& list, const std::string& section);
-  void GetColumnOrders(ListView& list, const std::string& section);
-  void GetWidths(ListView& list, const std::string& section);
+  void SaveColumnOrders(const ListView& list, const std::string& section);
+  void GetColumnOrders(clsStatements& run, ListView& list, const std::string& section);
+  void GetWidths(clsStatements& run, ListView& list, const std::string& section);
+  void GetColumns(clsStatements& run, ListView& list, const std::string& section);
   void DropSection(const std::string& section);
-  void EnableResets();
 
   clsShell& m_shell;
   clsSettings& m_settings;

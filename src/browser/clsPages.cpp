@@ -29,9 +29,7 @@ const char* StatsIcon(std::string_view description) {
   return "none";
 }
 
-void RequireKeys() {
-  static_assert(ImageIndex("none") >= 0 && ImageIndex("controlpanel") >= 0);
-}
+static_assert(ImageIndex("none") >= 0 && ImageIndex("controlpanel") >= 0);
 
 }  // namespace
 
@@ -45,27 +43,26 @@ struct clsPages::Reading {
 };
 
 clsPages::clsPages(clsShell& shell, clsMainControls& controls, clsColumnLayout& layout)
-    : m_shell(shell), m_controls(controls), m_layout(layout) {
-  RequireKeys();
-}
+    : m_shell(shell), m_controls(controls), m_layout(layout) {}
 
 void clsPages::ShowPage(int index) {
   m_controls.PageTag() = PageName(index);
   FillList();
 }
 
+// The new list comes before the old one goes, and takes the focus over from it.
 void clsPages::ShowOnly(int index) {
+  m_controls.List(index).SetVisible(true);
   for (int i = 0; i < page::Count; ++i) {
     if (i != index) m_controls.List(i).SetVisible(false);
   }
-  m_controls.List(index).SetVisible(true);
 }
 
 void clsPages::FillList() {
   const std::string& path = m_shell.State.AnalysisPath;
   if (path.empty()) return;
   clsStatements run(m_shell, "frmSandrel.FillList");
-  m_shell.SetMousePointer(pointer::Hourglass);
+  const clsPointerGuard pointer(m_shell, pointer::Hourglass);
   const int current = PageIndex(m_controls.PageTag());
   ListView& list = m_controls.List(current);
   if (m_controls.FormReady) ShowOnly(current);
@@ -92,8 +89,7 @@ void clsPages::FillList() {
       return;
     }
   }
-  m_controls.Menus["mnuSettingsColumnsResetWidths"].SetEnabled(true);
-  m_controls.Menus["mnuSettingsColumnsResetOrder"].SetEnabled(true);
+  m_layout.EnableResets();
   for (ListView& other : m_controls.listView) {
     m_controls.ListOfTag(other.Tag).SetHideColumnHeaders(false);
   }
@@ -137,11 +133,12 @@ bool clsPages::RunStatement(const PageStatement& statement, int number, ListView
     }
   });
   if (!valid) return false;
-  run([&] {
-    if (!list.Columns().empty()) return;
-    for (const dao::Field& field : Need(reading.Rows).Fields()) list.AddColumn(field.Name, 0);
-    m_layout.GetColumnPositions();
-  });
+  if (list.Columns().empty()) {
+    run([&] {
+      for (const dao::Field& field : Need(reading.Rows).Fields()) list.AddColumn(field.Name, 0);
+    });
+    m_layout.GetColumnPositions(run);
+  }
   run([&] { CopyRows(reading, list); });
   return true;
 }
@@ -203,6 +200,7 @@ void clsPages::FillSharedPage(std::string_view hive, int source, const char* ico
   m_layout.SaveSharedColumnPositions();
   m_layout.SaveSharedSelection();
   list.Tag = std::string(kind) + " " + std::string(hive);
+  clsStatements run(m_shell, "frmSandrel.FillSharedPage");
   list.BeginUpdate();
   try {
     list.ClearRows();
@@ -220,8 +218,8 @@ void clsPages::FillSharedPage(std::string_view hive, int source, const char* ico
       if (from.TextId(row) != wanted) continue;
       list.AddRow(from.Key(row), from.Cells(row).subspan(1), from.RowTag(row), icon);
     }
-    m_layout.GetSortOrder();
-    m_layout.GetSharedColumns();
+    run([&] { m_layout.GetSortOrder(); });
+    m_layout.GetSharedColumns(run);
     m_layout.SelectFirstTime();
     m_layout.RestoreSharedSelection();
     if (list.SelectedItem() == ListView::NoRow && list.RowCount() > 0) list.SetSelectedItem(0);
@@ -232,8 +230,7 @@ void clsPages::FillSharedPage(std::string_view hive, int source, const char* ico
   }
   list.EndUpdate();
   ShowOnly(page::SharedPage);
-  m_controls.Menus["mnuSettingsColumnsResetWidths"].SetEnabled(true);
-  m_controls.Menus["mnuSettingsColumnsResetOrder"].SetEnabled(true);
+  m_layout.EnableResets();
   m_shell.UpdateCommandState();
 }
 

@@ -44,6 +44,7 @@ struct FileDialog {
 /// What the whole program knows of the command that runs.
 struct AppState {
   bool Scanning = false;                ///< a snapshot or an analysis runs
+  bool Busy = false;                    ///< a snapshot command hasn't ended, stopped scans included
   bool CloseDown = false;               ///< the user asked to quit during a scan
   bool BeforeSSCompleteNotify = false;  ///< the wizard waits for a Before snapshot
   std::string AnalysisPath;  ///< host path of the open analysis; empty when there is none
@@ -100,6 +101,18 @@ class clsShell {
 
   /// Leaves the tray and closes the program's window: the end of an aborted command.
   virtual void Unload() = 0;
+};
+
+/// A shape of the pointer for as long as it lives.
+class clsPointerGuard {
+ public:
+  clsPointerGuard(clsShell& shell, int shape) : m_shell(shell) { shell.SetMousePointer(shape); }
+  ~clsPointerGuard() { m_shell.RestorePointer(); }
+  clsPointerGuard(const clsPointerGuard&) = delete;
+  clsPointerGuard& operator=(const clsPointerGuard&) = delete;
+
+ private:
+  clsShell& m_shell;
 };
 
 /// The text of the panel "Progress": "42% " and a bar of at most 25 characters of code 1; empty for

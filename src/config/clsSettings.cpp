@@ -133,6 +133,7 @@ void clsSettings::DeleteSetting(std::string_view section, std::string_view key) 
                      fmt::format("There is no setting {} / {}.", section, key));
     }
     found->Entries.erase(found->Entries.begin() + (entry - found->Entries.data()));
+    if (found->Entries.empty()) m_sections.erase(m_sections.begin() + (found - m_sections.data()));
   });
 }
 

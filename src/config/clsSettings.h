@@ -32,7 +32,7 @@ class clsSettings {
                          std::string_view fallback = {});
   /// Raises the number of the failure when the file can't be written.
   void SaveSetting(std::string_view section, std::string_view key, std::string_view text);
-  /// Deletes a key, or a whole section. Raises 5 when there is none.
+  /// Deletes a key, or a whole section; one without keys is none. Raises 5 when there is none.
   void DeleteSetting(std::string_view section, std::string_view key);
   void DeleteSetting(std::string_view section);
 

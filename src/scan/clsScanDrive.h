@@ -49,6 +49,7 @@ class clsScanDrive {
   void DoXTreeFiles(const std::string& Pathname);
   /// Lets the folder in progress be finished and ends the walk.
   void Cancel() { m_cancelled = true; }
+  bool IsCancelled() const { return m_cancelled; }
 
   /// The version of the file at a host path, as "1.2.3.4"; empty when it has none. The high half of
   /// each word is its signed value divided by 65535.

@@ -2,6 +2,7 @@
 
 #include "common/clsFileWorks.h"
 #include "common/text.h"
+#include "snapshot/clsStatements.h"
 #include "store/clsTableMaint.h"
 
 namespace sandrel {
@@ -21,16 +22,16 @@ clsCommandState::clsCommandState(clsShell& shell, clsSettings& settings, const c
 
 void clsCommandState::UpdateCommandState() {
   const Menus& menus = m_controls.Menus;
-  const bool scanning = m_shell.State.Scanning;
+  const bool scanning = m_shell.State.Scanning || m_shell.State.Busy;
   for (const char* item :
        {"mnuFile", "mnuEdit", "mnuSnapShotBefore", "mnuSnapShotWizard", "mnuColumns", "mnuView"}) {
     menus[item].SetEnabled(!scanning);
   }
-  menus["mnuSnapShotCancelOperation"].SetEnabled(scanning);
+  menus["mnuSnapShotCancelOperation"].SetEnabled(m_shell.State.Scanning);
   for (const char* button : {"Open", "BeforeSnapshot", "Wizard"}) {
     m_controls.EnableButton(button, !scanning);
   }
-  m_controls.EnableButton("StopScanning", scanning);
+  m_controls.EnableButton("StopScanning", m_shell.State.Scanning);
   m_controls.EnableButton("Help", true);
   const std::string working = m_home.WorkingDatabase();
   const bool after = !scanning && clsFileWorks::FileExists(working);
@@ -50,7 +51,7 @@ void clsCommandState::UpdateCommandState() {
 }
 
 void clsCommandState::RefreshMenus() {
-  if (!m_controls.FormReady || m_shell.State.Scanning) return;
+  if (!m_controls.FormReady || m_shell.State.Scanning || m_shell.State.Busy) return;
   for (const char* menu : {"mnuFile", "mnuEdit"}) {
     if (m_controls.Menus[menu].Click) m_controls.Menus[menu].Click();
   }
@@ -68,9 +69,14 @@ void clsCommandState::ShowBars() {
 }
 
 void clsCommandState::Toggle(const char* item, const char* key) {
+  clsStatements run(m_shell, std::string("frmSandrel.") + item);
   const bool on = !m_controls.Menus[item].Checked();
-  m_settings.SaveSetting(Section, key, text::BooleanText(on));
-  ShowBars();
+  run.Command(
+      [&] {
+        run([&] { m_settings.SaveSetting(Section, key, text::BooleanText(on)); });
+        run([&] { ShowBars(); });
+      },
+      [] {});
 }
 
 void clsCommandState::mnuViewToolbar_Click() {

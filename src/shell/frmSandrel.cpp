@@ -1,15 +1,21 @@
 #include "shell/frmSandrel.h"
 
+#include <fmt/format.h>
+
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QLayout>
 #include <QMenu>
 #include <QMenuBar>
 #include <QTimer>
 #include <algorithm>
 #include <utility>
 
+#include "config/clsFolderSource.h"
+#include "config/frmFolderTreeview.h"
+#include "export/frmAnimate.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/clsListWidget.h"
 #include "platform/qt/clsSplitBar.h"
@@ -58,6 +64,7 @@ frmSandrel::frmSandrel(clsSettings& settings, const clsHome& home, clsWindowList
       m_snapshots(*this, settings, home, nullptr),
       m_analysis(*this, settings, home, nullptr),
       m_browser(*this, settings, m_controls, m_analysis),
+      m_export(*this, m_controls, m_browser.Pages, m_analysis),
       m_commandState(*this, settings, home, m_controls) {
   setObjectName("frmSandrel");
   setWindowIcon(icons::Window());
@@ -116,21 +123,47 @@ void frmSandrel::SetCommands() {
   const Menus& menus = m_controls.Menus;
   m_commandState.OnLayout = [this] { Form_Resize(); };
   menus["mnuFileExit"].Click = [this] { close(); };
-  menus["mnuSnapShotBefore"].Click = [this] {
-    OpenMachine();
-    m_snapshots.mnuSnapShotBefore_Click();
+  const auto snapshot = [this, &menus](const char* item, std::function<void()> command) {
+    menus[item].Click = [this, command = std::move(command)] { SnapshotCommand(command); };
   };
-  menus["mnuSnapShotAfter"].Click = [this] {
-    OpenMachine();
-    m_analysis.mnuSnapShotAfter_Click(m_snapshots);
-  };
-  menus["mnuSnapShotRollUp"].Click = [this] {
-    m_browser.Command("frmSandrel.mnuSnapShotRollUp",
-                      [this] { m_snapshots.mnuSnapShotRollUp_Click(); });
-  };
+  snapshot("mnuSnapShotBefore", [this] { m_snapshots.mnuSnapShotBefore_Click(); });
+  snapshot("mnuSnapShotAfter", [this] { m_analysis.mnuSnapShotAfter_Click(m_snapshots); });
+  snapshot("mnuSnapShotRollUp", [this] { m_snapshots.mnuSnapShotRollUp_Click(); });
   menus["mnuSnapShotCancelOperation"].Click = [this] { m_snapshots.ConfirmCancelScan(); };
   menus["mnuSettingsMachine"].Click = [this] { mnuSettingsMachine_Click(); };
+  m_snapshots.FindMachine = [this] { return OpenMachine(); };
+  SetExportCommands();
   SetTrayEvents();
+}
+
+void frmSandrel::SetExportCommands() {
+  m_export.Machine = [this] { return OpenMachine(); };
+  m_export.ChooseDestination = [this](const std::string& caption) {
+    frmFolderTreeview dialog(HostFolders(), BoxParent());
+    dialog.setWindowTitle(FromText(caption));
+    dialog.SetLabel("Select or &Enter the folder that the copies go to");
+    dialog.exec();
+    return dialog.Folder();
+  };
+  m_export.MakeProgress = [this] { return std::make_unique<frmAnimate>(this); };
+  m_controls.Menus["mnuFileExportToRegFile"].Click = [this] {
+    m_browser.Command("frmSandrel.mnuFileExportToRegFile",
+                      [this] { m_export.mnuFileExportToRegFile_Click(); });
+  };
+  m_controls.Menus["mnuFileExportFiles"].Click = [this] {
+    m_browser.Command("frmSandrel.mnuFileExportFiles",
+                      [this] { m_export.mnuFileExportFiles_Click(); });
+  };
+}
+
+// One at a time: messages come through while one runs, and between a stop and its end as well.
+void frmSandrel::SnapshotCommand(const std::function<void()>& command) {
+  if (State.Busy) return;
+  State.Busy = true;
+  ForgetMachine();
+  command();
+  State.Busy = false;
+  UpdateCommandState();
 }
 
 void frmSandrel::Form_Resize() {
@@ -144,6 +177,7 @@ void frmSandrel::Form_Resize() {
 
   tlbarMain->setGeometry(0, 0, width, qt::ToPixels(clsToolbarWidget::Height));
   tlbarMain->setVisible(m_controls.tlbarMain.Visible());
+  if (tlbarMain->layout() != nullptr) tlbarMain->layout()->activate();
   const QRect place = tlbarMain->PlaceHolder();
   txtLastBeforeSnapshot->setGeometry(
       place.adjusted(qt::ToPixels(BeforeTimeIndent), 0, 0, 0).translated(tlbarMain->pos()));
@@ -186,14 +220,14 @@ void frmSandrel::Tell(std::string_view text) {
 }
 
 void frmSandrel::ShowNotes() {
-  if (State.Scanning || m_unloaded || m_notes.empty()) return;
+  if (State.Busy || m_unloaded || m_notes.empty()) return;
   Ask({std::exchange(m_notes, {}), "Sandrel Manager", Buttons::Ok, BoxIcon::Information});
 }
 
 void frmSandrel::UpdateCommandState() {
   if (m_unloaded) return;
   m_commandState.UpdateCommandState();
-  if (!State.Scanning && !m_notes.empty()) QTimer::singleShot(0, this, [this] { ShowNotes(); });
+  if (!State.Busy && !m_notes.empty()) QTimer::singleShot(0, this, [this] { ShowNotes(); });
 }
 
 QWidget* frmSandrel::BoxParent() {
@@ -201,17 +235,23 @@ QWidget* frmSandrel::BoxParent() {
 }
 
 Answer frmSandrel::Ask(const MessageBox& box) {
-  return qt::AskBox(BoxParent(), box);
+  UnloadSplash();  // it would lie over the box
+  if (!m_unloaded) return qt::AskBox(BoxParent(), box);
+  // The window is gone, and with it the time for questions.
+  fmt::print(stderr, "sandrel: {}\n", box.Text);
+  return box.Choice == Buttons::Ok      ? Answer::Ok
+         : box.Choice == Buttons::YesNo ? Answer::No
+                                        : Answer::Ignore;
 }
 
 Answer frmSandrel::ReportError(std::int32_t number, std::string_view description,
                                std::string_view source, std::string_view method) {
-  UnloadSplash();
   return Ask({ErrorBoxText(number, description, source, method), "Sandrel Error Message",
               Buttons::AbortRetryIgnore, BoxIcon::Critical});
 }
 
 std::string frmSandrel::ChooseFile(const FileDialog& dialog) {
+  UnloadSplash();
   return qt::ChooseFile(BoxParent(), dialog);
 }
 
@@ -237,8 +277,17 @@ void frmSandrel::OpenAnalysis(const std::string& path) {
   m_browser.Command("frmSandrel.OpenAnalysis", [&] { m_browser.Open(path); });
 }
 
+// The end of an aborted command: nothing is asked any more.
 void frmSandrel::Unload() {
   m_controls.SysTray.SetInTray(false);
+  if (State.Scanning) {
+    State.CloseDown = true;  // the scan's end unloads again
+    m_snapshots.CancelScan();
+    return;
+  }
+  if (!m_unloaded && !m_notes.empty()) {
+    Ask({std::exchange(m_notes, {}), "Sandrel Manager", Buttons::Ok, BoxIcon::Information});
+  }
   Form_Unload();
 }
 

@@ -4,6 +4,7 @@
 
 #include <QMainWindow>
 #include <array>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -13,6 +14,7 @@
 #include "common/clsShell.h"
 #include "config/clsHome.h"
 #include "config/clsSettings.h"
+#include "export/clsExportCommands.h"
 #include "platform/process/clsWindowList.h"
 #include "shell/clsCommandState.h"
 #include "snapshot/clsAnalysis.h"
@@ -86,6 +88,8 @@ class frmSandrel final : public QMainWindow, public clsShell {
   // frmSandrel.cpp
   void MakeControls();
   void SetCommands();
+  void SetExportCommands();
+  void SnapshotCommand(const std::function<void()>& command);
   void Form_Resize();
   void ShowNotes();
   QWidget* BoxParent();
@@ -108,7 +112,9 @@ class frmSandrel final : public QMainWindow, public clsShell {
   void RestoreForm();
   void mnuSysTrayPopupExit_Click();
   // frmSandrelMachine.cpp
-  void OpenMachine();
+  std::string MachineToOpen();
+  std::shared_ptr<clsMachine> OpenMachine();
+  void ForgetMachine();
   void mnuSettingsMachine_Click();
 
   clsSettings& m_settings;
@@ -119,6 +125,7 @@ class frmSandrel final : public QMainWindow, public clsShell {
   clsSnapshots m_snapshots;
   clsAnalysis m_analysis;
   clsAnalysisBrowser m_browser;
+  clsExportCommands m_export;
   clsCommandState m_commandState;
 
   QWidget* m_client = nullptr;  // what the layout divides

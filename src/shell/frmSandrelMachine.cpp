@@ -26,30 +26,36 @@ std::string NamingVariable() {
 
 }  // namespace
 
-// Looked for anew before each snapshot: a volume may have been mounted meanwhile. Without one the
-// window is there for viewing analyses, and the snapshot commands tell what is missing.
-void frmSandrel::OpenMachine() {
-  std::shared_ptr<clsMachine> machine;
+std::string frmSandrel::MachineToOpen() {
+  return m_machineFolder.empty() ? MachineFolder(m_options.Machine, m_settings) : m_machineFolder;
+}
+
+// Raises what is missing. The window is there without a machine, for viewing analyses.
+std::shared_ptr<clsMachine> frmSandrel::OpenMachine() {
   try {
-    machine = clsMachine::Open(
-        m_machineFolder.empty() ? MachineFolder(m_options.Machine, m_settings) : m_machineFolder);
-  } catch (const clsError&) {
+    auto machine = clsMachine::Open(MachineToOpen());
+    m_analysis.SetMachine(machine);
+    return machine;
+  } catch (const clsError& error) {
+    throw error.WithDescription(error.Description() +
+                                "\n\nChoose another one with Machine... in the Settings menu.");
   }
-  m_snapshots.SetMachine(machine);
-  m_analysis.SetMachine(machine);
+}
+
+// Every snapshot command looks for it anew: a volume may have been mounted meanwhile.
+void frmSandrel::ForgetMachine() {
+  m_snapshots.SetMachine(nullptr);
+  m_analysis.SetMachine(nullptr);
 }
 
 void frmSandrel::mnuSettingsMachine_Click() {
   m_browser.Command("frmSandrel.mnuSettingsMachine", [this] {
-    const std::string current =
-        m_machineFolder.empty() ? MachineFolder(m_options.Machine, m_settings) : m_machineFolder;
     const std::string folder =
-        qt::ChooseFolder(BoxParent(), "Choose the machine to look at", current);
+        qt::ChooseFolder(BoxParent(), "Choose the machine to look at", MachineToOpen());
     if (folder.empty()) return;
     const auto machine = clsMachine::Open(folder);  // raises what to choose
     m_machineFolder = machine->Folder();
     m_settings.SaveSetting("Machine", "Folder", m_machineFolder);
-    OpenMachine();
     SetStatusText(fmt::format("Looking at {} ({})", m_machineFolder, KindText(*machine)));
     if (const std::string variable = NamingVariable(); !variable.empty()) {
       Tell(

@@ -2,8 +2,9 @@
 #include <fmt/format.h>
 
 #include <QApplication>
+#include <QLayout>
 #include <QScreen>
-#include <QWindow>
+#include <algorithm>
 
 #include "common/clsFileWorks.h"
 #include "common/text.h"
@@ -48,10 +49,11 @@ void frmSandrel::Form_Load() {
         m_controls.SysTray.SetTip(m_controls.Caption());
         run([&] { ShowInTrayOrOnScreen(); });
         run([&] { DoEvents(false); });
+        if (m_unloaded) return;
         run([&] { m_controls.DeletesWorkspace = dao::DBEngine::CreateWorkspace("Deletes"); });
-        run([&] { OpenMachine(); });
         bool checkBeforeSnapshot = false;
         run([&] { ReopenLast(checkBeforeSnapshot); });
+        if (m_unloaded) return;
         if (checkBeforeSnapshot) run([&] { AskForBefore(); });
         if (m_unloaded) return;
         run([&] { m_snapshots.ShowLastBeforeSnapshot(); });
@@ -85,6 +87,7 @@ void frmSandrel::UnloadSplash() {
 void frmSandrel::ShowInTrayOrOnScreen() {
   MenuItem& item = m_controls.Menus["mnuSettingsSystray"];
   item.SetChecked(text::ReadBoolean(m_settings.GetSetting("Enabled", "Systray"), false));
+  m_controls.SysTray.Look();
   item.SetEnabled(m_controls.SysTray.Available);
   m_controls.SysTray.SetInTray(item.Checked());
   if (m_controls.SysTray.InTray()) return;
@@ -120,7 +123,9 @@ void frmSandrel::AskForBefore() {
 void frmSandrel::LoadWindowPlacement() {
   const auto number = [this](const char* key, double fallback) {
     const std::string stored = m_settings.GetSetting(Section, key);
-    return qt::ToPixels(static_cast<int>(stored.empty() ? fallback : text::Val(stored)));
+    constexpr double Most = 1e6;
+    const double twips = stored.empty() ? fallback : text::Val(stored);
+    return qt::ToPixels(static_cast<int>(std::clamp(twips, -Most, Most)));
   };
   const int state = static_cast<int>(text::Val(m_settings.GetSetting(Section, "WindowState")));
   const QRect screen = QApplication::primaryScreen()->availableGeometry();
@@ -130,8 +135,8 @@ void frmSandrel::LoadWindowPlacement() {
   if (state != Normal) size = screen.size() * 0.8;
   resize(size.expandedTo({200, 100}));
   if (state == Normal) {
-    const double left = (screenWidth - qt::ToTwips(width())) / 2;
-    const double top = (screenHeight - qt::ToTwips(height())) / 2;
+    const double left = qt::ToTwips(screen.x()) + (screenWidth - qt::ToTwips(width())) / 2;
+    const double top = qt::ToTwips(screen.y()) + (screenHeight - qt::ToTwips(height())) / 2;
     move(number("Left", left), number("Top", top));
     // The screen that it stood on may be gone.
     if (QApplication::screenAt(geometry().center()) == nullptr) {
@@ -141,8 +146,10 @@ void frmSandrel::LoadWindowPlacement() {
     setWindowState(state == Maximized ? Qt::WindowMaximized : Qt::WindowMinimized);
   }
   const std::string split = m_settings.GetSetting(Section, "SplitPos");
-  m_controls.treeView.Width =
-      split.empty() ? qt::ToTwips(width()) / 4 : static_cast<int>(text::Val(split));
+  m_controls.treeView.Width = split.empty()
+                                  ? qt::ToTwips(width()) / 4
+                                  : static_cast<int>(std::clamp(text::Val(split), 0.0, 1e6));
+  layout()->activate();  // the pages' columns need the room before the window shows
   Form_Resize();
 }
 
@@ -168,6 +175,7 @@ bool frmSandrel::Form_Unload() {
   if (m_unloaded) return false;
   if (m_unloading) return true;
   if (m_loaded) {
+    m_controls.SysTray.Look();
     if (m_controls.SysTray.InTray()) {
       hide();
       return true;
@@ -196,6 +204,7 @@ void frmSandrel::TearDown() {
         run([&] { CommitPendingDeletes(); });
         m_controls.DeletesWorkspace.reset();
         run([&] { m_browser.SaveLayout(); });
+        State.AnalysisPath.clear();  // pages that are being loaded stop here
         try {
           SaveWindowPlacement();
         } catch (const clsError&) {

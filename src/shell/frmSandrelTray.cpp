@@ -27,9 +27,10 @@ void frmSandrel::SetTrayEvents() {
 
 void frmSandrel::mnuSettingsSystray_Click() {
   MenuItem& item = m_controls.Menus["mnuSettingsSystray"];
-  item.SetChecked(!item.Checked());
-  m_controls.SysTray.SetInTray(item.Checked());
-  m_settings.SaveSetting("Enabled", "Systray", text::BooleanText(item.Checked()));
+  const bool inTray = !item.Checked();
+  m_settings.SaveSetting("Enabled", "Systray", text::BooleanText(inTray));
+  item.SetChecked(inTray);
+  m_controls.SysTray.SetInTray(inTray);
 }
 
 void frmSandrel::SysTray_MouseDown(int button) {

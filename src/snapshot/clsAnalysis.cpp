@@ -167,6 +167,7 @@ bool clsAnalysis::CreateViews(const std::string& ViewPath) {
   bool complete = false;
   clsStatements run(m_shell, "frmSandrel.CreateViews");
   m_targetTouched = false;
+  m_complete = false;
   run.Command(
       [&] {
         std::optional<clsHomeLock> lock;
@@ -193,15 +194,12 @@ bool clsAnalysis::CreateViews(const std::string& ViewPath) {
         run([&] { m_shell.DoEvents(false); });
         Create(run);
         if (!state.CloseDown) run([&] { m_shell.SetProgress(0); });
-        complete = state.Scanning;
+        complete = m_complete;
         if (complete) {
           run([&] { m_shell.SetStatusText("Analysis Created"); });
         } else {
           if (!state.CloseDown) run([&] { m_shell.SetStatusText("Scan Stopped"); });
-          // The stop may come while the finished file is being opened.
-          const std::string partial = state.AnalysisPath;
-          run([&] { m_shell.CloseAnalysis(); });
-          if (m_targetTouched) run([&] { clsTableMaint().DeleteDatabase(partial); });
+          if (m_targetTouched) run([&] { clsTableMaint().DeleteDatabase(state.AnalysisPath); });
           state.AnalysisPath.clear();
         }
         state.Scanning = false;
@@ -215,9 +213,9 @@ bool clsAnalysis::CreateViews(const std::string& ViewPath) {
         }
       },
       [&] {
-        complete = false;
+        complete = m_complete;
         state.Scanning = false;
-        if (!m_targetTouched) return;
+        if (m_complete || !m_targetTouched) return;
         try {
           clsTableMaint().DeleteDatabase(state.AnalysisPath);
         } catch (const clsError& error) {
@@ -256,6 +254,8 @@ void clsAnalysis::Create(clsStatements& run) {
                     [&] { WriteStatsReport(Need(stats), m_settings, *m_machine, m_home.Path()); });
     });
   }
+  // The file is complete. A stop that comes while it is shown is too late to cost it.
+  m_complete = true;
   run([&] { m_shell.OpenAnalysis(state.AnalysisPath); });
 }
 

@@ -74,6 +74,7 @@ class clsAnalysis {
   clsSettings& m_settings;
   const clsHome& m_home;
   std::shared_ptr<clsMachine> m_machine;
+  bool m_complete = false;       // the running command has written all of the analysis
   bool m_targetTouched = false;  // the running command has begun to write the analysis file
 };
 

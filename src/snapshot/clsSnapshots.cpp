@@ -63,6 +63,7 @@ clsScanContext clsSnapshots::Context() {
 // A command begins: what is missing for it is told before anything is changed.
 bool clsSnapshots::NeedMachine(clsStatements& run) {
   run([&] {
+    if (m_machine == nullptr && FindMachine) m_machine = FindMachine();
     if (m_machine != nullptr) return;
     throw clsError(
         errnum::Machine,
@@ -180,7 +181,11 @@ void clsSnapshots::BeginScan(clsStatements& run) {
 
 void clsSnapshots::EndScan(clsStatements& run) {
   m_shell.State.Scanning = false;
-  if (m_shell.State.CloseDown) return;
+  if (m_shell.State.CloseDown) {
+    // The scanner's own answer may not have come, as when its walk ended by an error.
+    m_shell.Unload();
+    return;
+  }
   run([&] { m_shell.UpdateCommandState(); });
   run([&] { m_shell.SetMousePointer(pointer::Default); });
 }
@@ -284,7 +289,6 @@ void clsSnapshots::DropAfterTables() {
 
 void clsSnapshots::ScanDisk(clsStatements& run, const Tables& tables, bool storeDrive) {
   if (!clsScanSettings(m_settings).DiskScan() || !m_shell.State.Scanning) return;
-  clsScanContext context = Context();
   for (int i = 1;; ++i) {
     std::string folder;
     run([&] { folder = m_settings.GetSetting("ScanFolders", fmt::to_string(i)); });
@@ -300,24 +304,32 @@ void clsSnapshots::ScanDisk(clsStatements& run, const Tables& tables, bool store
       run([&] { m_settings.SaveSetting("ScanFolders", "1", folder); });
     }
     if (folder.empty()) return;
-    moDriveScan = std::make_unique<clsScanDrive>(context);
-    moDriveScan->PercentComplete = [this](int percent) { m_shell.SetProgress(percent); };
-    moDriveScan->AckCancel = [this] { AcknowledgeCancel(); };
-    run([&] { m_shell.SetProgress(0); });
-    run([&] { m_shell.SetStatusText("Scanning Folder " + folder + "..."); });
-    folder = clsPathText::NormaliseFolder(folder);
-    moDriveScan->Database = m_home.WorkingDatabase();
-    moDriveScan->PathTable = "tblPaths";
-    moDriveScan->FileTable = tables.Files;
-    moDriveScan->FirstFileTable = tables.FirstFiles;
-    moDriveScan->IniSectionTable = "tblIniSections";
-    moDriveScan->IniValueTable = tables.IniValues;
-    moDriveScan->Durability = tables.Durability;
-    run([&] { moDriveScan->StartDBTransaction(false); });
-    run([&] { moDriveScan->DoXTreeFiles(clsPathText::AddSeparator(folder)); });
-    run([&] { moDriveScan->CommitDBTransaction(false); });
-    moDriveScan.reset();
+    ScanFolder(run, tables, folder);
   }
+}
+
+void clsSnapshots::ScanFolder(clsStatements& run, const Tables& tables, const std::string& folder) {
+  clsScanContext context = Context();
+  moDriveScan = std::make_unique<clsScanDrive>(context);
+  moDriveScan->PercentComplete = [this](int percent) { m_shell.SetProgress(percent); };
+  moDriveScan->AckCancel = [this] { AcknowledgeCancel(); };
+  run([&] { m_shell.SetProgress(0); });
+  run([&] { m_shell.SetStatusText("Scanning Folder " + folder + "..."); });
+  moDriveScan->Database = m_home.WorkingDatabase();
+  moDriveScan->PathTable = "tblPaths";
+  moDriveScan->FileTable = tables.Files;
+  moDriveScan->FirstFileTable = tables.FirstFiles;
+  moDriveScan->IniSectionTable = "tblIniSections";
+  moDriveScan->IniValueTable = tables.IniValues;
+  moDriveScan->Durability = tables.Durability;
+  // Every folder of the list gets its scanner; after a stop its walk ends at once.
+  if (!m_shell.State.Scanning) moDriveScan->Cancel();
+  run([&] { moDriveScan->StartDBTransaction(false); });
+  const std::string root = clsPathText::AddSeparator(clsPathText::NormaliseFolder(folder));
+  run([&] { moDriveScan->DoXTreeFiles(root); });
+  run([&] { moDriveScan->CommitDBTransaction(false); });
+  if (moDriveScan->IsCancelled() && m_shell.State.Scanning) AcknowledgeCancel();
+  moDriveScan.reset();
 }
 
 void clsSnapshots::ScanRegistry(clsStatements& run, const Tables& tables) {
@@ -333,6 +345,7 @@ void clsSnapshots::ScanRegistry(clsStatements& run, const Tables& tables) {
   run([&] { moRegScan->StartDBTransaction(); });
   ScanRegistryHives(run);
   run([&] { moRegScan->CommitDBTransaction(); });
+  if (moRegScan->IsCancelled() && m_shell.State.Scanning) AcknowledgeCancel();
   moRegScan.reset();
 }
 
@@ -396,6 +409,11 @@ bool clsSnapshots::ConfirmCancelScan() {
       Answer::Yes) {
     return false;
   }
+  CancelScan();
+  return true;
+}
+
+void clsSnapshots::CancelScan() {
   m_shell.SetStatusText("Stopping scan. Please wait...");
   if (moDriveScan != nullptr) {
     moDriveScan->Cancel();
@@ -404,7 +422,6 @@ bool clsSnapshots::ConfirmCancelScan() {
   } else {
     m_shell.State.Scanning = false;
   }
-  return true;
 }
 
 void clsSnapshots::AcknowledgeCancel() {
@@ -441,22 +458,37 @@ void clsSnapshots::StoreMachine(const char* which, const std::string& folder) {
 }
 
 void clsSnapshots::mnuSnapShotRollUp_Click() {
+  clsStatements run(m_shell, "frmSandrel.mnuSnapShotRollUp");
+  run.Command(
+      [&] {
+        bool replaced = false;
+        run([&] {
+          ReplaceBefore();
+          replaced = true;
+        });
+        if (!replaced) return;
+        run([&] { m_shell.UpdateCommandState(); });
+        run([&] {
+          m_settings.SaveSetting(TimeSection, "Before",
+                                 m_settings.GetSetting(TimeSection, "After"));
+        });
+        run([&] { StoreMachine("Before", SnapshotMachine("After")); });
+        run([&] { ShowLastBeforeSnapshot(); });
+      },
+      [] {});
+}
+
+void clsSnapshots::ReplaceBefore() {
   const clsHomeLock lock(m_home);
-  {
-    const auto workspace = dao::DBEngine::CreateWorkspace("RollUp");
-    const auto database = workspace->OpenDatabase(m_home.WorkingDatabase());
-    workspace->BeginTrans();
-    dao::TableDefs tables = database->TableDefs();
-    for (const char* table : {"tblFiles", "tblRegValue", "tblIniValues"}) {
-      tables.Delete(table);
-      tables.Rename(std::string(table) + "2", table);
-    }
-    workspace->CommitTrans();
+  const auto workspace = dao::DBEngine::CreateWorkspace("RollUp");
+  const auto database = workspace->OpenDatabase(m_home.WorkingDatabase());
+  workspace->BeginTrans();
+  dao::TableDefs tables = database->TableDefs();
+  for (const char* table : {"tblFiles", "tblRegValue", "tblIniValues"}) {
+    tables.Delete(table);
+    tables.Rename(std::string(table) + "2", table);
   }
-  m_shell.UpdateCommandState();
-  m_settings.SaveSetting(TimeSection, "Before", m_settings.GetSetting(TimeSection, "After"));
-  StoreMachine("Before", SnapshotMachine("After"));
-  ShowLastBeforeSnapshot();
+  workspace->CommitTrans();
 }
 
 void clsSnapshots::ShowLastBeforeSnapshot() {

@@ -34,6 +34,8 @@ class clsSnapshots {
 
   /// Looks at another machine from now on; null for none. Not while a command runs.
   void SetMachine(std::shared_ptr<clsMachine> machine) { m_machine = std::move(machine); }
+  /// Finds the machine for a command that has none; may raise what is missing.
+  std::function<std::shared_ptr<clsMachine>()> FindMachine;
 
   /// Which snapshots exist.
   SnapshotLevel GetSnapshotLevel() const { return ReadSnapshotLevel(m_home.WorkingDatabase()); }
@@ -46,7 +48,7 @@ class clsSnapshots {
   /// user refused to overwrite one, cancelled or aborted.
   bool AfterSnapshot();
 
-  /// Makes the After snapshot the Before snapshot, in one transaction. Raises what fails.
+  /// Makes the After snapshot the Before snapshot, in one transaction.
   void mnuSnapShotRollUp_Click();
 
   /// Shows the stored time of the Before snapshot.
@@ -54,6 +56,8 @@ class clsSnapshots {
 
   /// Asks whether the scan is to be cancelled and tells the running scanner. True for Yes.
   bool ConfirmCancelScan();
+  /// Tells the running scanner to stop, without asking.
+  void CancelScan();
 
   /// A hive of the registry scan by its number from 1 up; an empty name behind the last one.
   /// Another computer has only two.
@@ -78,12 +82,14 @@ class clsSnapshots {
   void Before(clsStatements& run, std::optional<clsHomeLock>& lock);
   bool After(clsStatements& run, std::optional<clsHomeLock>& lock);
   void CheckHives();
+  void ScanFolder(clsStatements& run, const Tables& tables, const std::string& folder);
   void ScanDisk(clsStatements& run, const Tables& tables, bool storeDrive);
   void ScanRegistry(clsStatements& run, const Tables& tables);
   void ScanRegistryHives(clsStatements& run);
   void WaitForServer(clsMachine& machine);
   void MakeTables(clsStatements& run, std::initializer_list<std::function<void()>> creators);
   void EndScans();
+  void ReplaceBefore();
   void DropAfterTables();
   void DiscardBefore();
   void DiscardAfter();

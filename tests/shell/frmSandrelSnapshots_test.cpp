@@ -248,8 +248,9 @@ TEST_F(frmSandrelSnapshotsTest, WithoutAMachineTheCommandTellsWhatIsMissing) {
   m_boxes.Buttons = {"Ignore"};
   PressButton("BeforeSnapshot");
   ASSERT_EQ(m_boxes.Log.size(), 1U);
-  EXPECT_NE(m_boxes.Log[0].find("There is no machine to look at. Choose one with Machine..."),
+  EXPECT_NE(m_boxes.Log[0].find("There is no Windows machine in " + m_sample.Folder()),
             std::string::npos);
+  EXPECT_NE(m_boxes.Log[0].find("Machine... in the Settings menu"), std::string::npos);
   EXPECT_FALSE(HasBefore());
   EXPECT_EQ(Commands(), "Before Menus");
   m_boxes.Files = {other.Folder()};

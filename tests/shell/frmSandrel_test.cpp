@@ -171,7 +171,7 @@ TEST_F(frmSandrelTest, TreeAndListsTakeTheRoomOfHiddenBars) {
 class frmSandrelTrayTest : public frmSandrelTest {
  protected:
   frmSandrelTrayTest() {
-    OnMade = [this] { Controls().SysTray.Available = true; };
+    OnMade = [this] { Controls().SysTray.LookForTray = [] { return true; }; };
     m_settings.SaveSetting("Enabled", "Systray", "True");
   }
   void Gesture(QSystemTrayIcon::ActivationReason reason) {
@@ -252,7 +252,7 @@ TEST_F(frmSandrelTrayTest, ExitAsksWhileAScanRunsInTheTray) {
 }
 
 TEST_F(frmSandrelTrayTest, WithoutATrayTheWindowShows) {
-  OnMade = [this] { Controls().SysTray.Available = false; };
+  OnMade = [this] { Controls().SysTray.LookForTray = [] { return false; }; };
   StartUntitled();
   EXPECT_TRUE(m_form->isVisible());
   EXPECT_FALSE(InTray());

@@ -62,6 +62,13 @@ class SysTray {
  public:
   /// False where the desktop has no tray: the icon then never shows.
   bool Available = false;
+  /// Tells whether the desktop has a tray now: panels come and go.
+  std::function<bool()> LookForTray;
+  /// Brings `Available` up to date; an icon that has no tray any more is out of it.
+  void Look() {
+    if (LookForTray) Available = LookForTray();
+    if (!Available) SetInTray(false);
+  }
 
   bool InTray() const { return m_inTray; }
   void SetInTray(bool inTray) { Set(m_inTray, inTray && Available); }

@@ -8,7 +8,8 @@ namespace sandrel {
 
 clsTrayIcon::clsTrayIcon(SysTray& model, QObject* parent)
     : QSystemTrayIcon(icons::Window(), parent), m_model(model) {
-  model.Available = isSystemTrayAvailable();
+  model.LookForTray = isSystemTrayAvailable;
+  model.Look();
   connect(this, &QSystemTrayIcon::activated, this, &clsTrayIcon::Activated);
   Follow();
   model.Changed = [held = QPointer<clsTrayIcon>(this)] {
