@@ -49,6 +49,8 @@ class frmSandrel final : public QMainWindow, public clsShell {
 
   /// Brings the program up. It may ask and run a snapshot before it returns.
   void Form_Load();
+  /// Makes final and stores what the end of the program would; the program goes on.
+  void Save();
   /// True when the window is gone for good: the program is to end.
   bool IsUnloaded() const { return m_unloaded; }
 

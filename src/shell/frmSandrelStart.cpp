@@ -198,13 +198,17 @@ bool frmSandrel::Form_Unload() {
 }
 
 void frmSandrel::TearDown() {
+  Save();
+  m_controls.DeletesWorkspace.reset();
+  State.AnalysisPath.clear();  // pages that are being loaded stop here
+}
+
+void frmSandrel::Save() {
   clsStatements run(*this, "frmSandrel.Form_Unload");
   run.Command(
       [&] {
         run([&] { CommitPendingDeletes(); });
-        m_controls.DeletesWorkspace.reset();
         run([&] { m_browser.SaveLayout(); });
-        State.AnalysisPath.clear();  // pages that are being loaded stop here
         try {
           SaveWindowPlacement();
         } catch (const clsError&) {

@@ -15,6 +15,7 @@
 #include "platform/process/clsInstanceLock.h"
 #include "platform/process/clsTopWindows.h"
 #include "platform/process/modDisplay.h"
+#include "platform/qt/clsTermination.h"
 #include "shell/frmSandrel.h"
 
 #ifndef SANDREL_VERSION
@@ -92,6 +93,7 @@ int Run(int argc, char** argv) {
   arguments.Start.PrevInstance = instance.PrevInstance();
   sandrel::clsTopWindows windows;
   sandrel::frmSandrel form(settings, home, windows, arguments.Start);
+  const sandrel::clsTermination termination([&form] { form.Unload(); }, [&form] { form.Save(); });
   form.Form_Load();
   return form.IsUnloaded() ? 0 : QApplication::exec();
 }

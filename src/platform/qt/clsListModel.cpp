@@ -27,6 +27,18 @@ int clsListModel::rowCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : m_rows;
 }
 
+namespace {
+
+// What a picture tells beside the kind of thing: "new", "changed" or "deleted".
+QString StateOf(std::string_view key) {
+  for (const char* state : {"new", "changed", "deleted"}) {
+    if (key.starts_with(state)) return state;
+  }
+  return {};
+}
+
+}  // namespace
+
 int clsListModel::columnCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : m_columns;
 }
@@ -49,6 +61,10 @@ QVariant clsListModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::DecorationRole && column == 0) {
     const std::size_t icon = static_cast<std::size_t>(m_list.SmallIcon(row));
     if (icon < ImageKeys.size()) return icons::Image(ImageKeys[icon]);
+  }
+  if (role == Qt::AccessibleDescriptionRole && column == 0) {
+    const std::size_t icon = static_cast<std::size_t>(m_list.SmallIcon(row));
+    if (icon < ImageKeys.size()) return StateOf(ImageKeys[icon]);
   }
   return {};
 }

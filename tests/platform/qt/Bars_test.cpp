@@ -99,7 +99,7 @@ TEST(clsTrayIcon, RaisesItsGestures) {
   clsTrayIcon icon(model, nullptr);
   for (const auto reason : {QSystemTrayIcon::Trigger, QSystemTrayIcon::DoubleClick,
                             QSystemTrayIcon::MiddleClick, QSystemTrayIcon::Context}) {
-    emit icon.activated(reason);
+    Q_EMIT icon.activated(reason);
   }
   EXPECT_EQ(raised, "restore restore 2 ");
   model.SetTip("Untitled - Sandrel");
