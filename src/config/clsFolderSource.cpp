@@ -74,6 +74,7 @@ class clsMachineFolders final : public clsFolderSource {
   std::vector<Root> Roots() override {
     std::vector<Root> roots;
     const std::vector<std::string> drives = m_machine->Drives();
+    roots.reserve(drives.size());
     for (const std::string& drive : drives) roots.push_back({drive, drive + '\\'});
     return roots;
   }

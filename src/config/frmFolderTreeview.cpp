@@ -79,7 +79,8 @@ class clsFolderModel final : public QAbstractItemModel {
     parent.Children.push_back(std::move(node));
   }
   const Node& Of(const QModelIndex& index) const {
-    return index.isValid() ? *static_cast<const Node*>(index.constInternalPointer()) : m_top;
+    const auto* const node = static_cast<const Node*>(index.constInternalPointer());
+    return node == nullptr ? m_top : *node;
   }
   QModelIndex IndexOf(const Node* node) const {
     return node == &m_top ? QModelIndex() : createIndex(node->Row, 0, node);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <chrono>
+#include <cmath>
 #include <filesystem>
 #include <memory>
 
@@ -148,7 +149,7 @@ void clsSandrelFileCopy::TellTime(std::int64_t bytes, double seconds, std::int64
   totalBytes -= bytes;
   if (seconds <= 0 || bytes <= 0) return;
   const double speed = static_cast<double>(bytes) / seconds;
-  const auto remaining = static_cast<std::int64_t>(static_cast<double>(totalBytes) / speed + 0.5);
+  const std::int64_t remaining = std::llround(static_cast<double>(totalBytes) / speed);
   if (remaining <= 0 || (m_lowestTime > 0 && remaining >= m_lowestTime)) return;
   m_lowestTime = remaining;
   m_progress.SetMessage(fmt::format("Time Remaining: {}", remaining));

@@ -15,7 +15,7 @@ class clsListSelection;
 /// Shows a ListView and raises its events. What the user does reaches the list first, its events
 /// after: `ItemClick` once for each click or key that changed the selection or the focus. The list
 /// must outlive the widget, which is its observer. Half a million rows are no burden.
-class clsListWidget : public QTreeView, private ListViewObserver {
+class clsListWidget final : public QTreeView, private ListViewObserver {
   Q_OBJECT
 
  public:

@@ -12,7 +12,7 @@ class clsTreeModel;
 
 /// Shows a TreeView and raises its events. What the user does reaches the tree first, its events
 /// after. The tree must outlive the widget, which is its observer.
-class clsTreeWidget : public QTreeView, private TreeViewObserver {
+class clsTreeWidget final : public QTreeView, private TreeViewObserver {
   Q_OBJECT
 
  public:
