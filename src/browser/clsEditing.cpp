@@ -50,7 +50,12 @@ clsEditing::clsEditing(clsShell& shell, clsMainControls& controls, clsPages& pag
 
 void clsEditing::CommitPendingDeletes() {
   if (m_controls.PendingDeletes) {
-    Need(m_controls.DeletesWorkspace).CommitTrans();
+    try {
+      Need(m_controls.DeletesWorkspace).CommitTrans();
+    } catch (const clsError& error) {
+      if (error.RolledBack()) m_controls.PendingDeletes = false;
+      throw;
+    }
     m_controls.PendingDeletes = false;
   }
   m_shell.UpdateCommandState();
@@ -154,6 +159,7 @@ std::vector<RowKey> clsEditing::DeleteRecords(const ListView& list, clsStatement
         // The store undid all deletes of this command by itself.
         if (error.RolledBack()) {
           m_controls.PendingDeletes = false;
+          m_controls.DeletesWorkspace->Rollback();  // so that the next delete can begin one
           removed.clear();
         }
         throw;
@@ -214,7 +220,7 @@ void clsEditing::SelectNodeOrBranch(const std::string& key) {
 
 void clsEditing::mnuEditUndo_Click() {
   if (!m_controls.PendingDeletes) return;
-  m_shell.SetMousePointer(pointer::Hourglass);
+  const clsPointerGuard pointer(m_shell, pointer::Hourglass);
   Need(m_controls.DeletesWorkspace).Rollback();
   m_controls.PendingDeletes = false;
   const Node* const selected = m_controls.treeView.SelectedItem();
@@ -230,7 +236,6 @@ void clsEditing::mnuEditUndo_Click() {
     m_controls.FormReady = ready;
   }
   m_tree.ShowNode(m_controls.treeView.Item(key));
-  m_shell.RestorePointer();
   m_shell.UpdateCommandState();
 }
 
