@@ -49,14 +49,15 @@ void clsExportCommands::AddEntry(const ListView& list, std::size_t row, bool has
 }
 
 void clsExportCommands::mnuFileExportToRegFile_Click() {
-  m_shell.SetMousePointer(pointer::Hourglass);
-  int source = 0;
-  const std::vector<std::size_t> rows = SelectedSourceRows(source);
   clsRegExport registry;
-  for (const std::size_t row : rows) {
-    AddEntry(m_controls.List(source), row, source == page::ChangedRegistry, registry.RegEntrys);
+  {
+    const clsPointerGuard pointer(m_shell, pointer::Hourglass);
+    int source = 0;
+    const std::vector<std::size_t> rows = SelectedSourceRows(source);
+    for (const std::size_t row : rows) {
+      AddEntry(m_controls.List(source), row, source == page::ChangedRegistry, registry.RegEntrys);
+    }
   }
-  m_shell.RestorePointer();
   if (registry.RegEntrys.Count() == 0) return;
   const std::string file = m_analysis.SaveDialog("Export To Registry File", "reg",
                                                  "Registry File *.reg|*.reg|All Files *.*|*.*");
@@ -68,10 +69,11 @@ void clsExportCommands::mnuFileExportToRegFile_Click() {
                    "Confirmation Required", Buttons::YesNo, BoxIcon::None}) != Answer::Yes) {
     return;
   }
-  m_shell.SetMousePointer(pointer::Hourglass);
-  registry.DoEvents = [this] { m_shell.DoEvents(); };
-  registry.WriteFile(file);
-  m_shell.RestorePointer();
+  {
+    const clsPointerGuard pointer(m_shell, pointer::Hourglass);
+    registry.DoEvents = [this] { m_shell.DoEvents(); };
+    registry.WriteFile(file);
+  }
   if (registry.Lost() > 0) {
     m_shell.Tell(
         fmt::format("{} character(s) can't stand in a registry file, which is written in "
