@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "common/clsShell.h"
+#include "config/frmFolderTreeview.h"
 
 namespace sandrel::test {
 
@@ -25,11 +26,12 @@ class BoxAnswerer {
     m_timer.start();
   }
 
-  /// Every box that came up: "title|text"; of a file dialog "title|proposed name".
+  /// Every box that came up: "title|text"; of a file dialog "title|proposed name", of a folder's
+  /// "title".
   std::vector<std::string> Log;
   /// The button texts (without "&") of the next boxes; used up, the default button is pressed.
   std::deque<std::string> Buttons;
-  /// What the next file dialogs are given; empty cancels. Used up, they are cancelled.
+  /// What the next file and folder dialogs are given; empty cancels. Used up, they are cancelled.
   std::deque<std::string> Files;
   /// Called with each box before it is answered, to look at it.
   std::function<void(QWidget& box)> OnBox;
@@ -52,6 +54,7 @@ class BoxAnswerer {
     if (OnBox) OnBox(*box);
     if (auto* const message = qobject_cast<QMessageBox*>(box)) AnswerBox(*message);
     if (auto* const dialog = qobject_cast<QFileDialog*>(box)) AnswerDialog(*dialog);
+    if (auto* const picker = dynamic_cast<frmFolderTreeview*>(box)) AnswerPicker(*picker);
   }
 
   void AnswerBox(QMessageBox& box) {
@@ -82,6 +85,15 @@ class BoxAnswerer {
     name->setText(QString::fromStdString(Files.front()));
     Files.pop_front();
     QMetaObject::invokeMethod(&dialog, "accept");
+  }
+
+  void AnswerPicker(frmFolderTreeview& picker) {
+    Log.push_back(picker.windowTitle().toStdString());
+    const std::string folder = Files.empty() ? "" : Files.front();
+    if (!Files.empty()) Files.pop_front();
+    if (folder.empty()) return picker.reject();
+    picker.SetFolder(folder);
+    picker.accept();
   }
 
   QTimer m_timer;
