@@ -75,6 +75,21 @@ class clsPrintDevice {
   virtual void NewPage() = 0;
   /// Empties a picture.
   virtual void Cls() = 0;
+  /// Gives a picture another size, in inches. Neither of the two is called for a printer.
+  virtual void SetSize(double width, double height) = 0;
+};
+
+/// Puts the device's unit back.
+class clsScaleModeGuard {
+ public:
+  explicit clsScaleModeGuard(clsPrintDevice& device) : m_device(device), m_mode(device.Mode) {}
+  ~clsScaleModeGuard() { m_device.Mode = m_mode; }
+  clsScaleModeGuard(const clsScaleModeGuard&) = delete;
+  clsScaleModeGuard& operator=(const clsScaleModeGuard&) = delete;
+
+ private:
+  clsPrintDevice& m_device;
+  ScaleMode m_mode;
 };
 
 /// The pictures of a preview; number 0 is always there.
@@ -82,7 +97,7 @@ class clsPictures {
  public:
   virtual ~clsPictures() = default;
   virtual clsPrintDevice& Item(int index) = 0;
-  /// Makes another picture like number 0; nothing when there is one.
+  /// Makes another picture of the size and font of number 0; nothing when there is one.
   virtual void Load(int index) = 0;
 };
 
