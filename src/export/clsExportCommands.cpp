@@ -115,6 +115,7 @@ void clsExportCommands::mnuFileExportFiles_Click() {
       ++deleted;
       continue;
     }
+    if (list.Cell(row, 1).empty()) continue;  // a folder's own record
     files.push_back(clsPathText::AddSeparator(list.Text(row)) + std::string(list.Cell(row, 1)));
     std::error_code ignored;
     if (const auto host = machine->HostPath(files.back())) {
