@@ -206,6 +206,7 @@ void clsAnalysisBrowser::LoadAllpages() {
   const std::string key = selected->Key();
   const std::string tag = m_controls.PageTag();
   const std::string path = m_shell.State.AnalysisPath;
+  const clsFlag busy(m_shell.State.Busy, true);
   const clsFlag loading(m_loading, true);
   clsStatements run(m_shell, "frmSandrel.LoadAllpages", [](const clsError& error) {
     return "Error Loading Pages - " + error.Description();
