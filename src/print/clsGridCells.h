@@ -4,19 +4,9 @@
 #include <string_view>
 #include <vector>
 
-#include "common/clsError.h"
 #include "platform/controls/TextPool.h"
 
 namespace sandrel {
-
-namespace errnum {
-/// A cell beyond the grid's limits.
-inline constexpr std::int32_t SubscriptOutOfRange = 9;
-/// The device can't tell the height of a line.
-inline constexpr std::int32_t PrintMetrics = UserBase + 14012;
-/// The paper, or what its margins leave of it, has no room for a column.
-inline constexpr std::int32_t PageTooSmall = UserBase + 14013;
-}  // namespace errnum
 
 class clsGridCells {
  public:

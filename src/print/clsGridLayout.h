@@ -1,7 +1,7 @@
 // How wide the columns and how high the rows of a printed grid are on a device.
 #pragma once
 
-#include <utility>
+#include <string_view>
 #include <vector>
 
 #include "platform/printing/clsPrintDevice.h"
@@ -39,6 +39,9 @@ class clsGridLayout {
   /// Pixels, from column 1 and row 1 at 0, without the space round the texts.
   const std::vector<int>& Widths() const { return m_widths; }
   const std::vector<int>& Heights() const { return m_heights; }
+
+  /// The rectangle, from 1 and 1, that a text needs which may be `width` pixels wide.
+  static PrintRect SizeOf(std::string_view text, int width, clsPrintDevice& device);
 
  private:
   /// A text with every word on a line of its own.

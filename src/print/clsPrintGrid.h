@@ -10,6 +10,7 @@
 
 #include "config/clsSettings.h"
 #include "platform/printing/clsPrintDevice.h"
+#include "print/PrintErrors.h"
 #include "print/clsGridCells.h"
 #include "print/clsGridLayout.h"
 #include "print/clsGridPages.h"
@@ -83,7 +84,9 @@ class clsPrintGrid {
   PrintFont ScaledFont(double scaleFactor) const;
   bool Print(PrintArea& area, const clsPaper& paper, clsPrintDevice& device, clsPictures* pictures,
              double scaleFactor, PageRange range);
-  void Measure(clsPrintDevice& device, const GridScale& scale);
+  GridFrame FrameOf(PrintArea& area, const clsPaper& paper, clsPrintDevice& device,
+                    double scaleFactor) const;
+  void Measure(clsPrintDevice& device, double scaleFactor);
 
   clsSettings& m_settings;
   PrintFont m_storedFont;
