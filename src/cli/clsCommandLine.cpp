@@ -12,11 +12,11 @@
 #include "cli/clsPageWriter.h"
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
-#include "common/text.h"
 #include "config/clsHome.h"
 #include "config/clsSettings.h"
 #include "snapshot/clsAnalysis.h"
 #include "snapshot/clsSnapshots.h"
+#include "snapshot/modSettingsChange.h"
 
 #ifndef SANDREL_VERSION
 #define SANDREL_VERSION "0"
@@ -56,15 +56,12 @@ class clsCommands {
   std::shared_ptr<clsMachine> OpenMachine();
   std::string OpenMachineText();
   void PrintSection(const std::string& section);
-  bool MayChange(const std::string& section);
-  bool MayClearSnapshots();
   int Print(const std::string& line) const;
 
   const Arguments& m_arguments;
   clsCliShell m_shell;
   clsSettings m_settings;
   clsHome m_home;
-  bool m_clear = false;  // the user agreed to lose the snapshots
 };
 
 std::shared_ptr<clsMachine> clsCommands::OpenMachine() {
@@ -169,43 +166,18 @@ void clsCommands::PrintSection(const std::string& section) {
   }
 }
 
-// Snapshots taken under other scan settings can't be compared, so changing those clears them.
-bool clsCommands::MayChange(const std::string& section) {
-  bool scan = false;
-  for (const char* name : {"ScanFolders", "ExcludeFiles", "RegScan"}) {
-    scan = scan || text::EqualNoCase(section, name);
-  }
-  if (text::EqualNoCase(section, "Enabled")) {
-    scan = true;
-    for (const char* name : {"Statusbar", "Toolbar", "Systray"}) {
-      if (text::EqualNoCase(m_arguments.Key, name)) scan = false;
-    }
-  }
-  return !scan || ReadSnapshotLevel(m_home.WorkingDatabase()) == SnapshotLevel::None ||
-         MayClearSnapshots();
-}
-
-bool clsCommands::MayClearSnapshots() {
-  const char* which = ReadSnapshotLevel(m_home.WorkingDatabase()) == SnapshotLevel::Before
-                          ? "'Before' snapshot"
-                          : "'Before' and 'After' snapshots";
-  m_clear = m_shell.Ask({fmt::format("Your {} will become invalid and be cleared if you "
-                                     "continue.\n\nSave anyway?",
-                                     which),
-                         "Sandrel Manager", Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
-  return m_clear;
-}
-
 int clsCommands::Settings() {
   const std::string& section = m_arguments.Section;
   const std::string& key = m_arguments.Key;
   if (m_arguments.HasText) {
     const std::string absent("\x01", 1);
     if (m_settings.GetSetting(section, key, absent) == m_arguments.Text) return exitstatus::Done;
-    const clsHomeLock lock(m_home);  // no scan runs while what it reads is changed
-    if (!MayChange(section)) return m_shell.ExitStatus();
-    m_settings.SaveSetting(section, key, m_arguments.Text);
-    if (m_clear) clsTableMaint().DeleteDatabase(m_home.WorkingDatabase());
+    const auto save = [&] { m_settings.SaveSetting(section, key, m_arguments.Text); };
+    if (!IsScanSetting(section, key)) {
+      save();
+    } else if (!ChangeScanSettings(m_shell, m_settings, m_home, save)) {
+      return m_shell.ExitStatus();
+    }
   } else if (!key.empty()) {
     fmt::print("{}\n", m_settings.GetSetting(section, key));
   } else if (!section.empty()) {

@@ -255,22 +255,28 @@ std::string clsSettings::Format() const {
   return content;
 }
 
-void clsSettings::Together(const std::function<void()>& body) {
-  if (m_together) return body();
-  Write([&] {
-    m_together = true;
-    try {
-      body();
-    } catch (...) {
-      m_together = false;
-      throw;
-    }
-    m_together = false;
-  });
+void clsSettings::Together(const std::function<void()>& body, const std::function<void()>& then) {
+  if (m_together) {
+    body();
+    if (then) then();
+    return;
+  }
+  Write(
+      [&] {
+        m_together = true;
+        try {
+          body();
+        } catch (...) {
+          m_together = false;
+          throw;
+        }
+        m_together = false;
+      },
+      then);
 }
 
 template <class Change>
-void clsSettings::Write(Change&& change) {
+void clsSettings::Write(Change&& change, const std::function<void()>& then) {
   if (m_together) {
     change();
     return;
@@ -278,15 +284,26 @@ void clsSettings::Write(Change&& change) {
   clsFileWorks::MakeFolders(std::filesystem::path(m_path).parent_path().string());
   const clsFileLock lock(m_path + ".lock");
   Refresh(true);
-  const std::vector<Section> before = m_sections;
+  std::vector<Section> before = m_sections;
   try {
     change();
-    if (m_sections == before) return;
-    clsFileWorks::ReplaceWhole(m_path, Format());
+    if (m_sections != before) WriteFile();
   } catch (const clsError&) {
     m_sections = before;
     throw;
   }
+  if (!then) return;
+  try {
+    then();
+  } catch (const clsError&) {
+    std::swap(m_sections, before);
+    if (m_sections != before) WriteFile();
+    throw;
+  }
+}
+
+void clsSettings::WriteFile() {
+  clsFileWorks::ReplaceWhole(m_path, Format());
   m_stamp = Look();
 }
 

@@ -37,8 +37,9 @@ class clsSettings {
   void DeleteSetting(std::string_view section);
 
   /// Runs `body`. What it saves and deletes is written together when it ends, in one replacement of
-  /// the file; nothing of it when it raises. Calls nest.
-  void Together(const std::function<void()>& body);
+  /// the file; nothing of it when it raises. Calls nest. `then`, when given, runs once the file is
+  /// written; when it raises, the file gets back what it held.
+  void Together(const std::function<void()>& body, const std::function<void()>& then = {});
 
   std::vector<std::string> Sections();
   std::vector<std::string> Keys(std::string_view section);
@@ -68,7 +69,8 @@ class clsSettings {
   void Parse(std::string_view content);
   std::string Format() const;
   template <class Change>
-  void Write(Change&& change);
+  void Write(Change&& change, const std::function<void()>& then = {});
+  void WriteFile();
 
   std::string m_path;
   Stamp m_stamp;
