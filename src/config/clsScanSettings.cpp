@@ -8,6 +8,19 @@
 
 namespace sandrel {
 
+const std::vector<ScanHive>& ScanHives(bool remote) {
+  static const std::vector<ScanHive> Local = {
+      {"HKEY_CLASSES_ROOT", hkey::ClassesRoot},
+      {"HKEY_CURRENT_CONFIG", hkey::CurrentConfig},
+      {"HKEY_CURRENT_USER", hkey::CurrentUser},
+      {"HKEY_LOCAL_MACHINE", hkey::LocalMachine},
+      {"HKEY_USERS", hkey::Users},
+  };
+  static const std::vector<ScanHive> Remote = {{"HKEY_LOCAL_MACHINE", hkey::LocalMachine},
+                                               {"HKEY_USERS", hkey::Users}};
+  return remote ? Remote : Local;
+}
+
 bool clsScanSettings::IsOn(std::string_view key, std::string_view fallback) {
   return text::Val(m_settings.GetSetting("Enabled", key, fallback)) == 1;
 }

@@ -18,6 +18,9 @@ struct ScanHive {
   std::uint32_t Key = 0;
 };
 
+/// The hives that can be scanned, in the order of the scan; another computer has only two.
+const std::vector<ScanHive>& ScanHives(bool remote);
+
 class clsScanSettings {
  public:
   explicit clsScanSettings(clsSettings& settings) : m_settings(settings) {}

@@ -33,16 +33,7 @@ clsSnapshots::clsSnapshots(clsShell& shell, clsSettings& settings, const clsHome
     : m_shell(shell), m_settings(settings), m_home(home), m_machine(std::move(machine)) {}
 
 ScanHive clsSnapshots::HiveByIndex(int index, bool remote) {
-  static const std::vector<ScanHive> Local = {
-      {"HKEY_CLASSES_ROOT", hkey::ClassesRoot},
-      {"HKEY_CURRENT_CONFIG", hkey::CurrentConfig},
-      {"HKEY_CURRENT_USER", hkey::CurrentUser},
-      {"HKEY_LOCAL_MACHINE", hkey::LocalMachine},
-      {"HKEY_USERS", hkey::Users},
-  };
-  static const std::vector<ScanHive> Remote = {{"HKEY_LOCAL_MACHINE", hkey::LocalMachine},
-                                               {"HKEY_USERS", hkey::Users}};
-  const std::vector<ScanHive>& hives = remote ? Remote : Local;
+  const std::vector<ScanHive>& hives = ScanHives(remote);
   const bool known = index >= 1 && static_cast<std::size_t>(index) <= hives.size();
   return known ? hives[static_cast<std::size_t>(index) - 1] : ScanHive{};
 }
