@@ -156,6 +156,21 @@ QString WithExtension(const QString& path, const std::string& extension) {
   return path + QString::fromStdString(extension);
 }
 
+QStringList AskForFiles(QWidget* parent, const FileDialog& dialog, QFileDialog::AcceptMode accept,
+                        QFileDialog::FileMode mode) {
+  QFileDialog window(parent, QString::fromStdString(dialog.Title), StartFolder(dialog.Folder));
+  window.setObjectName("commdlg");
+  window.setOption(QFileDialog::DontUseNativeDialog);
+  window.setOption(QFileDialog::DontConfirmOverwrite);
+  window.setAcceptMode(accept);
+  window.setFileMode(mode);
+  window.setNameFilters(NameFilters(dialog.Filter));
+  window.selectFile(QFile::decodeName(QByteArray::fromStdString(dialog.FileName)));
+
+  const clsBoxUp up;
+  return window.exec() == QDialog::Accepted ? window.selectedFiles() : QStringList();
+}
+
 }  // namespace
 
 Answer AskBox(QWidget* parent, const MessageBox& box) {
@@ -185,20 +200,18 @@ Answer AskBox(QWidget* parent, const MessageBox& box) {
 }
 
 std::string ChooseFile(QWidget* parent, const FileDialog& dialog) {
-  QFileDialog window(parent, QString::fromStdString(dialog.Title), StartFolder(dialog.Folder));
-  window.setObjectName("commdlg");
-  window.setOption(QFileDialog::DontUseNativeDialog);
-  window.setOption(QFileDialog::DontConfirmOverwrite);
-  window.setAcceptMode(dialog.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-  window.setFileMode(QFileDialog::AnyFile);
-  window.setNameFilters(NameFilters(dialog.Filter));
-  window.selectFile(QFile::decodeName(QByteArray::fromStdString(dialog.FileName)));
-
-  const clsBoxUp up;
-  if (window.exec() != QDialog::Accepted) return {};
-  const QStringList files = window.selectedFiles();
+  const auto accept = dialog.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen;
+  const QStringList files = AskForFiles(parent, dialog, accept, QFileDialog::AnyFile);
   if (files.isEmpty()) return {};
   return QFile::encodeName(WithExtension(files.front(), dialog.Extension)).toStdString();
+}
+
+std::vector<std::string> ChooseFiles(QWidget* parent, const FileDialog& dialog) {
+  const QStringList files =
+      AskForFiles(parent, dialog, QFileDialog::AcceptOpen, QFileDialog::ExistingFiles);
+  std::vector<std::string> paths;
+  for (const QString& file : files) paths.push_back(QFile::encodeName(file).toStdString());
+  return paths;
 }
 
 std::string ChooseFolder(QWidget* parent, const std::string& title, const std::string& start) {

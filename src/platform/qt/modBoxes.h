@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "common/clsShell.h"
 
@@ -16,6 +17,10 @@ Answer AskBox(QWidget* parent, const MessageBox& box);
 /// Asks for a file, which need not exist, and never asks about overwriting one. The answer is an
 /// absolute host path; empty when the user cancelled.
 std::string ChooseFile(QWidget* parent, const FileDialog& dialog);
+
+/// Asks for files that exist, one or several; dialog.Save is not looked at. Absolute host paths;
+/// none when the user cancelled.
+std::vector<std::string> ChooseFiles(QWidget* parent, const FileDialog& dialog);
 
 /// Asks for a folder that exists. The answer is an absolute host path; empty when the user
 /// cancelled.
