@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -130,6 +131,7 @@ void frmSandrel::SetCommands() {
   snapshot("mnuSnapShotAfter", [this] { m_analysis.mnuSnapShotAfter_Click(m_snapshots); });
   snapshot("mnuSnapShotRollUp", [this] { m_snapshots.mnuSnapShotRollUp_Click(); });
   menus["mnuSnapShotCancelOperation"].Click = [this] { m_snapshots.ConfirmCancelScan(); };
+  menus["mnuSettingsConfig"].Click = [this] { mnuSettingsConfig_Click(); };
   menus["mnuSettingsMachine"].Click = [this] { mnuSettingsMachine_Click(); };
   m_snapshots.FindMachine = [this] { return OpenMachine(); };
   SetExportCommands();
@@ -231,6 +233,7 @@ void frmSandrel::UpdateCommandState() {
 }
 
 QWidget* frmSandrel::BoxParent() {
+  if (QWidget* const dialog = QApplication::activeModalWidget()) return dialog;
   return isVisible() ? this : nullptr;
 }
 

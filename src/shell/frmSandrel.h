@@ -118,6 +118,8 @@ class frmSandrel final : public QMainWindow, public clsShell {
   std::shared_ptr<clsMachine> OpenMachine();
   void ForgetMachine();
   void mnuSettingsMachine_Click();
+  // frmSandrelConfig.cpp
+  void mnuSettingsConfig_Click();
 
   clsSettings& m_settings;
   const clsHome& m_home;
