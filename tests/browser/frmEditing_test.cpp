@@ -1,0 +1,378 @@
+// Deleting, undoing, copying and selecting rows of an analysis through the main window.
+#include <sys/resource.h>
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <csignal>
+#include <filesystem>
+#include <set>
+
+#include "window/support/BrowserFixture.h"
+
+namespace sandrel::test {
+namespace {
+
+// The node of the page of one table.
+std::string NodeOf(int index) {
+  static constexpr const char* Kinds[] = {"New", "Changed", "Deleted"};
+  static constexpr const char* Groups[] = {"Registry", "Ini", "Files"};
+  return std::string(Kinds[index / 3]) + Groups[index % 3];
+}
+
+constexpr const char* Acme = "x.mdb\\Files\\New\\C:\\Program files\\Acme";
+constexpr const char* Deep = "x.mdb\\Files\\New\\C:\\Program files\\Acme\\Data\\Deep";
+constexpr const char* Hklm = "HKEY_LOCAL_MACHINE_NewRegistry";
+constexpr const char* One = "Sandrel Manager|Are you sure you want to delete the selected item.";
+constexpr const char* Several =
+    "Sandrel Manager|Are you sure you want to delete all the selected items.";
+
+class frmEditingTest : public BrowserFixture {
+ protected:
+  /// Chooses Delete for these rows and answers the question; the boxes that came up.
+  Lines Delete(const Numbers& rows, std::deque<std::string> answers = {"Yes"}) {
+    Pick(rows);
+    m_boxes.Log.clear();
+    m_boxes.Buttons = std::move(answers);
+    EXPECT_TRUE(Choose("mnuEditDelete"));
+    EXPECT_TRUE(m_boxes.Buttons.empty());
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    return m_boxes.Log;
+  }
+  /// What the Edit menu offers; "?" behind one whose button says otherwise.
+  std::string Offered() {
+    std::string offered;
+    for (const char* name : {"Undo", "Copy", "Delete", "SelectAll"}) {
+      const bool item = IsEnabled(std::string("mnuEdit") + name);
+      const auto* button = m_form->findChild<QToolButton*>(QString("tlbarMain.") + name);
+      const bool agree = button == nullptr || button->isEnabled() == item;
+      if (item || !agree) offered += (offered.empty() ? "" : " ") + std::string(name);
+      if (!agree) offered += "?";
+    }
+    return offered;
+  }
+  /// The "All" pages and the statistics tell of the rows of the single pages.
+  void ExpectTwins() {
+    for (int all = 0; all < 3; ++all) {
+      std::multiset<std::string> single, twins;
+      for (int kind = 0; kind < 3; ++kind) {
+        const ListView& list = List(all + 3 * kind);
+        const char* const ending[] = {"", "-2", "-3"};
+        for (std::size_t row = 0; row < list.RowCount(); ++row) {
+          single.insert(list.KeyText(row) + ending[kind]);
+        }
+      }
+      const ListView& list = List(page::AllRegistry + all);
+      for (std::size_t row = 0; row < list.RowCount(); ++row) twins.insert(list.KeyText(row));
+      EXPECT_EQ(single, twins) << "page " << page::AllRegistry + all;
+    }
+    for (std::size_t row = 0; row < 9; ++row) {
+      const ListView& stats = List(page::Stats);
+      EXPECT_EQ(stats.Cell(row, 1), std::to_string(List(CountedPage(stats.Text(row))).RowCount()));
+    }
+  }
+  /// The rows of all lists but the views.
+  std::vector<Lines> AllRows() {
+    std::vector<Lines> rows;
+    for (int index = 0; index < page::SharedPage; ++index) rows.push_back(Rows(List(index)));
+    return rows;
+  }
+  /// The records of the nine tables, as another program sees them: without what is pending.
+  static std::string Records(const std::string& path) {
+    std::string counts;
+    for (int index = 0; index < page::Stats; ++index) {
+      const std::string table = "tbl" + NodeOf(index) + (index % 3 < 2 ? "Enteries" : "");
+      counts += Cell(path, "SELECT count(*) FROM " + table) + " ";
+    }
+    return counts;
+  }
+};
+
+TEST_F(frmEditingTest, OffersWhatCanBeDone) {
+  Start();
+  EXPECT_EQ(Offered(), "");
+  Open(MakeSample());
+  EXPECT_EQ(PageShown(), page::Stats);
+  EXPECT_EQ(Offered(), "SelectAll");
+  ClickNode("HKEY_CLASSES_ROOT_NewRegistry");
+  EXPECT_EQ(Offered(), "");
+  for (const char* node : {"NewRegistry", "Ini", "DeletedFiles", Hklm}) {
+    ClickNode(node);
+    EXPECT_EQ(Offered(), "Copy Delete SelectAll") << node;
+  }
+  Pick({});
+  m_form->UpdateCommandState();
+  EXPECT_EQ(Offered(), "SelectAll");
+  ClickNode(Acme);
+  ASSERT_EQ(Column(0), "Data acme.exe read.me");
+  ClickRow(page::FilteredPage, 0);  // a folder is no record
+  EXPECT_EQ(Offered(), "SelectAll");
+  ClickRow(page::FilteredPage, 1, Qt::ControlModifier);
+  EXPECT_EQ(Offered(), "Copy Delete SelectAll");
+  ASSERT_TRUE(Choose("mnuFileClose"));
+  EXPECT_EQ(Offered(), "");
+}
+
+TEST_F(frmEditingTest, AsksAndNoKeepsAllIncludingTheLastDelete) {
+  const std::string path = OpenSample();
+  ClickNode("NewRegistry");
+  const std::vector<Lines> before = AllRows();
+  const std::string records = Records(path);
+  EXPECT_EQ(Delete({1}, {"No"}), Lines{One});
+  EXPECT_EQ(Offered(), "Copy Delete SelectAll");
+  EXPECT_TRUE(AllRows() == before && IsFree(path));
+
+  EXPECT_EQ(Delete({0, 5}), Lines{Several});
+  EXPECT_EQ(Column(2), "new s t u");
+  EXPECT_EQ(Delete({0}, {"No"}), Lines{One});
+  EXPECT_FALSE(IsFree(path));
+  EXPECT_EQ(Records(path), records);
+  EXPECT_EQ(Offered(), "Undo Copy Delete SelectAll");
+  bool looked = false;
+  m_watch.During("Loading...", [&] {  // no other command comes in between
+    EXPECT_EQ(Commands(), "");
+    looked = true;
+  });
+  PressButton("Undo");
+  EXPECT_TRUE(looked);
+  EXPECT_EQ(AllRows(), before);
+  EXPECT_EQ(PageShown(), page::NewRegistry);
+  EXPECT_FALSE(IsEnabled("mnuEditUndo"));
+  EXPECT_TRUE(IsFree(path));
+  ExpectTwins();
+}
+
+TEST_F(frmEditingTest, DeletesOnThePagesOfOneTable) {
+  const std::string path = OpenSample();
+  for (int index = 0; index < 9; ++index) {
+    SCOPED_TRACE(NodeOf(index));
+    ClickNode(NodeOf(index));
+    const std::size_t rows = Shown().RowCount();
+    Delete({0});
+    EXPECT_EQ(Shown().RowCount(), rows - 1);
+    EXPECT_EQ(PageShown(), index);
+    ExpectTwins();
+  }
+  EXPECT_EQ(Tree().Find("x.mdb\\Files\\Deleted\\C:"), nullptr);
+  EXPECT_NE(Tree().Find("x.mdb\\Files\\New\\C:\\Zoo"), nullptr);
+  const std::vector<Lines> rows = AllRows();
+  EXPECT_EQ(Records(path), "5 0 4 2 0 0 0 0 1 ");  // the last is pending
+  ASSERT_TRUE(Choose("mnuFileClose"));
+  EXPECT_EQ(Records(path), "5 0 4 2 0 0 0 0 0 ");
+  EXPECT_TRUE(IsWhole(path));
+  Open(path);
+  EXPECT_EQ(AllRows(), rows);
+}
+
+TEST_F(frmEditingTest, DeletesOnThePagesOfThreeTables) {
+  const std::string path = OpenSample();
+  ClickNode("Registry");
+  Delete({0, 1, 7});
+  ExpectTwins();
+  ClickNode("Ini");
+  Delete({0, 1, 2});
+  EXPECT_EQ(Offered(), "Undo");
+  ClickNode("Files");
+  Delete({1, 6});
+  EXPECT_EQ(Column(1), "app.ini acme.exe read.me  a.dat");
+  EXPECT_EQ(Tree().Find("x.mdb\\Files\\Deleted\\C:"), nullptr);
+  EXPECT_EQ(Tree().Find("x.mdb\\Files\\New\\C:\\Zoo"), nullptr);
+  EXPECT_NE(Tree().Find("x.mdb\\Files\\Changed\\C:"), nullptr);
+  EXPECT_EQ(SelectedNode(), "Files");
+  ExpectTwins();
+  ASSERT_TRUE(Choose("mnuEditUndo"));
+  EXPECT_NE(Tree().Find("x.mdb\\Files\\New\\C:\\Zoo"), nullptr);
+  ExpectTwins();
+  Stop();  // with nothing pending: the two deletes before are final
+  EXPECT_EQ(Records(path), "5 0 5 2 0 1 0 0 1 ");
+}
+
+TEST_F(frmEditingTest, DeletesInTheViewsOfAHiveAndAFolder) {
+  OpenSample();
+  ClickNode("NewRegistry");
+  Pick({0, 1, 5});
+  ClickNode(Hklm);
+  EXPECT_EQ(Delete({0, 2}), Lines{Several});
+  EXPECT_EQ(PageShown(), page::SharedPage);
+  EXPECT_EQ(Column(1), "s u");
+  EXPECT_EQ(SelectedNode(), Hklm);
+  EXPECT_EQ(Selected(page::NewRegistry), (Numbers{0, 3}));  // what is left of its own selection
+  ExpectTwins();
+  ASSERT_TRUE(Choose("mnuEditUndo"));
+  EXPECT_EQ(PageShown(), page::SharedPage);
+  EXPECT_EQ(Column(1), "new s t u");
+
+  ClickNode(Acme);
+  const std::vector<Lines> before = AllRows();
+  EXPECT_EQ(Delete({0, 2}), Lines{One});  // the folder stays
+  EXPECT_EQ(SelectedNode(), Acme);
+  EXPECT_EQ(Column(0), "Data acme.exe");
+  ExpectTwins();
+  ASSERT_TRUE(Choose("mnuEditUndo"));
+  EXPECT_EQ(SelectedNode(), Acme);
+  EXPECT_EQ(Column(0), "Data acme.exe read.me");
+  EXPECT_EQ(AllRows(), before);
+  Tree().EnsureVisible(Tree().Item(Deep));
+  ClickNode(Deep);
+  Delete({0});  // the folder's last file
+  EXPECT_EQ(Tree().Find(Deep), nullptr);
+  EXPECT_NE(Tree().Find(std::string(Acme) + "\\Data"), nullptr);
+  EXPECT_EQ(SelectedNode(), "NewFiles");
+  EXPECT_EQ(BoldPath(), Tree().Item("NewFiles").FullPath());
+  ExpectTwins();
+  ASSERT_TRUE(Choose("mnuEditUndo"));
+  EXPECT_NE(Tree().Find(Deep), nullptr);
+  EXPECT_EQ(AllRows(), before);
+}
+
+TEST_F(frmEditingTest, ARowThatNamesNoOneRecordStays) {
+  const std::string path = MakeSample();
+  test::Rows(path, "INSERT INTO tblDeletedIniEnteries SELECT * FROM tblDeletedIniEnteries");
+  test::Rows(path, R"(UPDATE tblNewIniEnteries SET Value = '" OR "1"="1')");
+  test::Rows(path, R"(UPDATE tblNewFiles SET PathName = 'C:\a"b\' WHERE FileName = 'read.me')");
+  test::Rows(path, R"(UPDATE tblNewFiles SET FileName = 'x" OR "1"="1' WHERE FileName = 'a.dat')");
+  Start();
+  Open(path);
+  ClickNode("DeletedIni");
+  Delete({0});  // takes both records
+  EXPECT_EQ(Shown().RowCount(), 2U);
+  Delete({1});
+  EXPECT_EQ(Shown().RowCount(), 2U);
+
+  // A quote in a cell, but the first, is more than a statement can name.
+  ClickNode("NewIni");
+  const Lines boxes = Delete({0}, {"Yes", "Ignore"});
+  ASSERT_EQ(boxes.size(), 2U);
+  EXPECT_TRUE(m_boxes.Has("3075") && m_boxes.Has("frmSandrel.DeleteListViewItems")) << boxes[1];
+  EXPECT_EQ(Shown().RowCount(), 1U);
+  EXPECT_TRUE(IsEnabled("mnuEditUndo"));
+  ClickNode("NewFiles");
+  ASSERT_EQ(Column(1), "read.me acme.exe  x\" OR \"1\"=\"1 ");
+  EXPECT_EQ(Delete({0, 3, 4}, {"Yes", "Ignore"}).size(), 2U);
+  EXPECT_EQ(Column(1), "acme.exe  x\" OR \"1\"=\"1");
+  ExpectTwins();
+  Stop();
+  EXPECT_EQ(Records(path), "6 1 3 3 1 1 1 0 1 ");
+}
+
+TEST_F(frmEditingTest, OnlyTheLastDeleteCanBeUndone) {
+  const std::string path = OpenSample();
+  const auto pending = [&] {
+    ClickNode("NewRegistry");
+    Delete({0});
+    return Cell(path, "SELECT count(*) FROM tblNewRegistryEnteries");
+  };
+  EXPECT_EQ(pending(), "6");
+  EXPECT_EQ(pending(), "5");  // the first delete is final now
+  ASSERT_TRUE(Choose("mnuEditUndo"));
+  EXPECT_FALSE(Choose("mnuEditUndo"));
+  EXPECT_EQ(Column(2), "new s t u user");
+  EXPECT_EQ(pending(), "5");
+  Open(path);  // leaves the analysis, if only to open it anew
+  EXPECT_EQ(Cell(path, "SELECT count(*) FROM tblNewRegistryEnteries"), "4");
+  EXPECT_FALSE(IsEnabled("mnuEditUndo"));
+  EXPECT_EQ(pending(), "4");
+  m_boxes.Files = {m_temp.Of("y.mdb")};
+  ASSERT_TRUE(Choose("mnuSnapShotAfter"));
+  EXPECT_EQ(m_form->windowTitle(), "y.mdb - Sandrel");
+  EXPECT_EQ(Cell(path, "SELECT count(*) FROM tblNewRegistryEnteries"), "3");
+  Open(path);
+  pending();
+  ASSERT_TRUE(Choose("mnuFileExit"));
+  EXPECT_EQ(Cell(path, "SELECT count(*) FROM tblNewRegistryEnteries"), "2");
+  EXPECT_TRUE(IsWhole(path));
+}
+
+TEST_F(frmEditingTest, ACrashUndoesWhatIsPending) {
+  const std::string path = MakeSample();
+  test::Rows(
+      path,
+      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000) "
+      "INSERT INTO tblNewRegistryEnteries (Hive, Branch, ValueName, Value, ValueType) SELECT "
+      "(SELECT min(Hive) FROM tblHives), 'Software\\Big', i, hex(randomblob(200)), 1 FROM n");
+  Start();
+  Open(path);
+  ClickNode("NewRegistry");
+  ASSERT_TRUE(Choose("mnuEditSelectAll"));
+  m_boxes.Buttons = {"Yes"};
+  PressButton("Delete");
+  EXPECT_EQ(Shown().RowCount(), 0U);
+  const std::string crashed = m_temp.Of("crashed.mdb");
+  for (const char* part : {"", "-journal"}) {
+    std::filesystem::copy_file(path + part, crashed + part);
+  }
+  EXPECT_EQ(Records(crashed), "1006 1 5 3 1 1 1 1 1 ");
+  EXPECT_TRUE(IsWhole(crashed));
+  ASSERT_TRUE(Choose("mnuEditUndo"));
+  EXPECT_EQ(Shown().RowCount(), 1006U);
+  Open(crashed);
+  EXPECT_EQ(List(page::NewRegistry).RowCount(), 1006U);
+}
+
+TEST_F(frmEditingTest, ADiskThatRefusesADeleteUndoesItAndTheNextOneWorks) {
+  const std::string path = OpenSample();
+  ClickNode("NewRegistry");
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  m_boxes.OnBox = [&](QWidget& box) {  // the disk is full between the question and the delete
+    rlimit full = before;
+    full.rlim_cur = box.windowTitle() == "Sandrel Manager" ? 0 : before.rlim_cur;
+    setrlimit(RLIMIT_FSIZE, &full);
+  };
+  const Lines boxes = Delete({0, 1}, {"Yes", "Ignore"});
+  m_boxes.OnBox = nullptr;
+  setrlimit(RLIMIT_FSIZE, &before);
+  EXPECT_EQ(boxes.size(), 2U);
+  EXPECT_EQ(Shown().RowCount(), 6U);
+  EXPECT_EQ(Delete({0}), Lines{One});
+  EXPECT_EQ(Offered(), "Undo SelectAll");
+  Stop();
+  EXPECT_EQ(Records(path), "5 1 5 3 1 1 1 1 1 ");
+}
+
+TEST_F(frmEditingTest, AnAnalysisThatCantBeWrittenKeepsItsRows) {
+  const std::string path = MakeSample();
+  const WriteProtection protection(path);
+  Start();
+  Open(path);
+  ClickNode("NewRegistry");
+  const Lines boxes = Delete({0}, {"Yes", "Ignore"});
+  ASSERT_EQ(boxes.size(), 2U);
+  EXPECT_NE(boxes[1].find("is read-only"), std::string::npos) << boxes[1];
+  EXPECT_EQ(Shown().RowCount(), 6U);
+  ExpectTwins();
+  Stop();
+}
+
+TEST_F(frmEditingTest, KeysCopySelectDeleteAndUndo) {
+  OpenSample();
+  ClickNode("NewFiles");
+  const auto press = [&](Qt::Key key, Qt::KeyboardModifiers keys) {
+    QApplication::setActiveWindow(m_form.get());
+    ListWidget(PageShown())->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), key, keys);
+  };
+  DragColumn(page::NewFiles, 1, 4);  // the order on the screen doesn't count
+  ASSERT_TRUE(Headers().starts_with("Path Name|Date|")) << Headers();
+  Pick({1, 2});
+  press(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(),
+            "C:\\Program Files\\Acme\\\tread.me\t2001-09-09 03:46:41\t\t4\tRA\r\n"
+            "C:\\Program Files\\Acme\\Data\\\t\t\t\t\t\r\n");
+  press(Qt::Key_A, Qt::ControlModifier);
+  EXPECT_EQ(Selected(page::NewFiles), (Numbers{0, 1, 2, 3, 4}));
+  m_boxes.Buttons = {"Yes"};
+  press(Qt::Key_Delete, {});
+  EXPECT_EQ(Shown().RowCount(), 0U);
+  press(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(Shown().RowCount(), 5U);
+  EXPECT_EQ(m_boxes.Log.back(), Several);
+  ClickNode(Acme);
+  Pick({0, 1});
+  PressButton("Copy");
+  EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(),
+            "Data\r\nacme.exe\t2001-09-09 03:46:41\t2.0.0.1\t1536\tA\r\n");
+}
+
+}  // namespace
+}  // namespace sandrel::test

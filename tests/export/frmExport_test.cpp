@@ -1,0 +1,229 @@
+// Exporting rows to a registry file and copying files out of the machine through the main window.
+#include <sys/stat.h>
+
+#include <QPushButton>
+#include <QTimer>
+#include <filesystem>
+#include <set>
+
+#include "export/frmAnimate.h"
+#include "window/support/BrowserFixture.h"
+
+namespace sandrel::test {
+namespace {
+
+constexpr const char* Acme = "x.mdb\\Files\\New\\C:\\Program files\\Acme";
+constexpr const char* Picker = "Selection a destination folder for the selected file(s)";
+
+class frmExportTest : public BrowserFixture {
+ protected:
+  /// Exports these rows of the page on show; the boxes that came up.
+  Lines Export(const Numbers& rows, const std::string& file, std::deque<std::string> answers = {}) {
+    Pick(rows);
+    return Run("mnuFileExportToRegFile", file, std::move(answers));
+  }
+  Lines Copy(const Numbers& rows, std::deque<std::string> answers = {}) {
+    Pick(rows);
+    return Run("mnuFileExportFiles", m_to, std::move(answers));
+  }
+  Lines Run(const char* item, const std::string& target, std::deque<std::string> answers = {}) {
+    m_boxes.Log.clear();
+    m_boxes.Files = {target};
+    m_boxes.Buttons = std::move(answers);
+    EXPECT_TRUE(Choose(item));
+    EXPECT_TRUE(m_boxes.Buttons.empty());
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    EXPECT_TRUE(m_form->isEnabled());
+    return m_boxes.Log;
+  }
+  /// The box at the end of a copy.
+  static std::string Summary(const std::string& lines) {
+    return "Sandrel Manager Copy Results|" + lines;
+  }
+  /// What lies below the folder that copies go to, folders with a slash.
+  std::string Copies() const {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(m_to)) {
+      names.insert(entry.path().string().substr(m_to.size() + 1) +
+                   (entry.is_directory() ? "/" : ""));
+    }
+    std::string all;
+    for (const std::string& name : names) all += (all.empty() ? "" : " ") + name;
+    return all;
+  }
+
+  const std::string m_reg = m_temp.Of("out.reg"), m_to = m_temp.Of("to");
+};
+
+TEST_F(frmExportTest, WritesTheRowsOfEachRegistryPage) {
+  OpenSample();
+  struct Case {
+    const char* Node;
+    Numbers Rows;
+    const char* Keys;  // of the file, behind its head; LF for CR LF
+  };
+  const Case cases[] = {{"NewRegistry", {0, 2, 4}, R"(
+[HKEY_CURRENT_USER\Software\Acme]
+"user"="me"
+
+[HKEY_LOCAL_MACHINE\Software\Acme\Sub]
+"s"="9"
+"u"="8"
+)"},
+                        {"ChangedRegistry", {0, 1}, R"(
+[HKEY_CURRENT_USER\Software\Acme]
+"level"=dword:00000002
+
+[HKEY_LOCAL_MACHINE\Software\Acme]
+"change"="b"
+)"},
+                        {"DeletedRegistry", {0}, R"(
+[HKEY_LOCAL_MACHINE\Software\Acme]
+"gone"="x"
+)"},
+                        {"Registry", {1, 2, 7}, R"(
+[HKEY_CURRENT_USER\Software\Acme]
+"level"=dword:00000002
+
+[HKEY_LOCAL_MACHINE\Software\Acme]
+"gone"="x"
+"new"="1"
+)"},
+                        {"HKEY_USERS_ChangedRegistry", {0}, R"(
+[HKEY_USERS\S-1-5-21-0-0-0-1000\Software\Acme]
+"level"=dword:00000002
+)"}};
+  ClickNode("NewRegistry");
+  Pick({0, 5});
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.Node);
+    const Numbers before = Selected(page::NewRegistry);
+    ClickNode(one.Node);
+    std::filesystem::remove(m_reg);
+    EXPECT_EQ(Export(one.Rows, m_reg), Lines{"Export To Registry File|"});
+    const QString expected = QString("REGEDIT4\n") + one.Keys;
+    EXPECT_EQ(clsFileWorks::ReadWhole(m_reg),
+              QString(expected).replace("\n", "\r\n").toStdString());
+    if (PageShown() == page::SharedPage) {
+      EXPECT_EQ(Selected(page::NewRegistry), before);
+    }
+  }
+}
+
+TEST_F(frmExportTest, IsOfferedWhereItFits) {
+  OpenSample();
+  std::string offered;
+  for (const char* node : {"Root", "Registry", "HKEY_USERS_NewRegistry", "DeletedRegistry", "Ini",
+                           "NewIni", "Files", "NewFiles", "ChangedFiles", "DeletedFiles", Acme}) {
+    ClickNode(node);
+    const bool registry = IsEnabled("mnuFileExportToRegFile");
+    const bool files = IsEnabled("mnuFileExportFiles");
+    offered += registry && files ? "both " : registry ? "registry " : files ? "files " : "- ";
+  }
+  EXPECT_EQ(offered, "- registry registry registry - - files files files - - ");
+  ClickNode("NewRegistry");
+  ClickRow(0, 0, Qt::ControlModifier);  // selects nothing
+  EXPECT_FALSE(IsEnabled("mnuFileExport"));
+  m_boxes.Log.clear();
+  Controls().Menus["mnuFileExportToRegFile"].Click();
+  EXPECT_EQ(m_boxes.Log, Lines{});
+}
+
+TEST_F(frmExportTest, KeepsTheOldRegistryFileUntilTheNewOneStands) {
+  const std::string path = MakeSample();
+  const std::string longName(74, 'n');
+  test::Rows(path, "UPDATE tblNewRegistryEnteries SET ValueName = '" + longName +
+                       "', ValueType = 3, Value = '00 01' WHERE ValueName = 'new'");
+  test::Rows(path, "UPDATE tblNewRegistryEnteries SET Value = '\u2603' WHERE ValueName = 's'");
+  Start();
+  Open(path);
+  ClickNode("NewRegistry");
+  clsFileWorks::ReplaceWhole(m_reg, "old");
+  const std::string question =
+      "Confirmation Required|WARNING! An existing file by that name (out.reg) has been "
+      "found!\n\nOverwrite the existing file?";
+  const std::string dialog = "Export To Registry File|";
+  EXPECT_EQ(Export({0}, ""), Lines{dialog});
+  EXPECT_EQ(Export({0}, m_reg, {"No"}), (Lines{dialog, question}));
+  const Lines tooLong = Export({0, 1}, m_reg, {"Yes", "Ignore"});
+  ASSERT_EQ(tooLong.size(), 3U);
+  EXPECT_NE(tooLong[2].find(longName), std::string::npos) << tooLong[2];
+  EXPECT_NE(tooLong[2].find("frmSandrel.mnuFileExportToRegFile"), std::string::npos) << tooLong[2];
+
+  {
+    const WriteProtection protection(m_reg);
+    EXPECT_EQ(Export({0}, m_reg, {"Yes", "Ignore"}).size(), 3U);
+  }
+  EXPECT_TRUE(m_boxes.Has("Sandrel Error Message|"));
+  EXPECT_EQ(clsFileWorks::ReadWhole(m_reg), "old");
+
+  EXPECT_EQ(Export({0}, m_temp.Of("out"), {"Yes"}), (Lines{dialog, question}));  // as out.reg
+  EXPECT_NE(clsFileWorks::ReadWhole(m_reg).find("\"user\"=\"me\""), std::string::npos);
+  Export({2}, m_temp.Of("lost.reg"));
+  QTRY_VERIFY(m_boxes.Has("1 character(s) can't stand in a registry file"));
+}
+
+TEST_F(frmExportTest, CopiesTheFilesOfEachPage) {
+  OpenSample();
+  ClickNode("NewFiles");
+  EXPECT_EQ(Copy({0, 1, 2, 3, 4}),  // two of them are folders
+            (Lines{Picker, Summary("3 File(s) were successfully copied.")}));
+  EXPECT_EQ(Copies(), "a.dat acme.exe read.me");
+  struct stat status {};
+  ASSERT_EQ(stat((m_to + "/read.me").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mtim.tv_sec, 1000000001);
+  std::filesystem::remove_all(m_to);
+
+  m_sample.Remove("C:\\app.ini");
+  ClickNode("ChangedFiles");
+  EXPECT_EQ(Copy({0})[1], Summary("0 File(s) were successfully copied.\n1 File(s) were NOT copied "
+                                  "because they no longer exist."));
+  ClickNode("Files");
+  EXPECT_EQ(Copy({1, 2})[1], Summary("1 File(s) were successfully copied.\n1 File(s) were ignored "
+                                     "because they were Deleted Files"));
+  EXPECT_EQ(Copies(), "acme.exe");
+  EXPECT_EQ(Selected(page::AllFiles), (Numbers{1, 2}));
+  std::filesystem::remove_all(m_to);
+
+  ClickNode(Acme);
+  EXPECT_EQ(Copy({0, 2})[1], Summary("1 File(s) were successfully copied."));  // not the folder
+  EXPECT_EQ(Copies(), "read.me");
+}
+
+TEST_F(frmExportTest, ACopyCanBeGivenUp) {
+  OpenSample();
+  ClickNode("NewFiles");
+  Pick({0, 1, 3});
+  EXPECT_EQ(Run("mnuFileExportFiles", ""), Lines{Picker});
+  EXPECT_FALSE(std::filesystem::exists(m_to));
+  QTimer press;  // Cancel, as soon as the copy shows itself
+  press.callOnTimeout([] {
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* const window : windows) {
+      if (dynamic_cast<frmAnimate*>(window) == nullptr || !window->isVisible()) continue;
+      QTest::mouseClick(window->findChild<QPushButton*>("cmdCancel"), Qt::LeftButton);
+    }
+  });
+  press.start(0);
+  EXPECT_EQ(Copy({0, 1, 3})[1], Summary("0 File(s) were successfully copied."));
+  press.stop();
+  EXPECT_EQ(Copies(), "");
+
+  std::filesystem::create_directories(m_to + "/acme.exe");  // no file can take its place
+  const Lines boxes = Copy({0, 1}, {"Retry", "Ignore"});
+  ASSERT_EQ(boxes.size(), 4U);
+  EXPECT_NE(boxes[2].find("clsFileWorks.CopyFiles"), std::string::npos) << boxes[2];
+  EXPECT_EQ(boxes[3], Summary("1 File(s) were successfully copied.\n1 Error(s) were ignored"));
+  EXPECT_EQ(Copies(), "acme.exe/ read.me");
+
+  std::filesystem::rename(m_sample.Folder(), m_temp.Of("away"));
+  const Lines gone = Copy({0}, {"Ignore"});
+  std::filesystem::rename(m_temp.Of("away"), m_sample.Folder());
+  ASSERT_EQ(gone.size(), 2U);
+  EXPECT_NE(gone[1].find("Choose another one with Machine... in the Settings menu."),
+            std::string::npos)
+      << gone[1];
+}
+
+}  // namespace
+}  // namespace sandrel::test
