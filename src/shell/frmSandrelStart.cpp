@@ -50,7 +50,11 @@ void frmSandrel::Form_Load() {
         run([&] { ShowInTrayOrOnScreen(); });
         run([&] { DoEvents(false); });
         if (m_unloaded) return;
-        run([&] { m_controls.DeletesWorkspace = dao::DBEngine::CreateWorkspace("Deletes"); });
+        run([&] {
+          // Deletes wait for long; meanwhile others can read the file.
+          m_controls.DeletesWorkspace = dao::DBEngine::CreateWorkspace(
+              "Deletes", dao::Durability::Full, dao::Overflow::ToMemory);
+        });
         bool checkBeforeSnapshot = false;
         run([&] { ReopenLast(checkBeforeSnapshot); });
         if (m_unloaded) return;

@@ -148,6 +148,10 @@ clsError Connection::ErrorOf(int code, std::string_view about) {
   return error;
 }
 
+void Connection::KeepChangesInMemory() {
+  sqlite3_exec(m_handle, "PRAGMA cache_spill = OFF;", nullptr, nullptr, nullptr);
+}
+
 void Connection::Begin() {
   // Takes the write lock at once, with patience: a lock that grows in the middle of a transaction
   // can't wait for another program.

@@ -37,6 +37,9 @@ class Connection {
   /// The engine's error for a result code; the description names `about` where there is one.
   clsError ErrorOf(int code, std::string_view about = {});
 
+  /// Nothing of a transaction is written to the file before its commit, however large it grows.
+  void KeepChangesInMemory();
+
   void Begin();
   void Commit();
   void Rollback();

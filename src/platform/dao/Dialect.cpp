@@ -98,7 +98,7 @@ class Parser {
   explicit Parser(std::string_view sql) : m_sql(sql), m_tokens(Tokens(sql)) {}
 
   std::string Select();
-  std::string Delete();
+  Deletion Delete();
 
  private:
   const Token& Now() const { return m_tokens[m_at]; }
@@ -106,7 +106,9 @@ class Parser {
     dao::Refuse(m_sql, Now().What == Token::Kind::End ? "the end" : Now().Value);
   }
   bool IsWord(std::string_view word) const {
-    return Now().What == Token::Kind::Word && text::EqualNoCase(Now().Value, word);
+    // Most words differ in their length already, and a DELETE of each of many rows asks often.
+    return Now().What == Token::Kind::Word && Now().Value.size() == word.size() &&
+           text::EqualNoCase(Now().Value, word);
   }
   bool TakeWord(std::string_view word) {
     if (!IsWord(word)) return false;
@@ -132,6 +134,7 @@ class Parser {
   std::unique_ptr<Tables> ParseTables();
   std::unique_ptr<Tables> ParseTablePrimary();
   std::string From(const Tables& tables) const;
+  std::string FromToward(const std::string& target, const Tables& tables) const;
   std::string Where();
 
   std::string Condition();
@@ -140,10 +143,13 @@ class Parser {
   bool AtColumnInParentheses() const;
   std::string Comparison();
   std::string Operand(bool& isColumn);
+  std::string Text(const std::string& value);
 
   std::string_view m_sql;
   std::vector<Token> m_tokens;
   std::size_t m_at = 0;
+  bool m_textsAsParameters = false;
+  std::vector<std::string> m_texts;
   bool m_equalitiesOnly = false;  // the rule of a DELETE's condition
   bool m_plain = true;            // the condition read last was "column = column" and AND only
   std::vector<std::string> m_mentioned;  // tables that the condition read last names
@@ -209,8 +215,9 @@ std::string Parser::Select() {
   return sql;
 }
 
-std::string Parser::Delete() {
+Deletion Parser::Delete() {
   NeedWord("DELETE");
+  m_textsAsParameters = true;
   const std::string target = Name();
   NeedSymbol(".");
   NeedSymbol("*");
@@ -220,13 +227,15 @@ std::string Parser::Delete() {
   const auto tables = ParseTables();
   const bool single = tables->Left == nullptr;
   if (single && !text::EqualNoCase(tables->Table, target)) Refuse();
-  const std::string from = From(*tables);
+  const std::string from = FromToward(target, *tables);
   m_equalitiesOnly = true;
   const std::string where = Where();
   End();
-  if (single) return "DELETE FROM " + target + where;
-  return fmt::format("DELETE FROM {0} WHERE _rowid_ IN (SELECT {0}._rowid_ FROM {1}{2})", target,
-                     from, where);
+  std::string sql =
+      single ? "DELETE FROM " + target + where
+             : fmt::format("DELETE FROM {0} WHERE _rowid_ IN (SELECT {0}._rowid_ FROM {1}{2})",
+                           target, from, where);
+  return {std::move(sql), std::move(m_texts)};
 }
 
 std::unique_ptr<Tables> Parser::ParseTablePrimary() {
@@ -288,6 +297,18 @@ std::string Parser::From(const Tables& tables) const {
   sql += word + right->Table + " ON " + tables.On;
   for (const Tables* join : row) sql += " LEFT JOIN " + join->Right->Table + " ON " + join->On;
   return sql;
+}
+
+// The joins of a DELETE. SQLite keeps the order of a CROSS JOIN: the target comes last, to be found
+// through its index. Left to choose, it may go through all of the target for each record.
+std::string Parser::FromToward(const std::string& target, const Tables& tables) const {
+  if (tables.Left == nullptr || tables.Outer) return From(tables);
+  const auto isTarget = [&](const Tables& side) { return text::EqualNoCase(side.Table, target); };
+  const bool turned = isTarget(*tables.Left);
+  const Tables& first = turned ? *tables.Right : *tables.Left;
+  const Tables& last = turned ? *tables.Left : *tables.Right;
+  if (first.Left != nullptr || !isTarget(last)) return From(tables);
+  return fmt::format("{} CROSS JOIN {} ON {}", first.Table, last.Table, tables.On);
 }
 
 std::string Parser::Where() {
@@ -367,12 +388,18 @@ std::string Parser::Comparison() {
   return left + " " + symbol + " " + right;
 }
 
+std::string Parser::Text(const std::string& value) {
+  if (!m_textsAsParameters) return QuoteText(value);
+  m_texts.push_back(value);
+  return fmt::format("?{}", m_texts.size());
+}
+
 std::string Parser::Operand(bool& isColumn) {
   isColumn = false;
   const bool minus = TakeSymbol("-");
   if (Now().What == Token::Kind::Number) return (minus ? "-" : "") + m_tokens[m_at++].Value;
   if (minus) Refuse();
-  if (Now().What == Token::Kind::Text) return QuoteText(m_tokens[m_at++].Value);
+  if (Now().What == Token::Kind::Text) return Text(m_tokens[m_at++].Value);
   isColumn = true;
   if (!AtColumnInParentheses()) return Column();
   NeedSymbol("(");
@@ -386,7 +413,7 @@ std::string Parser::Operand(bool& isColumn) {
 std::string TranslateSelect(std::string_view sql) {
   return Parser(sql).Select();
 }
-std::string TranslateDelete(std::string_view sql) {
+Deletion TranslateDelete(std::string_view sql) {
   return Parser(sql).Delete();
 }
 

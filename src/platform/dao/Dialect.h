@@ -17,11 +17,18 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace sandrel::dao {
 
+/// A DELETE with its texts as parameters: deletes that differ in their texts alone give one `Sql`.
+struct Deletion {
+  std::string Sql;
+  std::vector<std::string> Texts;  ///< of the parameters ?1, ?2, ...
+};
+
 /// Raise 3075 for what the dialect doesn't know.
 std::string TranslateSelect(std::string_view sql);
-std::string TranslateDelete(std::string_view sql);
+Deletion TranslateDelete(std::string_view sql);
 
 }  // namespace sandrel::dao

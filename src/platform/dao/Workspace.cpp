@@ -36,7 +36,15 @@ std::unique_ptr<Recordset> Database::OpenRecordset(std::string_view source,
 
 void Database::Execute(std::string_view sql) {
   m_recordsAffected = 0;
-  Statement(m_connection, TranslateDelete(sql)).Execute();
+  const Deletion deletion = TranslateDelete(sql);
+  if (m_statement == nullptr || m_statementSql != deletion.Sql) {
+    m_statement = std::make_shared<Statement>(m_connection, deletion.Sql);
+    m_statementSql = deletion.Sql;
+  }
+  const std::vector<Value> texts(deletion.Texts.begin(), deletion.Texts.end());
+  int parameter = 0;
+  for (const Value& text : texts) m_statement->Bind(++parameter, text);
+  m_statement->Execute();
   m_recordsAffected = sqlite3_changes64(m_connection->Handle());
 }
 
@@ -90,6 +98,7 @@ std::unique_ptr<Database> Workspace::OpenDatabase(const std::string& path) {
   std::shared_ptr<Connection> connection = m_connections[key].lock();
   if (connection == nullptr) {
     connection = std::make_shared<Connection>(path, m_durability == Durability::Full);
+    if (m_overflow == Overflow::ToMemory) connection->KeepChangesInMemory();
     if (m_inTransaction) {
       connection->Begin();
       m_inTransactionConnections.push_back(connection);
@@ -164,8 +173,9 @@ Workspace& DBEngine::FirstWorkspace() {
   return first;
 }
 
-std::shared_ptr<Workspace> DBEngine::CreateWorkspace(std::string name, Durability durability) {
-  return std::make_shared<Workspace>(std::move(name), durability);
+std::shared_ptr<Workspace> DBEngine::CreateWorkspace(std::string name, Durability durability,
+                                                     Overflow overflow) {
+  return std::make_shared<Workspace>(std::move(name), durability, overflow);
 }
 
 }  // namespace sandrel::dao

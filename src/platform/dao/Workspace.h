@@ -19,6 +19,7 @@
 namespace sandrel::dao {
 
 class Connection;
+class Statement;
 
 /// Kinds of recordset, by the engine's numbers.
 enum class RecordsetType : std::uint8_t { Table = 1, Dynaset = 2 };
@@ -33,6 +34,7 @@ class Database {
   std::unique_ptr<Recordset> OpenRecordset(std::string_view source, RecordsetType type) const;
 
   /// Carries out a DELETE statement; `RecordsAffected` then tells the number of rows it deleted.
+  /// One that differs from the last in its texts alone is prepared already.
   void Execute(std::string_view sql);
   std::int64_t RecordsAffected() const { return m_recordsAffected; }
 
@@ -40,6 +42,8 @@ class Database {
 
  private:
   std::shared_ptr<Connection> m_connection;
+  std::shared_ptr<Statement> m_statement;  // the last one executed
+  std::string m_statementSql;
   std::int64_t m_recordsAffected = 0;
 };
 
@@ -47,10 +51,15 @@ class Database {
 /// process, but not a failure of power: for a database that is worth nothing until it is finished.
 enum class Durability : std::uint8_t { Full, UntilPowerFails };
 
+/// Where a transaction keeps changes that outgrow its cache: in the file, which no other connection
+/// can read from then on; or in more memory, as much as the pages that it changes.
+enum class Overflow : std::uint8_t { ToFile, ToMemory };
+
 class Workspace {
  public:
-  explicit Workspace(std::string name, Durability durability = Durability::Full)
-      : m_name(std::move(name)), m_durability(durability) {}
+  explicit Workspace(std::string name, Durability durability = Durability::Full,
+                     Overflow overflow = Overflow::ToFile)
+      : m_name(std::move(name)), m_durability(durability), m_overflow(overflow) {}
   ~Workspace();
   Workspace(const Workspace&) = delete;
   Workspace& operator=(const Workspace&) = delete;
@@ -80,6 +89,7 @@ class Workspace {
 
   std::string m_name;
   Durability m_durability;
+  Overflow m_overflow;
   std::map<FileKey, std::weak_ptr<Connection>> m_connections;
   std::vector<std::shared_ptr<Connection>> m_inTransactionConnections;
   bool m_inTransaction = false;
@@ -90,7 +100,8 @@ class DBEngine {
   /// The first workspace, which always exists.
   static Workspace& FirstWorkspace();
   static std::shared_ptr<Workspace> CreateWorkspace(std::string name,
-                                                    Durability durability = Durability::Full);
+                                                    Durability durability = Durability::Full,
+                                                    Overflow overflow = Overflow::ToFile);
 
   /// True while this process has the database file open, in any workspace. Such a file must not be
   /// opened past the engine: closing it again would drop the engine's locks.

@@ -1,7 +1,10 @@
 #include "platform/dao/Dialect.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include "common/clsError.h"
+#include "common/text.h"
 #include "support/NumberOf.h"
 
 namespace sandrel::dao {
@@ -46,14 +49,26 @@ TEST(Dialect, ConditionsKeepTheirGrouping) {
             "'it''s \"x\"' OR \"t\".\"A\" = 'q\"q'");
 }
 
+TEST(Dialect, DeletesWithItsTextsAsParameters) {
+  const Deletion one = TranslateDelete(
+      "DELETE t.*, t.A, t.NotThere From t WHERE (((t.A)=\"it's\") AND (t.B=\"y\"));");
+  EXPECT_EQ(Plain(one.Sql), "DELETE FROM t WHERE ((t.A = ?1) AND (t.B = ?2))");
+  EXPECT_EQ(one.Texts, (std::vector<std::string>{"it's", "y"}));
+}
+
+// The table that loses the record comes last, whichever side of the join it stands on, so that it
+// is searched through its index.
 TEST(Dialect, DeletesByRowIdThroughAJoin) {
-  EXPECT_EQ(Plain(TranslateDelete(
-                "DELETE t.*, t.A, t.NotThere From t WHERE (((t.A)=\"x\") AND ((t.B)=\"y\"));")),
-            "DELETE FROM t WHERE ((t.A = 'x') AND (t.B = 'y'))");
-  EXPECT_EQ(Plain(TranslateDelete(
-                "DELETE t.*, h.Name FROM t INNER JOIN h ON t.H = h.H WHERE (((h.Name)=\"x\"));")),
-            "DELETE FROM t WHERE _rowid_ IN (SELECT t._rowid_ FROM t INNER JOIN h ON t.H = h.H "
-            "WHERE ((h.Name = 'x')))");
+  const char* const tail = " ON t.H = h.H WHERE (((h.Name)=\"x\"));";
+  for (const char* tables : {"t INNER JOIN h", "h INNER JOIN T"}) {
+    EXPECT_EQ(text::Lower(Plain(
+                  TranslateDelete(fmt::format("DELETE t.*, h.Name FROM {}{}", tables, tail)).Sql)),
+              "delete from t where _rowid_ in (select t._rowid_ from h cross join t on t.h = h.h "
+              "where ((h.name = ?1)))");
+  }
+  EXPECT_NE(TranslateDelete(fmt::format("DELETE t.* FROM t LEFT JOIN h{}", tail))
+                .Sql.find("\"t\" LEFT JOIN \"h\""),
+            std::string::npos);
 }
 
 TEST(Dialect, RefusesWhatItDoesNotKnow) {

@@ -1,5 +1,6 @@
 #include "platform/dao/Recordset.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "common/clsError.h"
@@ -207,8 +208,23 @@ TEST_F(RecordsetTest, ExecuteDeletesWhatItNamesAndNothingElse) {
   EXPECT_EQ(m_database->RecordsAffected(), 1);
   m_database->Execute(head + "\"FileName\"");  // text, although a column has that name
   EXPECT_EQ(m_database->RecordsAffected(), 0);
-  table->MoveFirst();
-  EXPECT_EQ(table->Get("FileName").Text(), "y");
+  // The statement is prepared once; each delete has its own texts, taken as they are.
+  const auto deleted = [&](std::string_view name) {
+    m_database->Execute(fmt::format("{}\"{}\";", head, name));
+    return m_database->RecordsAffected();
+  };
+  for (const char* name : {"100%", "100x", "it's", "?1", "a\u2400b"}) Add(*table, 2, name);
+  Add(*table, 3, "it's");
+  EXPECT_EQ(deleted("100%"), 1);
+  EXPECT_EQ(deleted("100%"), 0);
+  EXPECT_EQ(deleted("IT'S"), 2);
+  EXPECT_EQ(deleted("?1"), 1);
+  EXPECT_EQ(deleted(std::string_view("a\0b", 3)), 1);
+  EXPECT_EQ(deleted(""), 0);
+  EXPECT_EQ(Walk(*table, "FileName"), "y,100x,");
+  m_database->Execute("DELETE tblFiles.* FROM tblFiles WHERE tblFiles.Version=\"y\"");
+  EXPECT_EQ(deleted("y"), 1);
+  EXPECT_EQ(table->RecordCount(), 1);
 }
 
 }  // namespace

@@ -101,6 +101,21 @@ TEST_F(WorkspaceTest, OneTransactionSpansTheWorkspace) {
   EXPECT_EQ(Count(m_path), 1);
 }
 
+// More than the cache holds. Changes that overflow into the file would lock everybody else out.
+TEST_F(WorkspaceTest, ATransactionKeptInMemoryLetsOthersRead) {
+  TableDef table("t");
+  table.AppendField({"Name", FieldType::Memo});
+  WithTable(table);
+  Workspace keeping("Keeping", Durability::UntilPowerFails, Overflow::ToMemory);
+  auto held = keeping.OpenDatabase(m_path);
+  keeping.BeginTrans();
+  const std::string large(1'000'000, 'x');
+  for (int i = 0; i < 40; ++i) Add(*held, large.c_str());
+  EXPECT_EQ(Count(m_path), 0);
+  keeping.Rollback();
+  EXPECT_EQ(Count(m_path), 0);
+}
+
 TEST_F(WorkspaceTest, KnowsWhichFilesAreOpen) {
   m_workspace.CreateDatabase(m_path);
   struct stat status {};
