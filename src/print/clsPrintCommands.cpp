@@ -30,7 +30,7 @@ PrintData clsPrintCommands::Load(clsPrintDevice& device) {
 bool clsPrintCommands::ChooseFile(std::string& file) {
   if (!m_printer.WritesFile()) return true;
   file = m_shell.ChooseFile({"Print To PDF File", ".pdf", "", "PDF Files *.pdf|*.pdf",
-                             clsPathText::Folder(m_shell.State.AnalysisPath), true});
+                             clsPathText::TextBeforeLast(m_shell.State.AnalysisPath, "/"), true});
   if (file.empty()) return false;
   return !clsFileWorks::FileExists(file) ||
          m_shell.Ask({fmt::format("WARNING! An existing file by that name ({}) has been found!\n\n"
@@ -39,20 +39,21 @@ bool clsPrintCommands::ChooseFile(std::string& file) {
                       "Confirmation Required", Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
 }
 
-void clsPrintCommands::PrintFrom(const std::function<PrintData(clsPrintDevice& device)>& load,
-                                 bool previewed) {
+// Prints what the preview shows, or else the list on show.
+void clsPrintCommands::Print(const PrintData* previewed) {
   std::string file;
   if (!ChooseFile(file)) return;
   const clsPointerGuard pointer(m_shell, pointer::Hourglass);
   const auto document = m_printer.StartDoc(m_browser.Tree.PageCaption(), file);
   clsPrintDevice& device = document->Device();
-  const PrintData data = load(device);
-  m_shell.SetMousePointer(pointer::Hourglass);
+  const PrintData loaded = previewed == nullptr ? Load(device) : PrintData();
   clsPrintGrid grid(m_settings);
-  printdata::TellLeftOfPrint(m_shell, previewed
-                                          ? printdata::LoadGrid(data.Fields, data.Tag, grid)
-                                          : printdata::FillPrintGrid(data.Fields, grid));
-  grid.Caption = data.Caption;
+  const printdata::Left left = previewed == nullptr
+                                   ? printdata::FillPrintGrid(loaded.Fields, grid)
+                                   : printdata::LoadGrid(previewed->Fields, previewed->Tag, grid);
+  printdata::TellLeftOfPrint(m_shell, left);
+  m_shell.SetMousePointer(pointer::Hourglass);
+  grid.Caption = previewed == nullptr ? loaded.Caption : previewed->Caption;
   PrintArea area = AreaOf(m_printer);
   grid.PrintGrid(area, m_printer, device);
   m_shell.DoEvents(false);
@@ -62,11 +63,11 @@ void clsPrintCommands::PrintFrom(const std::function<PrintData(clsPrintDevice& d
 
 void clsPrintCommands::mnuFilePrint_Click() {
   m_shell.CommitPendingDeletes();
-  PrintFrom([this](clsPrintDevice& device) { return Load(device); }, false);
+  Print(nullptr);
 }
 
 void clsPrintCommands::PrintPreviewed(const PrintData& data) {
-  PrintFrom([&data](clsPrintDevice&) { return data; }, true);
+  Print(&data);
 }
 
 void clsPrintCommands::mnuFilePrintPreview_Click() {

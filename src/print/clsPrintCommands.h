@@ -10,6 +10,7 @@
 #include "config/clsSettings.h"
 #include "platform/printing/clsPrinter.h"
 #include "print/clsFields.h"
+#include "print/clsPrintGrid.h"
 
 namespace sandrel {
 
@@ -50,7 +51,7 @@ class clsPrintCommands {
  private:
   PrintData Load(clsPrintDevice& device);
   bool ChooseFile(std::string& file);
-  void PrintFrom(const std::function<PrintData(clsPrintDevice& device)>& load, bool previewed);
+  void Print(const PrintData* previewed);
 
   clsShell& m_shell;
   clsSettings& m_settings;

@@ -66,6 +66,7 @@ frmSandrel::frmSandrel(clsSettings& settings, const clsHome& home, clsWindowList
       m_analysis(*this, settings, home, nullptr),
       m_browser(*this, settings, m_controls, m_analysis),
       m_export(*this, m_controls, m_browser.Pages, m_analysis),
+      m_print(*this, m_settings, m_controls, m_browser, m_printer),
       m_commandState(*this, settings, home, m_controls) {
   setObjectName("frmSandrel");
   setWindowIcon(icons::Window());
@@ -135,6 +136,7 @@ void frmSandrel::SetCommands() {
   menus["mnuSettingsMachine"].Click = [this] { mnuSettingsMachine_Click(); };
   m_snapshots.FindMachine = [this] { return OpenMachine(); };
   SetExportCommands();
+  SetPrintCommands();
   SetTrayEvents();
 }
 

@@ -16,6 +16,8 @@
 #include "config/clsSettings.h"
 #include "export/clsExportCommands.h"
 #include "platform/process/clsWindowList.h"
+#include "platform/qt/clsQtPrinter.h"
+#include "print/clsPrintCommands.h"
 #include "shell/clsCommandState.h"
 #include "snapshot/clsAnalysis.h"
 #include "snapshot/clsSnapshots.h"
@@ -95,6 +97,8 @@ class frmSandrel final : public QMainWindow, public clsShell {
   void Form_Resize();
   void ShowNotes();
   QWidget* BoxParent();
+  // frmSandrelPrint.cpp
+  void SetPrintCommands();
   // frmSandrelStart.cpp
   void ActivatePreviousInstance();
   void ShowSplash();
@@ -130,6 +134,8 @@ class frmSandrel final : public QMainWindow, public clsShell {
   clsAnalysis m_analysis;
   clsAnalysisBrowser m_browser;
   clsExportCommands m_export;
+  clsQtPrinter m_printer;
+  clsPrintCommands m_print;
   clsCommandState m_commandState;
 
   QWidget* m_client = nullptr;  // what the layout divides

@@ -3,11 +3,11 @@
 
 #include <QApplication>
 #include <QLayout>
-#include <QScreen>
 #include <algorithm>
 
 #include "common/clsFileWorks.h"
 #include "common/text.h"
+#include "config/frmPlacement.h"
 #include "platform/qt/clsTreeWidget.h"
 #include "platform/qt/modTwips.h"
 #include "shell/frmSandrel.h"
@@ -23,9 +23,6 @@ namespace sandrel {
 namespace {
 
 constexpr const char* Section = "Main Form";
-constexpr int Normal = 0;
-constexpr int Minimized = 1;
-constexpr int Maximized = 2;
 
 }  // namespace
 
@@ -123,32 +120,8 @@ void frmSandrel::AskForBefore() {
   }
 }
 
-// Numbers are stored as text, sizes in twips.
 void frmSandrel::LoadWindowPlacement() {
-  const auto number = [this](const char* key, double fallback) {
-    const std::string stored = m_settings.GetSetting(Section, key);
-    constexpr double Most = 1e6;
-    const double twips = stored.empty() ? fallback : text::Val(stored);
-    return qt::ToPixels(static_cast<int>(std::clamp(twips, -Most, Most)));
-  };
-  const int state = static_cast<int>(text::Val(m_settings.GetSetting(Section, "WindowState")));
-  const QRect screen = QApplication::primaryScreen()->availableGeometry();
-  const double screenWidth = qt::ToTwips(screen.width());
-  const double screenHeight = qt::ToTwips(screen.height());
-  QSize size(number("Width", 0.8 * screenWidth), number("Height", 0.8 * screenHeight));
-  if (state != Normal) size = screen.size() * 0.8;
-  resize(size.expandedTo({200, 100}));
-  if (state == Normal) {
-    const double left = qt::ToTwips(screen.x()) + (screenWidth - qt::ToTwips(width())) / 2;
-    const double top = qt::ToTwips(screen.y()) + (screenHeight - qt::ToTwips(height())) / 2;
-    move(number("Left", left), number("Top", top));
-    // The screen that it stood on may be gone.
-    if (QApplication::screenAt(geometry().center()) == nullptr) {
-      move(screen.center() - rect().center());
-    }
-  } else {
-    setWindowState(state == Maximized ? Qt::WindowMaximized : Qt::WindowMinimized);
-  }
+  placement::Load(*this, m_settings, Section);
   const std::string split = m_settings.GetSetting(Section, "SplitPos");
   m_controls.treeView.Width = split.empty()
                                   ? qt::ToTwips(width()) / 4
@@ -158,19 +131,9 @@ void frmSandrel::LoadWindowPlacement() {
 }
 
 void frmSandrel::SaveWindowPlacement() {
-  const int state = isMaximized() ? Maximized : isMinimized() ? Minimized : Normal;
   m_settings.Together([&] {
-    const auto save = [&](const char* key, int number) {
-      m_settings.SaveSetting(Section, key, fmt::to_string(number));
-    };
-    save("WindowState", state);
-    if (state == Normal) {
-      save("Left", qt::ToTwips(pos().x()));
-      save("Top", qt::ToTwips(pos().y()));
-      save("Width", qt::ToTwips(width()));
-      save("Height", qt::ToTwips(height()));
-    }
-    save("SplitPos", m_controls.treeView.Width);
+    placement::Save(*this, m_settings, Section);
+    m_settings.SaveSetting(Section, "SplitPos", fmt::to_string(m_controls.treeView.Width));
   });
 }
 
