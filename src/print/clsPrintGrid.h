@@ -72,8 +72,9 @@ class clsPrintGrid {
   std::string BreakIfNoSpaceIn(double width, const std::string& text, clsPrintDevice& device) const;
 
   /// Draws the pages of `range` on the pictures, from number 0, one picture more than pages may be
-  /// loaded. `paper` is the printer's also here. True when a page was drawn. Raises `PrintMetrics`,
-  /// `PageTooSmall`, 9 without rows, and what the devices raise; their scale modes are restored.
+  /// loaded. `paper` is the printer's also here. True when a page was drawn. Nothing is measured
+  /// again when only the range is another one. Raises `PrintMetrics`, `PageTooSmall`, 9 without
+  /// rows, and what the devices raise; their scale modes are restored.
   bool PrintGrid(PrintArea& area, const clsPaper& paper, clsPictures& pictures, double scaleFactor,
                  PageRange range);
   /// Draws all pages on the printer, whose document has begun.
