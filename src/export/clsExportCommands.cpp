@@ -62,6 +62,13 @@ void clsExportCommands::mnuFileExportToRegFile_Click() {
   const std::string file = m_analysis.SaveDialog("Export To Registry File", "reg",
                                                  "Registry File *.reg|*.reg|All Files *.*|*.*");
   if (file.empty()) return;
+  std::error_code ignored;
+  if (std::filesystem::equivalent(file, m_shell.State.AnalysisPath, ignored)) {
+    throw clsError(errnum::PathFileAccess,
+                   fmt::format("Can't write {}: that file holds the open analysis. Choose another "
+                               "file.",
+                               file));
+  }
   if (clsFileWorks::FileExists(file) &&
       m_shell.Ask({fmt::format("WARNING! An existing file by that name ({}) has been found!\n\n"
                                "Overwrite the existing file?",

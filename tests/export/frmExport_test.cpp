@@ -145,6 +145,8 @@ TEST_F(frmExportTest, KeepsTheOldRegistryFileUntilTheNewOneStands) {
   const std::string dialog = "Export To Registry File|";
   EXPECT_EQ(Export({0}, ""), Lines{dialog});
   EXPECT_EQ(Export({0}, m_reg, {"No"}), (Lines{dialog, question}));
+  EXPECT_EQ(Export({0}, path, {"Ignore"}).size(), 2U);
+  EXPECT_TRUE(m_boxes.Has("that file holds the open analysis") && IsWhole(path));
   const Lines tooLong = Export({0, 1}, m_reg, {"Yes", "Ignore"});
   ASSERT_EQ(tooLong.size(), 3U);
   EXPECT_NE(tooLong[2].find(longName), std::string::npos) << tooLong[2];
