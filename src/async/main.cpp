@@ -1,0 +1,31 @@
+// AsyncStartup: what the user's next logon starts. It removes the entry that started it and becomes
+// the given program.
+//
+//   AsyncStartup PROGRAM [ARGUMENT...]
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "common/clsError.h"
+#include "platform/process/clsRunOnce.h"
+
+int main(int argc, char** argv) {
+  constexpr int Failed = 2;
+  if (argc < 2) {
+    fmt::print(stderr, "Usage: AsyncStartup PROGRAM [ARGUMENT...]\n");
+    return Failed;
+  }
+  try {
+    const sandrel::clsRunOnce entries;
+    entries.DeleteValue(sandrel::clsRunOnce::WizardEntry);
+  } catch (const sandrel::clsError& error) {
+    // The program is to come up all the same.
+    fmt::print(stderr, "AsyncStartup: {}\n", error.what());
+  }
+  execv(argv[1], argv + 1);
+  fmt::print(stderr, "AsyncStartup: can't start {}: {}\n", argv[1], std::strerror(errno));
+  return Failed;
+}
