@@ -6,17 +6,22 @@
 #include <filesystem>
 #include <memory>
 
+#include "browser/Pages.h"
 #include "browser/clsPageReader.h"
 #include "cli/clsCliShell.h"
 #include "cli/clsExports.h"
 #include "cli/clsPageWriter.h"
+#include "cli/modPrintHelper.h"
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
 #include "config/clsHome.h"
 #include "config/clsSettings.h"
+#include "platform/process/clsHostCommands.h"
+#include "snapshot/StatsReport.h"
 #include "snapshot/clsAnalysis.h"
 #include "snapshot/clsSnapshots.h"
 #include "snapshot/modSettingsChange.h"
+#include "wizard/clsShellWorks.h"
 
 #ifndef SANDREL_VERSION
 #define SANDREL_VERSION "0"
@@ -29,7 +34,9 @@ struct Arguments {
   std::string Machine, Home;
   std::string File, Out, Folder;
   std::string Page = "ShowStats", ExportPage = "ShowAllRegistry", CopyPage = "ShowNewFiles";
+  std::string PrintPage = "ShowStats";
   std::string Section, Key, Text, Match;
+  std::vector<std::string> Command;
   bool Yes = false, Json = false, HasText = false;
 };
 
@@ -49,6 +56,8 @@ class clsCommands {
   int Settings();
   int Export();
   int Copy();
+  int PrintToFile();
+  int Watch();
 
  private:
   template <class Body>
@@ -212,6 +221,53 @@ int clsCommands::Copy() {
   return m_shell.ExitStatus();
 }
 
+// What would stop it is found out first: the command changes the machine, and can't be run twice.
+int clsCommands::Watch() {
+  const auto machine = OpenMachine();
+  const HostCommand command = clsHostCommands(machine.get()).Make(m_arguments.Command);
+  const std::string& name = m_arguments.Command.front();
+  if (command.Words.empty()) {
+    throw clsError(errnum::FileNotFound, fmt::format("There is no program {} to run.", name));
+  }
+  const clsHomeLock lock(m_home);
+  clsSnapshots snapshots(m_shell, m_settings, m_home, machine);
+  clsAnalysis analysis(m_shell, m_settings, m_home, machine);
+  m_shell.OnInterrupt = [&] { snapshots.ConfirmCancelScan(); };
+  clsCliShell::CatchInterrupts();
+  const std::string path = std::filesystem::absolute(m_arguments.File).lexically_normal().string();
+  if (!analysis.MayCreate(path)) return m_shell.ExitStatus();
+  snapshots.mnuSnapShotBefore_Click();
+  if (m_shell.ExitStatus() != exitstatus::Done) return Print("");
+
+  m_shell.SetStatusText("");
+  clsShellWorks works(machine.get(), [&] {
+    m_shell.DoEvents(false);
+    return !clsCliShell::WasInterrupted();
+  });
+  const bool ended = works.SyncShell(command, 0, false, false);
+  if (works.StartError() != 0) {
+    throw ErrnoError(works.StartError(), fmt::format("Can't start {}", name));
+  }
+  if (!ended || clsCliShell::WasInterrupted()) return Print("");
+  machine->CloseRegistry();
+  if (!analysis.AfterAndViews(snapshots, path)) return Print("");
+  fmt::print("Analysis Created: {}\n", m_arguments.File);
+  return works.ExitStatus();
+}
+
+int clsCommands::PrintToFile() {
+  const std::string page = PageName(PageByName(m_arguments.PrintPage));
+  OfAnalysis([&] { return ReadStat(dao::DBEngine::FirstWorkspace(), m_arguments.File, ""); });
+  if (clsFileWorks::FileExists(m_arguments.Out) &&
+      m_shell.Ask({fmt::format("WARNING! An existing file by that name ({}) has been found!\n\n"
+                               "Overwrite the existing file?",
+                               std::filesystem::path(m_arguments.Out).filename().string()),
+                   "Confirmation Required", Buttons::YesNo, BoxIcon::None}) != Answer::Yes) {
+    return m_shell.ExitStatus();
+  }
+  return RunPrintHelper(m_arguments.File, m_arguments.Out, page);
+}
+
 int Failed(std::string_view why) {
   clsCliShell shell(false);
   shell.Fail(why);
@@ -249,6 +305,15 @@ int Parse(int argc, char** argv) {
       command("after", "Take the After snapshot and write the analysis", &clsCommands::After);
   after->add_option("FILE", arguments.File, "The analysis to write")->required();
   yes(after);
+  CLI::App* watch = command("watch", "Take both snapshots round a command and write the analysis",
+                            &clsCommands::Watch);
+  watch->add_option("FILE", arguments.File, "The analysis to write")->required();
+  watch
+      ->add_option("COMMAND", arguments.Command,
+                   "What to run, after --: a program of the host, or a Windows program of the "
+                   "machine's by its host or Windows path. Its exit status is passed on")
+      ->required();
+  yes(watch);
   command("replace", "Make the After snapshot the new Before snapshot", &clsCommands::Replace);
   command("status", "Show the machine and the snapshots that exist", &clsCommands::Status);
 
@@ -280,6 +345,14 @@ int Parse(int argc, char** argv) {
   copy->add_option("FOLDER", arguments.Folder, "Where the copies go, as they lie below the drive")
       ->required();
   copy->add_option("PAGE", arguments.CopyPage, "ShowChangedFiles...")->default_str("ShowNewFiles");
+
+  CLI::App* print =
+      command("print", "Print a page of an analysis to a PDF file", &clsCommands::PrintToFile);
+  print->add_option("FILE", arguments.File, "The analysis")->required();
+  print->add_option("OUT", arguments.Out, "The PDF file to write")->required();
+  print->add_option("PAGE", arguments.PrintPage, "ShowNewFiles, ShowAllRegistry...")
+      ->default_str("ShowStats");
+  yes(print);
 
   try {
     app.parse(argc, argv);

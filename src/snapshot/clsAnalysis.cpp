@@ -139,27 +139,40 @@ void clsAnalysis::CheckTarget(const std::string& path) const {
   }
 }
 
-void clsAnalysis::AfterInto(clsSnapshots& snapshots, const std::string& path) {
-  if (path.empty()) return;
+// One statement of the After command; false when it failed or said so.
+bool clsAnalysis::Try(const std::function<bool()>& statement) {
   bool goOn = false;
-  std::optional<clsHomeLock> lock;  // from the question to the finished analysis
   clsStatements run(m_shell, "frmSandrel.mnuSnapShotAfter");
-  run.Command(
-      [&] {
-        run([&] {
-          lock.emplace(m_home);
-          CheckTarget(path);
-          goOn =
-              !clsFileWorks::FileExists(path) ||
-              m_shell.Ask({fmt::format("WARNING! An existing file by that name ({}) has been "
-                                       "found!\n\nOverwrite the existing file?",
-                                       std::filesystem::path(path).filename().string()),
-                           "Confirmation Required", Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
-        });
-      },
-      [] {});
-  if (!goOn || !snapshots.AfterSnapshot()) return;
-  CreateViews(path);
+  run.Command([&] { run([&] { goOn = statement(); }); }, [] {});
+  return goOn;
+}
+
+bool clsAnalysis::MayCreate(const std::string& path) {
+  return Try([&] {
+    CheckTarget(path);
+    return !clsFileWorks::FileExists(path) ||
+           m_shell.Ask({fmt::format("WARNING! An existing file by that name ({}) has been "
+                                    "found!\n\nOverwrite the existing file?",
+                                    std::filesystem::path(path).filename().string()),
+                        "Confirmation Required", Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
+  });
+}
+
+bool clsAnalysis::AfterInto(clsSnapshots& snapshots, const std::string& path) {
+  if (path.empty()) return false;
+  std::optional<clsHomeLock> lock;  // from the question to the finished analysis
+  return Try([&] { return (lock.emplace(m_home), true); }) && MayCreate(path) &&
+         AfterAndViews(snapshots, path);
+}
+
+bool clsAnalysis::AfterAndViews(clsSnapshots& snapshots, const std::string& path) {
+  std::optional<clsHomeLock> lock;  // between the two
+  return Try([&] {
+           lock.emplace(m_home);
+           CheckTarget(path);
+           return true;
+         }) &&
+         snapshots.AfterSnapshot() && CreateViews(path);
 }
 
 bool clsAnalysis::CreateViews(const std::string& ViewPath) {

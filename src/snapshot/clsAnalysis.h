@@ -37,8 +37,15 @@ class clsAnalysis {
   /// Asks for the file, takes the After snapshot and makes the analysis.
   void mnuSnapShotAfter_Click(clsSnapshots& snapshots);
 
-  /// The same with the file known: asks before it overwrites one.
-  void AfterInto(clsSnapshots& snapshots, const std::string& path);
+  /// The same with the file known: asks before it overwrites one. True when the analysis is
+  /// complete.
+  bool AfterInto(clsSnapshots& snapshots, const std::string& path);
+  /// Whether an analysis can be written to `path` (host path): reports why not, and asks before one
+  /// is overwritten.
+  bool MayCreate(const std::string& path);
+  /// Takes the After snapshot and makes the analysis without a question about its file. True when
+  /// it is complete.
+  bool AfterAndViews(clsSnapshots& snapshots, const std::string& path);
 
   /// Makes the analysis `ViewPath` (host path), or the one that the program's state names when it
   /// is empty, from the snapshots, after taking the exclusions out of them for good. True when it
@@ -53,6 +60,7 @@ class clsAnalysis {
   std::function<void(std::string_view phase, std::string_view table)> OnPhase;
 
  private:
+  bool Try(const std::function<bool()>& statement);
   void CheckTarget(const std::string& path) const;
   void Create(clsStatements& run);
   void ApplyExclusions(clsStatements& run);

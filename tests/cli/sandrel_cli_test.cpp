@@ -266,5 +266,32 @@ TEST_F(SandrelCliStopped, TwoCommandsDoNotWorkOnOneHome) {
   EXPECT_EQ(ReadSnapshotLevel(Working()), SnapshotLevel::Before);
 }
 
+TEST_F(SandrelCli, WatchesACommand) {
+  const std::string added = m_sample.HostPath("C:\\New\\a.txt");
+  const auto watch = [&](std::vector<std::string> command, std::vector<std::string> first = {}) {
+    std::vector<std::string> arguments = {"watch"};
+    arguments.insert(arguments.end(), first.begin(), first.end());
+    arguments.insert(arguments.end(), {File(), "--"});
+    arguments.insert(arguments.end(), command.begin(), command.end());
+    return arguments;
+  };
+  const std::string install =
+      "mkdir -p '" + added.substr(0, added.rfind('/')) + "'; echo list > '" + added + "'; exit 42";
+  const Result done = Run(watch({"sh", "-c", install}));
+  EXPECT_EQ(done.Status, 42);
+  EXPECT_EQ(done.Out, "Analysis Created: " + File() + "\n");
+  EXPECT_EQ(done.Err, "");
+  EXPECT_EQ(Cell(File(), "SELECT PathName || FileName FROM tblNewFiles"), "C:\\New\\a.txt");
+
+  // What stops it is found before anything is changed.
+  const std::string marker = m_temp.Of("marker");
+  ExpectFailure(watch({"touch", marker}), 1, "Overwrite the existing file?");
+  ExpectFailure(watch({"no-such-program"}, {"--yes"}), 2, "There is no program no-such-program");
+  ExpectFailure({"watch", m_temp.Of("none/x.mdb"), "--", "touch", marker}, 2, "there is no folder");
+  EXPECT_FALSE(clsFileWorks::FileExists(marker));
+  EXPECT_EQ(Run(watch({"touch", marker}, {"--yes"})).Status, 0);
+  EXPECT_EQ(Cell(File(), "SELECT count(*) FROM tblNewFiles"), "0");
+}
+
 }  // namespace
 }  // namespace sandrel
