@@ -86,7 +86,7 @@ void clsAnalysisFiles::mnuFile_Click() {
   for (const char* button : {"Close", "Print", "PrintPreview"}) {
     m_controls.EnableButton(button, open);
   }
-  const bool rows = open && m_pages.CountSelected(false) > 0;
+  const bool rows = open && m_pages.CountSelected(true) > 0;  // folders are copied too
   bool registry = false;
   bool files = false;
   switch (m_pages.CurrentListIndex()) {

@@ -269,7 +269,7 @@ void clsEditing::mnuEdit_Click() {
   const bool open = !m_shell.State.AnalysisPath.empty();
   const bool rows =
       open && m_pages.CurrentListIndex() != page::Stats && m_pages.CountSelected(false) >= 1;
-  enable("mnuEditUndo", "Undo", m_controls.PendingDeletes);
+  enable("mnuEditUndo", "Undo", open && m_controls.PendingDeletes);
   enable("mnuEditDelete", "Delete", rows);
   enable("mnuEditCopy", "Copy", rows);
   m_controls.Menus["mnuEditSelectAll"].SetEnabled(open && m_pages.CurrentList().RowCount() > 0);

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <unordered_set>
 
@@ -12,14 +13,38 @@
 #include "export/clsSandrelFileCopy.h"
 
 namespace sandrel {
+namespace {
+
+// The folder that a node stands for, as the tree writes it; empty above the folders.
+std::string FolderOf(const Node* node) {
+  std::string folder;
+  for (; node != nullptr; node = node->Parent()) {
+    const std::string& key = node->Key();
+    if (key == "NewFiles" || key == "ChangedFiles" || key == "DeletedFiles" || key == "Files") {
+      break;
+    }
+    folder.insert(0, "\\" + node->Text());
+  }
+  return folder.size() >= 2 ? folder.substr(1) : folder;
+}
+
+bool IsInOneOf(const std::vector<std::string>& folders, std::string_view path) {
+  if (folders.empty()) return false;
+  const std::string folder = clsPathText::AddSeparator(clsPages::FolderText(path));
+  return std::any_of(folders.begin(), folders.end(), [&](const std::string& above) {
+    return folder.starts_with(clsPathText::AddSeparator(above));
+  });
+}
+
+}  // namespace
 
 clsExportCommands::clsExportCommands(clsShell& shell, clsMainControls& controls, clsPages& pages,
                                      clsAnalysis& analysis)
     : m_shell(shell), m_controls(controls), m_pages(pages), m_analysis(analysis) {}
 
 // The selected rows of the page on show, as rows of the list `source` in its order. Rows of the
-// view of a hive or a folder stand for the rows of the same key on the page that they come from;
-// folders stand for none.
+// view of a hive or a folder stand for the rows of the same key on the page that they come from; a
+// folder stands for all files in it and below.
 std::vector<std::size_t> clsExportCommands::SelectedSourceRows(int& source) const {
   const int index = m_pages.CurrentListIndex();
   const ListView& shown = m_controls.List(index);
@@ -28,13 +53,20 @@ std::vector<std::size_t> clsExportCommands::SelectedSourceRows(int& source) cons
   source = isView && shown.RowCount() > 0 ? shown.RowTag(0) : index;
   const ListView& list = m_controls.List(source);
   std::unordered_set<std::uint32_t> numbers;
-  for (const RowKey key : shown.SelectedKeys()) {
-    if (key.Statement != 0) numbers.insert(key.Number);
+  std::vector<std::string> folders;
+  for (std::size_t row = 0; row < shown.RowCount(); ++row) {
+    if (!shown.Selected(row)) continue;
+    if (shown.Key(row).Statement != 0) {
+      numbers.insert(shown.Key(row).Number);
+    } else if (const Node* const node = m_controls.treeView.Find(shown.KeyText(row))) {
+      folders.push_back(FolderOf(node));
+    }
   }
   for (std::size_t row = 0; row < list.RowCount(); ++row) {
-    if (isView ? numbers.count(list.Key(row).Number) != 0 : list.Selected(row)) {
-      rows.push_back(row);
-    }
+    const bool chosen =
+        isView ? numbers.count(list.Key(row).Number) != 0 || IsInOneOf(folders, list.Text(row))
+               : list.Selected(row);
+    if (chosen) rows.push_back(row);
   }
   return rows;
 }
@@ -90,16 +122,7 @@ void clsExportCommands::mnuFileExportToRegFile_Click() {
 }
 
 std::string clsExportCommands::RootPrefix() const {
-  std::string prefix;
-  for (const Node* node = m_controls.treeView.SelectedItem(); node != nullptr;
-       node = node->Parent()) {
-    const std::string& key = node->Key();
-    if (key == "NewFiles" || key == "ChangedFiles" || key == "DeletedFiles" || key == "Files") {
-      break;
-    }
-    prefix.insert(0, "\\" + node->Text());
-  }
-  return prefix.size() >= 2 ? prefix.substr(1) : prefix;
+  return FolderOf(m_controls.treeView.SelectedItem());
 }
 
 void clsExportCommands::mnuFileExportFiles_Click() {

@@ -253,8 +253,11 @@ class Walk {
     static const std::vector<std::string> Files = {"first.mdb",  "second.mdb", "third",
                                                    "broken.mdb", "folder.mdb", "missing/x.mdb"};
     static const std::vector<std::string> Folders = {"machine", "nomachine", "missing"};
+    // What is saved is no analysis, so its names are others: an analysis would rightly be replaced.
+    static const std::vector<std::string> Saved = {"out", "out.reg", "folder.mdb", "missing/x"};
     const bool folder = dialog.fileMode() == QFileDialog::Directory;
-    const std::string chosen = m_desk.Temp.Of(OneOf(folder ? Folders : Files));
+    const bool save = dialog.acceptMode() == QFileDialog::AcceptSave;
+    const std::string chosen = m_desk.Temp.Of(OneOf(folder ? Folders : save ? Saved : Files));
     if (Chance(10)) BreakFile();
     Note("dialog: " + chosen);
     name->setText(QString::fromStdString(chosen));
