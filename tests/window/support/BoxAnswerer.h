@@ -92,8 +92,12 @@ class BoxAnswerer {
     const std::string folder = Files.empty() ? "" : Files.front();
     if (!Files.empty()) Files.pop_front();
     if (folder.empty()) return picker.reject();
-    picker.SetFolder(folder);
-    picker.accept();
+    // Outside of the timer, which looks at the box that may come up here; after that box the picker
+    // is given the next folder.
+    QTimer::singleShot(0, &picker, [&picker, folder] {
+      picker.SetFolder(folder);
+      picker.accept();
+    });
   }
 
   QTimer m_timer;
