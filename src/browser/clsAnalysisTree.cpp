@@ -172,11 +172,15 @@ Node& clsAnalysisTree::AddFolderNode(Node& parent, const std::string& text, cons
   return there != nullptr ? *there : m_controls.treeView.Add(&parent, key, text, imageKey);
 }
 
+std::string clsAnalysisTree::CaptionStem(int page) {
+  return CaptionStems[page];
+}
+
 std::string clsAnalysisTree::PageCaption() const {
   const std::string& tag = m_controls.listView[0].Tag;
   const int index = PageIndex(tag);
   std::string stem;
-  if (index != 0 || tag == PageName(0)) stem = CaptionStems[index];
+  if (index != 0 || tag == PageName(0)) stem = CaptionStem(index);
   if (index >= page::SharedPage) stem += m_controls.listView[static_cast<std::size_t>(index)].Tag;
   return stem + " - " + AnalysisName();
 }

@@ -33,6 +33,8 @@ class clsAnalysisTree {
 
   /// The heading of the page on show: "Files - New - x.mdb".
   std::string PageCaption() const;
+  /// How the heading of a page begins: "Files - New".
+  static std::string CaptionStem(int page);
   /// The last part of the analysis' path.
   std::string AnalysisName() const;
 

@@ -5,26 +5,8 @@
 #include "common/clsFileWorks.h"
 #include "common/clsPathText.h"
 #include "print/clsPrintData.h"
-#include "print/clsPrintGrid.h"
 
 namespace sandrel {
-
-PrintArea AreaOf(const clsPaper& paper) {
-  constexpr double TwipsPerInch = 1440;
-  PrintArea area;
-  area.LeftMargin = 0.5F;
-  area.TopMargin = 0.5F;
-  area.PrintWidth = static_cast<float>(paper.Width() / TwipsPerInch - 1);
-  area.PrintHeight = static_cast<float>(paper.Height() / TwipsPerInch - 1);
-  return area;
-}
-
-PrintData clsPrintCommands::Load(clsPrintDevice& device) {
-  const clsPointerGuard pointer(m_shell, pointer::Hourglass);
-  const clsPrintGrid grid(m_settings);
-  return {printdata::LoadFields(m_browser.Pages.CurrentList(), grid, device), m_controls.PageTag(),
-          m_browser.Tree.PageCaption()};
-}
 
 // Where the pages go when the printer is a file; false when the user cancelled.
 bool clsPrintCommands::ChooseFile(std::string& file) {
@@ -39,41 +21,38 @@ bool clsPrintCommands::ChooseFile(std::string& file) {
                       "Confirmation Required", Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
 }
 
-// Prints what the preview shows, or else the list on show.
-void clsPrintCommands::Print(const PrintData* previewed) {
+template <class Pages>
+void clsPrintCommands::Print(Pages&& pages) {
   std::string file;
   if (!ChooseFile(file)) return;
   const clsPointerGuard pointer(m_shell, pointer::Hourglass);
-  const auto document = m_printer.StartDoc(m_browser.Tree.PageCaption(), file);
-  clsPrintDevice& device = document->Device();
-  const PrintData loaded = previewed == nullptr ? Load(device) : PrintData();
-  clsPrintGrid grid(m_settings);
-  const printdata::Left left = previewed == nullptr
-                                   ? printdata::FillPrintGrid(loaded.Fields, grid)
-                                   : printdata::LoadGrid(previewed->Fields, previewed->Tag, grid);
-  printdata::TellLeftOfPrint(m_shell, left);
-  m_shell.SetMousePointer(pointer::Hourglass);
-  grid.Caption = previewed == nullptr ? loaded.Caption : previewed->Caption;
-  PrintArea area = AreaOf(m_printer);
-  grid.PrintGrid(area, m_printer, device);
-  m_shell.DoEvents(false);
-  document->EndDoc();
-  m_shell.SetStatusText(fmt::format("{} Page(s) Printed", grid.NumPages()));
+  clsPrintJob job(m_shell, m_settings, m_printer, m_browser.Tree.PageCaption(), file);
+  m_shell.SetStatusText(fmt::format("{} Page(s) Printed", pages(job)));
 }
 
 void clsPrintCommands::mnuFilePrint_Click() {
   m_shell.CommitPendingDeletes();
-  Print(nullptr);
+  Print([this](clsPrintJob& job) {
+    return job.Print({job.LoadFields(m_browser.Pages.CurrentList()), m_controls.PageTag(),
+                      m_browser.Tree.PageCaption()},
+                     clsPrintJob::Widths::Even);
+  });
 }
 
 void clsPrintCommands::PrintPreviewed(const PrintData& data) {
-  Print(&data);
+  Print([&data](clsPrintJob& job) { return job.Print(data, clsPrintJob::Widths::OfPage); });
 }
 
 void clsPrintCommands::mnuFilePrintPreview_Click() {
   m_shell.CommitPendingDeletes();
-  const auto sizer = m_printer.MakeSizer();
-  ShowPreview(Load(*sizer));
+  PrintData data{{}, m_controls.PageTag(), m_browser.Tree.PageCaption()};
+  {
+    const clsPointerGuard pointer(m_shell, pointer::Hourglass);
+    const auto sizer = m_printer.MakeSizer();
+    const clsPrintGrid grid(m_settings);
+    data.Fields = printdata::LoadFields(m_browser.Pages.CurrentList(), grid, *sizer);
+  }
+  ShowPreview(data);
 }
 
 void clsPrintCommands::mnuFilePrintSetup_Click() {

@@ -9,17 +9,9 @@
 #include "common/clsShell.h"
 #include "config/clsSettings.h"
 #include "platform/printing/clsPrinter.h"
-#include "print/clsFields.h"
-#include "print/clsPrintGrid.h"
+#include "print/clsPrintJob.h"
 
 namespace sandrel {
-
-/// What is printed: the list of a page as it was when the command began.
-struct PrintData {
-  clsFields Fields;
-  std::string Tag;      ///< the page's name, as "ShowNewFiles"
-  std::string Caption;  ///< the heading
-};
 
 class clsPrintCommands {
  public:
@@ -49,9 +41,9 @@ class clsPrintCommands {
   void PrintPreviewed(const PrintData& data);
 
  private:
-  PrintData Load(clsPrintDevice& device);
   bool ChooseFile(std::string& file);
-  void Print(const PrintData* previewed);
+  template <class Pages>
+  void Print(Pages&& pages);
 
   clsShell& m_shell;
   clsSettings& m_settings;
@@ -59,8 +51,5 @@ class clsPrintCommands {
   clsAnalysisBrowser& m_browser;
   clsPrinter& m_printer;
 };
-
-/// All of the sheet but half an inch at each side.
-PrintArea AreaOf(const clsPaper& paper);
 
 }  // namespace sandrel
