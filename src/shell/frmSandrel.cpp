@@ -29,6 +29,7 @@
 #include "platform/qt/modPump.h"
 #include "platform/qt/modTwips.h"
 #include "shell/frmSplash.h"
+#include "wizard/frmWizard.h"
 
 namespace sandrel {
 namespace {
@@ -137,6 +138,7 @@ void frmSandrel::SetCommands() {
   m_snapshots.FindMachine = [this] { return OpenMachine(); };
   SetExportCommands();
   SetPrintCommands();
+  SetWizardCommands();
   SetTrayEvents();
 }
 
@@ -236,6 +238,7 @@ void frmSandrel::UpdateCommandState() {
 
 QWidget* frmSandrel::BoxParent() {
   if (QWidget* const dialog = QApplication::activeModalWidget()) return dialog;
+  if (m_wizard != nullptr && m_wizard->isVisible()) return m_wizard.get();
   return isVisible() ? this : nullptr;
 }
 

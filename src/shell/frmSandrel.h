@@ -33,13 +33,16 @@ class clsSplitBar;
 class clsStatusBarWidget;
 class clsToolbarWidget;
 class clsTreeWidget;
+class clsWizardCommands;
 class frmSplash;
+class frmWizard;
 
 /// What the program was started with.
 struct StartOptions {
   std::string Machine;  ///< host path of the machine's folder; empty for the one the settings name
   std::string Command;  ///< the rest of the command line
   bool PrevInstance = false;  ///< the program runs on this home folder already
+  std::string Program;        ///< host path of the executable that a restart goes on with
 };
 
 class frmSandrel final : public QMainWindow, public clsShell {
@@ -78,7 +81,7 @@ class frmSandrel final : public QMainWindow, public clsShell {
   void UpdateCommandState() override;
   void RefreshMenus() override { m_commandState.RefreshMenus(); }
   void ShowBeforeTime(std::string_view text) override;
-  void BeforeSnapshotEnded() override {}
+  void BeforeSnapshotEnded() override;
   void CommitPendingDeletes() override { m_browser.Editing.CommitPendingDeletes(); }
   void CloseAnalysis() override { m_browser.mnuFileClose_Click(); }
   void OpenAnalysis(const std::string& path) override;
@@ -122,6 +125,11 @@ class frmSandrel final : public QMainWindow, public clsShell {
   std::shared_ptr<clsMachine> OpenMachine();
   void ForgetMachine();
   void mnuSettingsMachine_Click();
+  // frmSandrelWizard.cpp
+  class clsWizardSide;
+  void SetWizardCommands();
+  void mnuSnapShotWizard_Click();
+  void GoOnWithWizard();
   // frmSandrelConfig.cpp
   void mnuSettingsConfig_Click();
 
@@ -148,6 +156,8 @@ class frmSandrel final : public QMainWindow, public clsShell {
   QTimer* Timer = nullptr;
   QMenu* mnuSysTrayPopup = nullptr;
   std::unique_ptr<frmSplash> m_splash;
+  std::unique_ptr<clsWizardCommands> m_wizardCommands;
+  std::unique_ptr<frmWizard> m_wizard;
 
   std::string m_notes;          // to be told when no scan runs
   std::string m_machineFolder;  // what was chosen in this session; empty for none

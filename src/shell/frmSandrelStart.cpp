@@ -57,6 +57,7 @@ void frmSandrel::Form_Load() {
         if (m_unloaded) return;
         if (checkBeforeSnapshot) run([&] { AskForBefore(); });
         if (m_unloaded) return;
+        if (m_options.Command == "/wizard page4") run([&] { GoOnWithWizard(); });
         run([&] { m_snapshots.ShowLastBeforeSnapshot(); });
         run([&] { RefreshMenus(); });
       },

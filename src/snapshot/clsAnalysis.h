@@ -40,6 +40,8 @@ class clsAnalysis {
   /// The same with the file known: asks before it overwrites one. True when the analysis is
   /// complete.
   bool AfterInto(clsSnapshots& snapshots, const std::string& path);
+  /// Raises why an analysis can't be written to `path` (host path).
+  void CheckTarget(const std::string& path) const;
   /// Whether an analysis can be written to `path` (host path): reports why not, and asks before one
   /// is overwritten.
   bool MayCreate(const std::string& path);
@@ -61,7 +63,6 @@ class clsAnalysis {
 
  private:
   bool Try(const std::function<bool()>& statement);
-  void CheckTarget(const std::string& path) const;
   void Create(clsStatements& run);
   void ApplyExclusions(clsStatements& run);
   // The objects may be missing: a statement that was to make one can have failed and been ignored.

@@ -1,0 +1,175 @@
+// The wizard over the main window's commands.
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <thread>
+
+#include "common/clsError.h"
+#include "common/clsFileWorks.h"
+#include "platform/process/clsHostCommands.h"
+#include "platform/process/clsRunOnce.h"
+#include "shell/frmSandrel.h"
+#include "snapshot/clsStatements.h"
+#include "wizard/clsControlsWorks.h"
+#include "wizard/clsShellWorks.h"
+#include "wizard/frmWizard.h"
+
+namespace sandrel {
+
+class frmSandrel::clsWizardSide final : public clsWizardCommands {
+ public:
+  explicit clsWizardSide(frmSandrel& form) : m_form(form) {}
+
+  bool IsGone() const override { return m_form.m_unloaded; }
+  bool IsBusy() const override { return m_form.State.Busy; }
+  Answer Ask(const MessageBox& box) override { return m_form.Ask(box); }
+  void SetMainVisible(bool visible) override { m_form.setVisible(visible); }
+  std::string Folder() const override { return m_form.m_home.Path(); }
+
+  void ShowConfig() override { m_form.m_controls.Menus.Run("mnuSettingsConfig"); }
+  bool BeforeSnapshot() override;
+  void ReplaceBefore() override { m_form.m_controls.Menus.Run("mnuSnapShotRollUp"); }
+  bool CanReplaceBefore() const override {
+    return m_form.m_controls.Menus["mnuSnapShotRollUp"].IsUsable();
+  }
+  SnapshotLevel GetSnapshotLevel() const override { return m_form.m_snapshots.GetSnapshotLevel(); }
+  std::string SnapshotTime(const char* which) const override {
+    return m_form.m_settings.GetSetting("Snapshot Creation Time", which);
+  }
+  void CheckAnalysis(const std::string& path) override { m_form.m_analysis.CheckTarget(path); }
+  bool MakeAnalysis(const std::string& path) override;
+
+  void CheckProgram(const std::string& commandLine) override {
+    clsHostCommands(Machine().get()).Make(commandLine);
+  }
+  void RunProgram(const std::string& commandLine) override;
+  void Wait(std::int32_t seconds) override;
+  void StoreRunOnce() override;
+  void DeleteRunOnce() override;
+
+  std::string ChooseProgram() override;
+  std::string ChooseAnalysis() override { return m_form.m_analysis.GetViewNameAndLocation(""); }
+
+ private:
+  std::shared_ptr<clsMachine> Machine();
+  bool PassMessages();
+
+  frmSandrel& m_form;
+};
+
+// Programs of the host can be run without a machine.
+std::shared_ptr<clsMachine> frmSandrel::clsWizardSide::Machine() {
+  try {
+    return m_form.OpenMachine();
+  } catch (const clsError&) {
+    return nullptr;
+  }
+}
+
+bool frmSandrel::clsWizardSide::PassMessages() {
+  m_form.DoEvents(false);
+  return !m_form.m_unloaded;
+}
+
+// What was there and stays, as the user doesn't want it overwritten, is a Before snapshot too.
+bool frmSandrel::clsWizardSide::BeforeSnapshot() {
+  m_form.SetBeforeSSCompleteNotify(true);
+  m_form.m_controls.Menus.Run("mnuSnapShotBefore");
+  m_form.SetBeforeSSCompleteNotify(false);
+  return !m_form.CloseDown() && GetSnapshotLevel() != SnapshotLevel::None;
+}
+
+bool frmSandrel::clsWizardSide::MakeAnalysis(const std::string& path) {
+  bool made = false;
+  m_form.SnapshotCommand([&] { made = m_form.m_analysis.AfterAndViews(m_form.m_snapshots, path); });
+  return made;
+}
+
+// No other command begins meanwhile, though messages pass.
+void frmSandrel::clsWizardSide::RunProgram(const std::string& commandLine) {
+  const auto machine = Machine();
+  m_form.SnapshotCommand([&] {
+    m_form.UpdateCommandState();
+    PassMessages();
+    clsShellWorks(machine.get(), [this] {
+      return PassMessages();
+    }).SyncShell(commandLine, 0, false, false);
+  });
+}
+
+void frmSandrel::clsWizardSide::Wait(std::int32_t seconds) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+  m_form.SnapshotCommand([&] {
+    m_form.UpdateCommandState();
+    while (PassMessages() && std::chrono::steady_clock::now() < end) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+  });
+}
+
+// The program that comes back looks at the same machine, home and settings.
+void frmSandrel::clsWizardSide::StoreRunOnce() {
+  std::vector<std::string> variables = {"SANDREL_MACHINE=" + m_form.MachineToOpen(),
+                                        "SANDREL_HOME=" + m_form.m_home.Path()};
+  for (const char* name : {"SANDREL_SETTINGS", "SANDREL_USER", "SANDREL_NETWORK"}) {
+    const char* const value = std::getenv(name);
+    if (value != nullptr) variables.push_back(std::string(name) + "=" + value);
+  }
+  const std::string& program = m_form.m_options.Program;
+  const std::string launcher = std::filesystem::path(program).parent_path() / "AsyncStartup";
+  clsRunOnce().SetValue(clsRunOnce::WizardEntry, {launcher, program, "/wizard", "page4"},
+                        variables);
+}
+
+void frmSandrel::clsWizardSide::DeleteRunOnce() {
+  clsStatements run(m_form, "frmWizard.DisplayPage");
+  run.Command([&] { run([] { clsRunOnce().DeleteValue(clsRunOnce::WizardEntry); }); }, [] {});
+}
+
+std::string frmSandrel::clsWizardSide::ChooseProgram() {
+  std::string path;
+  clsStatements run(m_form, "frmWizard.RunDialog");
+  run.Command(
+      [&] {
+        run([&] {
+          path = m_form.ChooseFile(
+              {"Browse", "", "", "Programs|*.exe;*.com;*.bat|All Files *.*|*.*", Folder(), false});
+        });
+      },
+      [] {});
+  return path;
+}
+
+void frmSandrel::SetWizardCommands() {
+  if (m_options.Program.empty()) {
+    std::error_code unknown;
+    m_options.Program = std::filesystem::read_symlink("/proc/self/exe", unknown).string();
+  }
+  m_wizardCommands = std::make_unique<clsWizardSide>(*this);
+  for (const char* item : {"mnuSnapShotWizard", "mnuSysTrayPopupWizard"}) {
+    m_controls.Menus[item].Click = [this] { mnuSnapShotWizard_Click(); };
+  }
+}
+
+void frmSandrel::mnuSnapShotWizard_Click() {
+  if (m_wizard != nullptr && m_wizard->IsRunning()) return;
+  if (!clsControlsWorks::IsLoaded(m_wizard.get())) {
+    m_wizard = std::make_unique<frmWizard>(*m_wizardCommands, this);
+  }
+  m_wizard->ShowAgain();
+}
+
+// The machine was restarted while the wizard waited for the installer.
+void frmSandrel::GoOnWithWizard() {
+  UnloadSplash();
+  mnuSnapShotWizard_Click();
+  std::int16_t installed = 4;
+  m_wizard->DisplayPage(installed, true, false);
+}
+
+void frmSandrel::BeforeSnapshotEnded() {
+  if (!clsControlsWorks::IsLoaded(m_wizard.get())) return;
+  CloseDown() ? m_wizard->Unload() : m_wizard->ShowAgain();
+}
+
+}  // namespace sandrel

@@ -1,0 +1,34 @@
+#include "wizard/clsWizard.h"
+
+#include "common/clsError.h"
+
+namespace sandrel {
+
+void clsWizard::Resize(std::span<WizardPage> pages) {
+  for (WizardPage& page : pages) {
+    page.Top = 0;
+    page.Left = PictureWidth + 1;
+  }
+}
+
+void clsWizard::SetPageVisible(std::span<WizardPage> pages, std::int16_t page, bool& nextEnabled,
+                               bool& previousEnabled) {
+  Resize(pages);
+  const auto last = static_cast<std::int16_t>(pages.size()) - 1;
+  for (std::size_t index = 0; index < pages.size(); ++index) {
+    pages[index].Visible = static_cast<int>(index) == page;
+  }
+  nextEnabled = page != last;
+  previousEnabled = page != 0;
+}
+
+std::string clsWizard::FileOpen(clsShell& dialog, const std::string& fileName,
+                                const std::string& title, const std::string& filter) {
+  try {
+    return dialog.ChooseFile({title, "", fileName, filter, "", false});
+  } catch (const clsError&) {
+    return {};
+  }
+}
+
+}  // namespace sandrel

@@ -1,0 +1,257 @@
+#include "wizard/frmWizard.h"
+
+#include <sys/stat.h>
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include "platform/process/clsRunOnce.h"
+#include "support/Rows.h"
+#include "support/RunAtLogon.h"
+#include "support/Variables.h"
+#include "window/support/WindowFixture.h"
+#include "wizard/clsControlsWorks.h"
+
+namespace sandrel::test {
+namespace {
+
+class Wizard : public WindowFixture {
+ protected:
+  Wizard() {
+    std::filesystem::create_directory(m_temp.Of("home"));
+    clsFileWorks::ReplaceWhole(Working(), "");  // no question about a Before snapshot at the start
+    m_options.Program = m_temp.Of("program");
+    std::filesystem::create_symlink(SANDREL_ASYNC_STARTUP, m_temp.Of("AsyncStartup"));
+    m_boxes.OnBox = [this](QWidget&) { m_shownAtBox.push_back(IsShown()); };
+  }
+
+  void StartWizard() {
+    Start(m_options);
+    clsFileWorks::DeleteFile(Working());
+    m_form->UpdateCommandState();
+    ASSERT_TRUE(Choose("mnuSnapShotWizard"));
+  }
+  /// Writes a program of the host and gives its command line.
+  std::string Script(const std::string& name, const std::string& text) {
+    const std::string path = m_temp.Of(name);
+    clsFileWorks::ReplaceWhole(path, "#!/bin/sh\n" + text + "\n");
+    chmod(path.c_str(), 0755);
+    return '"' + path + '"';
+  }
+  /// An installer that adds a file, and keeps what the next logon would run while it is at work.
+  std::string Installer(const std::string& rest = "") {
+    return Script("set up", "mkdir '" + m_sample.HostPath("C:\\Acme") + "'; echo acme > '" +
+                                m_sample.HostPath("C:\\Acme\\acme.txt") + "'; cp '" + Entry() +
+                                "' '" + m_temp.Of("kept") + "'; " + rest);
+  }
+  std::string Entry() const { return clsRunOnce().PathOf("zqSandrel"); }
+
+  frmWizard* Form() { return m_form->findChild<frmWizard*>(); }
+  bool IsShown() { return Form() != nullptr && Form()->isVisible(); }
+  void Press(const char* button) { QTest::mouseClick(Find<QPushButton>(button), Qt::LeftButton); }
+  void Next(int times = 1) {
+    for (int i = 0; i < times; ++i) Press("cmdNext");
+  }
+  void Option(const std::string& name) {
+    auto* const option = Find<QRadioButton>(name);
+    QTest::mouseClick(option, Qt::LeftButton, {}, QPoint(8, option->height() / 2));
+    EXPECT_TRUE(option->isChecked()) << name;
+  }
+  void Type(const char* edit, const std::string& text) {
+    auto* const line = Find<QLineEdit>(edit);
+    line->setFocus();
+    line->selectAll();
+    QTest::keyClicks(line, QString::fromStdString(text));
+  }
+  int Page() {
+    int shown = -1;
+    for (int i = 0; i < clsWizardFlow::PageCount; ++i) {
+      if (Find(clsMainControls::Element("picPage", i))->isVisible()) {
+        EXPECT_EQ(shown, -1);
+        shown = i;
+      }
+    }
+    return shown;
+  }
+  /// What stands on the page on show, and whether every label has the room that it needs.
+  void ExpectRoom() {
+    for (const QLabel* const label : Form()->findChildren<QLabel*>()) {
+      if (!label->isVisible() || label->text().isEmpty()) continue;
+      const int needed =
+          label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height();
+      EXPECT_LE(needed, label->height()) << label->text().toStdString();
+      EXPECT_TRUE(label->wordWrap() || label->sizeHint().width() <= label->width());
+    }
+  }
+  void TakePicture(const std::string& name) {
+    const char* const folder = std::getenv("SANDREL_PICTURES");
+    if (folder == nullptr) return;
+    EXPECT_TRUE(Form()->grab().save(QString(folder) + "/wizard-" + name.c_str() + ".png"));
+  }
+
+  Variables m_config{{"XDG_CONFIG_HOME", m_temp.Of("config")}};
+  StartOptions m_options;
+  std::vector<bool> m_shownAtBox;
+};
+
+TEST_F(Wizard, LeadsToARightAnalysis) {
+  StartWizard();
+  EXPECT_EQ(Form()->windowTitle(), "Snapshot / Analysis Wizard");
+  for (int page = 0; page < 3; ++page) {
+    EXPECT_EQ(Page(), page);
+    ExpectRoom();
+    TakePicture(std::to_string(page));
+    if (page < 2) Next();
+  }
+  EXPECT_FALSE(Find<QRadioButton>("optBeforeSS(2)")->isEnabled());
+  Next();
+  EXPECT_EQ(m_shownAtBox, std::vector<bool>{true});
+  EXPECT_EQ(m_form->Snapshots().GetSnapshotLevel(), SnapshotLevel::Before);
+  EXPECT_EQ(Page(), 3);
+  EXPECT_FALSE(Find<QPushButton>("cmdNext")->isEnabled());
+  Type("txtRun", Installer());
+  ExpectRoom();
+  TakePicture("3");
+  Press("cmdPrevious");
+  TakePicture("2b");
+  EXPECT_TRUE(Find<QLabel>("lblBeforeSnapshotAge")->text().startsWith("Existing 'Before"));
+  ExpectRoom();
+  Next(2);
+  EXPECT_EQ(Page(), 4);
+  EXPECT_TRUE(m_form->isVisible() && IsShown());
+  EXPECT_FALSE(clsFileWorks::FileExists(Entry()));
+  EXPECT_TRUE(clsFileWorks::FileExists(m_temp.Of("kept")));
+  ExpectRoom();
+  TakePicture("4");
+  Next();
+  EXPECT_EQ(Page(), 5);
+  Type("txtViewName", "acme");
+  ExpectRoom();
+  TakePicture("5");
+  m_boxes.Log.clear();
+  Next();
+  const std::string path = m_temp.Of("home/acme.mdb");
+  EXPECT_EQ(Page(), 6);
+  EXPECT_TRUE(m_boxes.Has("when the snapshot and analysis completes"));
+  TakePicture("6");
+  EXPECT_EQ(Cell(path, "SELECT PathName || FileName FROM tblNewFiles WHERE FileName <> ''"),
+            "C:\\Acme\\acme.txt");
+  EXPECT_EQ(m_form->State.AnalysisPath, path);
+  EXPECT_FALSE(Find<QPushButton>("cmdCancel")->isEnabled());
+  QTest::keyClick(Form(), Qt::Key_Escape);
+  EXPECT_TRUE(IsShown());
+  Press("cmdFinish");
+  EXPECT_FALSE(IsShown());
+  EXPECT_FALSE(clsControlsWorks::IsLoaded(Form()));
+}
+
+TEST_F(Wizard, ComesBackAfterARestart) {
+  StartWizard();
+  Script("program", "echo \"$SANDREL_MACHINE|$SANDREL_HOME|$*\" > '" + m_temp.Of("started") + "'");
+  Next(3);
+  Type("txtRun", Installer());
+  Next();
+  // As the machine stood while the installer ran.
+  std::filesystem::copy_file(m_temp.Of("kept"), Entry());
+  Stop();
+  EXPECT_EQ(RunAtLogon(Entry()), 0);
+  EXPECT_FALSE(clsFileWorks::FileExists(Entry()));
+  EXPECT_EQ(clsFileWorks::ReadWhole(m_temp.Of("started")),
+            m_sample.Folder() + "|" + m_temp.Of("home") + "|/wizard page4\n");
+
+  m_options.Command = "/wizard page4";
+  Start(m_options);
+  ASSERT_TRUE(IsShown());
+  EXPECT_EQ(Page(), 4);
+  Next();
+  Type("txtViewName", m_temp.Of("x.mdb"));
+  Next();
+  EXPECT_EQ(Page(), 6);
+  EXPECT_EQ(
+      Cell(m_temp.Of("x.mdb"), "SELECT count(*) FROM tblNewFiles WHERE FileName = 'acme.txt'"),
+      "1");
+}
+
+TEST_F(Wizard, OtherCommandLinesBringNoWizard) {
+  m_options.Command = "/Wizard page4";
+  Start(m_options);
+  EXPECT_EQ(Form(), nullptr);
+}
+
+TEST_F(Wizard, WaitsHiddenWhileMessagesPass) {
+  StartWizard();
+  std::int16_t installed = 4;
+  Form()->DisplayPage(installed, true, false);
+  EXPECT_FALSE(Find<QLineEdit>("txtWait")->isEnabled());
+  Option("optInstComplete(1)");
+  Type("txtWait", "-1.x");
+  EXPECT_EQ(Find<QLineEdit>("txtWait")->text(), "1");
+  TakePicture("4b");
+  Type("txtWait", "0");
+  bool stored = false;
+  std::string commands;
+  QTimer::singleShot(0, [&] {
+    stored = clsFileWorks::FileExists(Entry()) && !IsShown() && !m_form->isVisible();
+    commands = Commands();
+  });
+  Next();
+  EXPECT_TRUE(stored);
+  EXPECT_EQ(commands, "");
+  EXPECT_EQ(Page(), 4);
+  EXPECT_FALSE(clsFileWorks::FileExists(Entry()));
+}
+
+TEST_F(Wizard, RefusesWhatCannotBeDone) {
+  StartWizard();
+  Next(3);
+  m_boxes.Log.clear();
+  m_sample.WriteProgram("C:\\setup.exe", 0, 0);
+  {
+    const Variables noWine{{"PATH", m_temp.Of("none")}};
+    Type("txtRun", "C:\\setup.exe");
+    Next();
+    EXPECT_TRUE(m_boxes.Has("Wine isn't installed"));
+  }
+  EXPECT_EQ(Page(), 3);
+  // One that can't start counts as ended.
+  Type("txtRun", m_temp.Of("no program"));
+  Next();
+  EXPECT_EQ(Page(), 4);
+  Next();
+  Type("txtViewName", m_temp.Of("none/x.mdb"));
+  m_boxes.Log.clear();
+  Next();
+  EXPECT_TRUE(m_boxes.Has("there is no folder"));
+  EXPECT_EQ(Page(), 5);
+}
+
+TEST_F(Wizard, EndsWithABeforeSnapshotThatIsStopped) {
+  StartWizard();
+  Next(2);
+  m_watch.Pause = 20;
+  m_boxes.Buttons = {"OK", "Yes"};
+  m_watch.During("Scanning Folder", [this] { Choose("mnuSnapShotCancelOperation"); });
+  Next();
+  EXPECT_EQ(m_form->Snapshots().GetSnapshotLevel(), SnapshotLevel::None);
+  EXPECT_FALSE(IsShown());
+  ASSERT_TRUE(Choose("mnuSnapShotWizard"));  // from its start
+  EXPECT_EQ(Page(), 0);
+}
+
+TEST_F(Wizard, EndOfTheProgramEndsTheWaitAndKeepsTheEntry) {
+  StartWizard();
+  Next(3);
+  Type("txtRun", Script("long", "sleep 20"));
+  QTimer::singleShot(100, [this] { m_form->Unload(); });
+  QElapsedTimer timer;
+  timer.start();
+  Next();
+  EXPECT_LT(timer.elapsed(), 5000);
+  EXPECT_TRUE(m_form->IsUnloaded());
+  EXPECT_TRUE(clsFileWorks::FileExists(Entry()));
+}
+
+}  // namespace
+}  // namespace sandrel::test
