@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <string>
 #include <utility>
 
@@ -11,8 +10,9 @@
 
 namespace sandrel {
 int GridScale::Pixels(double value) {
+  constexpr double Most = 1e8;  // leaves sums room in an int
   const double rounded = std::nearbyint(value);
-  if (!(std::abs(rounded) <= std::numeric_limits<int>::max() / 4)) {
+  if (!(std::abs(rounded) <= Most)) {
     throw clsError(errnum::Overflow, "Overflow", "clsPrintGrid.PrintGrid");
   }
   return static_cast<int>(rounded);

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,8 @@ class PrintDataTest : public testing::Test {
     for (const std::string& header : headers) List.AddColumn(header, 1000);
   }
   void AddRow(const std::vector<std::string>& texts) {
-    std::vector<TextPool::Id> cells;
-    for (const std::string& text : texts) cells.push_back(Texts.Intern(text));
+    std::vector<TextPool::Id> cells(texts.size());
+    std::ranges::transform(texts, cells.begin(), [&](auto& text) { return Texts.Intern(text); });
     List.AddRow({static_cast<std::uint32_t>(List.RowCount() + 1), 1}, cells, 0, 0);
   }
   clsFields Load() { return printdata::LoadFields(List, Grid, Device); }
