@@ -1,0 +1,112 @@
+#include "snapshot/clsSetupRecords.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+
+#include "support/NumberOf.h"
+#include "support/SnapshotFixture.h"
+
+namespace sandrel {
+namespace {
+
+using test::Cell;
+using test::Lines;
+using test::Rows;
+
+class clsSetupRecordsTest : public test::SnapshotFixture {
+ protected:
+  void MakeSetup() {
+    std::filesystem::create_directories(m_home.Path());
+    dao::DBEngine::FirstWorkspace().CreateDatabase(Setup());
+    Rows(
+        Setup(),
+        "CREATE TABLE FileList (\"On\" BOOLEAN, Name TEXT(255), BeforeCount LONG, AfterCount LONG, "
+        "WriteOrDelete BOOLEAN, FileVersion TEXT(20), TableName TEXT(64))");
+    for (const char* name : {"sample", "other", "off", "none"}) {
+      Rows(Setup(), std::string("INSERT INTO FileList VALUES (") +
+                        (name == std::string("off") ? "0" : "-1") + ", '" + name +
+                        ".dll', 7, 7, -1, NULL, 'tbl" + name + "')");
+    }
+    for (const char* name : {"tblsample", "tblother"}) {
+      Rows(Setup(), std::string("CREATE TABLE ") + name +
+                        " (BeforeCount LONG, AfterCount LONG, Hive LONG, Branch TEXT(255), "
+                        "ValueName TEXT(255), Value TEXT, ValueType LONG, FileVersion TEXT(20), "
+                        "SandrelVersion TEXT(20))");
+    }
+  }
+  void Counts(int sample, int other) {
+    const auto line = [](const char* name, int count) {
+      return "\"C:\\\\windows\\\\system32\\\\" + std::string(name) +
+             "\"=dword:" + fmt::format("{:08x}", count) + "\n";
+    };
+    m_sample.SetSystemReg(test::SampleMachine::SystemKeys() +
+                          "[Software\\\\Microsoft\\\\Windows\\\\CurrentVersion\\\\SharedDLLs] 1\n" +
+                          line("sample.dll", sample) + line("other.dll", other) +
+                          line("off.dll", other));
+    m_machine->CloseRegistry();
+  }
+  Lines List() {
+    return Rows(Setup(),
+                "SELECT Name, BeforeCount, AfterCount, WriteOrDelete, FileVersion FROM "
+                "FileList");
+  }
+  std::string Setup() const { return m_records.DatabasePath(); }
+
+  clsSetupRecords m_records{m_shell, m_settings, m_home, *m_machine};
+};
+
+TEST_F(clsSetupRecordsTest, CountsThatMoveAddTheirRecords) {
+  EXPECT_EQ(test::NumberOf([&] { m_records.ProcessSetupFiles(false); }), errnum::DatabaseNotFound);
+  MakeSetup();
+  Counts(1, 2);
+  m_records.ProcessSetupFiles(false);
+  EXPECT_EQ(List(), (Lines{"sample.dll|1|7|0|NULL", "other.dll|2|7|0|NULL", "off.dll|7|7|-1|NULL",
+                           "none.dll|7|7|-1|NULL"}));
+  Before();
+  Counts(3, 2);
+  m_records.ProcessSetupFiles(true);
+  EXPECT_EQ(List()[0], "sample.dll|1|3|0|NULL");
+  EXPECT_EQ(List()[1], "other.dll|2|2|0|NULL");
+  Counts(2, 1);
+  m_records.ProcessSetupFiles(true);
+  EXPECT_EQ(List()[0], "sample.dll|1|2|-1|1.2.3.4");
+  EXPECT_EQ(List()[1], "other.dll|2|1|-1|");
+
+  After();
+  m_shell.State.AnalysisPath = m_analysisPath;
+  const std::string values = "-2147483646, 'Software\\Acme', ";
+  Rows(Setup(), "INSERT INTO tblsample VALUES (1, 2, " + values +
+                    "'dir', '$(WinDir)  \\x $(other)', 1, '2.10', '2.9')");
+  Rows(Setup(), "INSERT INTO tblsample VALUES (9, 9, " + values +
+                    "'old', 'new text', 1, '2.9', "
+                    "'2.10')");
+  Rows(Setup(),
+       "INSERT INTO tblother VALUES (2, 1, " + values + "'$(winsysdir)', 'v', 1, NULL, NULL)");
+  Rows(m_analysisPath, "INSERT INTO tblNewRegistryEnteries VALUES (" + values + "'dir', 'x', 3)");
+  Rows(m_analysisPath, "INSERT INTO tblNewRegistryEnteries VALUES (" + values + "'old', 'y', 3)");
+  Rows(Setup(), "UPDATE FileList SET WriteOrDelete = 0 WHERE Name LIKE 'o%f%' OR Name LIKE 'n%'");
+  m_records.UpdateSetupTables();
+  EXPECT_EQ(Analysis("SELECT ValueName, Value, ValueType FROM tblNewRegistryEnteries WHERE Branch "
+                     "= 'Software\\Acme' ORDER BY ValueName"),
+            (Lines{"dir|C:\\windows\\x other|1", "old|y|3"}));
+  EXPECT_EQ(Analysis("SELECT ValueName, Value FROM tblDeletedRegistryEnteries WHERE Branch = "
+                     "'Software\\Acme'"),
+            (Lines{"C:\\windows\\system32|v"}));
+
+  m_settings.SaveSetting("Enabled", "RemoteRegistry", "1");
+  Counts(5, 5);
+  m_records.ProcessSetupFiles(false);
+  EXPECT_EQ(List()[0], "sample.dll|1|2|-1|1.2.3.4");
+}
+
+TEST_F(clsSetupRecordsTest, ComparesVersionsByTheirParts) {
+  EXPECT_TRUE(clsSetupRecords::IsNewerVersion("4.10", "4.9.9"));
+  EXPECT_TRUE(clsSetupRecords::IsNewerVersion("4.9.0.1", "4.9"));
+  EXPECT_FALSE(clsSetupRecords::IsNewerVersion("4.9", "4.9.0.0"));
+  EXPECT_FALSE(clsSetupRecords::IsNewerVersion("", "1"));
+  EXPECT_TRUE(clsSetupRecords::IsNewerVersion("1", ""));
+}
+
+}  // namespace
+}  // namespace sandrel
