@@ -129,7 +129,7 @@ TEST_F(PrintGridTest, GivesAFirstRowTheRectangleOfTheRowBeforeAndATallLastOneAnE
   Fill({{"a"}, {tall}, {"c"}});
   Grid.MaxFieldLength = 2000;
   Print();
-  EXPECT_THAT(Summaries(Printer.Pages),
+  ASSERT_THAT(Summaries(Printer.Pages),
               ElementsAre("a..a|Page 1", tall + ".." + tall + "|Page 2", "c..c|Page 3", "|Page 4"));
   EXPECT_EQ(Printer.Pages[1].Texts[0].Rect, (PrintRect{28, 47, 219, 58}));
   EXPECT_EQ(Printer.Pages[2].Texts[0].Rect, (PrintRect{28, 47, 219, 398}));
