@@ -1,7 +1,7 @@
 #include "config/frmConfig.h"
 
-#include <QApplication>
 #include <QCheckBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -36,7 +36,6 @@ frmConfig::frmConfig(clsShell& shell, clsConfigModel& model, std::shared_ptr<cls
   MakeControls();
   ShowMachine();
   Connect();
-  SetDefaultButton();
 }
 
 void frmConfig::Connect() {
@@ -52,7 +51,6 @@ void frmConfig::Connect() {
   };
   click(cmdSave, [this] { cmdSave_Click(); });
   connect(cmdClose, &QPushButton::clicked, this, &frmConfig::reject);
-  connect(qApp, &QApplication::focusChanged, this, &frmConfig::SetDefaultButton);
 
   const Add addFolder = [this](const std::string& folder) { return m_model.AddFolder(folder); };
   toggle(chkEnableDiskScan, &frmConfig::chkEnableDiskScan_Click);
@@ -238,12 +236,17 @@ void frmConfig::AddDialog() {
   ShowList(lstFileExclude, m_model.Excludes);
 }
 
-// Enter in a text box adds the text.
-void frmConfig::SetDefaultButton() {
-  QPushButton* const button = txtDSZoom->hasFocus() ? cmdDSAdd
-                              : txtZoom->hasFocus() ? cmdAddCustom
-                                                    : cmdSave;
-  button->setDefault(true);
+// Enter in a text box adds the text; anywhere else it saves.
+void frmConfig::keyPressEvent(QKeyEvent* event) {
+  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  QPushButton* const add = focusWidget() == txtDSZoom ? cmdDSAdd
+                           : focusWidget() == txtZoom ? cmdAddCustom
+                                                      : nullptr;
+  if (enter && add != nullptr) {
+    add->click();
+  } else {
+    QDialog::keyPressEvent(event);
+  }
 }
 
 void frmConfig::cmdSave_Click() {

@@ -33,6 +33,9 @@ class frmConfig final : public QDialog {
   /// Stores the model; the dialog closes when it says true. It may raise, which is reported.
   std::function<bool()> Save;
 
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+
  private:
   using Add = std::function<bool(const std::string& text)>;
 
@@ -65,7 +68,6 @@ class frmConfig final : public QDialog {
   void PickMachineFolder(const char* prompt, const Add& add);
   bool NeedMachine();
   void AddDialog();
-  void SetDefaultButton();
   void cmdSave_Click();
 
   clsShell& m_shell;

@@ -34,6 +34,7 @@ void frmConfig::MakeControls() {
   lblMachine->setWordWrap(true);
   cmdSave = NewButton("cmdSave", "&Save", "", this);
   cmdClose = NewButton("cmdClose", "&Close", "", this);
+  cmdSave->setDefault(true);
 
   auto* const buttons = new QHBoxLayout;
   buttons->addWidget(lblMachine, 1);

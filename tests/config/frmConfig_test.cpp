@@ -1,0 +1,353 @@
+// The configuration dialog over the main window, by clicks and keys.
+#include "config/frmConfig.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
+#include <filesystem>
+
+#include "support/Rows.h"
+#include "support/Variables.h"
+#include "window/support/WindowFixture.h"
+
+namespace sandrel::test {
+namespace {
+
+constexpr const char* Manager = "Sandrel Manager|";
+
+class frmConfigTest : public WindowFixture {
+ protected:
+  frmConfigTest() { m_boxes.Buttons = {"No"}; }  // no Before snapshot at the start
+
+  /// Opens the dialog, runs `script` while it is up and closes it unless the script did.
+  void Configure(const std::function<void()>& script) {
+    if (m_form == nullptr) Start();
+    m_boxes.Log.clear();
+    m_boxes.OnBox = [this, script](QWidget& box) {
+      if (m_dialog != nullptr || dynamic_cast<frmConfig*>(&box) == nullptr) return;
+      m_dialog = &box;
+      ++m_opened;
+      QTimer::singleShot(0, &box, [this, script] {
+        Activate();
+        script();
+        if (IsOpen()) Press("cmdClose");
+      });
+    };
+    m_opened = 0;
+    EXPECT_TRUE(Choose("mnuSettingsConfig"));
+    EXPECT_EQ(m_opened, 1);
+    m_boxes.OnBox = nullptr;
+  }
+  void Activate() { QApplication::setActiveWindow(m_dialog); }  // as a desktop does after a box
+  bool IsOpen() const { return m_dialog->isVisible(); }
+
+  template <class Widget = QWidget>
+  Widget* Of(const char* name) {
+    auto* const found = m_dialog->findChild<Widget*>(name);
+    EXPECT_NE(found, nullptr) << name;
+    return found;
+  }
+  void Tab(int index) {
+    auto* const bar = Of<QTabWidget>("tabStrip")->tabBar();
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(index).center());
+  }
+  void Press(const char* name) { QTest::mouseClick(Of<QPushButton>(name), Qt::LeftButton); }
+  void Tick(const char* name) { QTest::keyClick(Of<QCheckBox>(name), Qt::Key_Space); }
+  void Type(const char* name, const char* text) {
+    Of<QLineEdit>(name)->clear();
+    Of(name)->setFocus();
+    QTest::keyClicks(Of(name), text);
+  }
+  void Enter(const char* name) { QTest::keyClick(Of(name), Qt::Key_Return); }
+  std::string Text(const char* name) { return Of<QLineEdit>(name)->text().toStdString(); }
+  QPoint Row(const char* list, int row) {
+    auto* const view = Of<QListWidget>(list);
+    return view->visualItemRect(view->item(row)).center();
+  }
+  void ClickItem(const char* list, int row, Qt::KeyboardModifiers keys = {}) {
+    QTest::mouseClick(Of<QListWidget>(list)->viewport(), Qt::LeftButton, keys, Row(list, row));
+  }
+  void DoubleClickItem(const char* list, int row) {
+    ClickItem(list, row);
+    QTest::mouseDClick(Of<QListWidget>(list)->viewport(), Qt::LeftButton, {}, Row(list, row));
+  }
+  /// The entries; of the hives the ticked ones are followed by "+".
+  Lines Items(const char* list) {
+    Lines items;
+    auto* const view = Of<QListWidget>(list);
+    for (int row = 0; row < view->count(); ++row) {
+      const QListWidgetItem& item = *view->item(row);
+      const bool ticked =
+          item.flags().testFlag(Qt::ItemIsUserCheckable) && item.checkState() == Qt::Checked;
+      items.push_back(item.text().toStdString() + (ticked ? "+" : ""));
+    }
+    return items;
+  }
+  /// The names of those controls that are enabled, joined with blanks.
+  std::string Enabled(std::initializer_list<const char*> names) {
+    std::string enabled;
+    for (const char* name : names) {
+      if (Of(name)->isEnabled()) enabled += (enabled.empty() ? "" : " ") + std::string(name);
+    }
+    return enabled;
+  }
+  Lines Stored(const std::string& section) {
+    Lines lines;
+    for (const std::string& key : m_settings.Keys(section)) {
+      lines.push_back(key + "=" + m_settings.GetSetting(section, key));
+    }
+    return lines;
+  }
+
+ private:
+  QPointer<QWidget> m_dialog;
+  int m_opened = 0;
+};
+
+TEST_F(frmConfigTest, HasItsTabsAndCaptions) {
+  Configure([this] {
+    EXPECT_EQ(QApplication::activeModalWidget()->windowTitle(), "Configuration");
+    auto* const tabs = Of<QTabWidget>("tabStrip");
+    std::string strip;
+    for (int i = 0; i < tabs->count(); ++i) {
+      strip += (tabs->tabText(i) + "|" + tabs->tabBar()->tabData(i).toString() + "|" +
+                tabs->tabToolTip(i) + "\n")
+                   .toStdString();
+      EXPECT_EQ(tabs->widget(i)->objectName(), QString("picContainer(%1)").arg(i));
+    }
+    EXPECT_EQ(strip,
+              "&File Scan|DiskScan|What folders to scan and how to scan them\n"
+              "&Registry Scan|registryscan|What registry hives to scan\n"
+              "File &Exclude|ExcludedFiles2|File(s) / folder(s) to excluded from disk scanning\n");
+    for (const auto& [name, caption] : {std::pair("chkEnableDiskScan", "&Enable Disk Scanning"),
+                                        {"chkVersionInfo", "&Version Info"},
+                                        {"chkSizeInfo", "&Size Info"},
+                                        {"chkAttribInfo", "&Attribute Info"},
+                                        {"chkEnableRegScan", "&Enable Registry Scanning"},
+                                        {"chkRemote", "&Remote:"},
+                                        {"chkFileExclude", "&Enable File(s) Exclude"},
+                                        {"cmdSave", "&Save"},
+                                        {"cmdClose", "&Close"}}) {
+      EXPECT_EQ(Of<QAbstractButton>(name)->text(), caption);
+    }
+    QTest::keyClick(tabs, Qt::Key_R, Qt::AltModifier);
+    EXPECT_EQ(tabs->currentIndex(), 1);
+  });
+  // Closed without saving: the defaults are stored all the same.
+  EXPECT_EQ(Stored("ScanFolders"), Lines{"1=C:"});
+  EXPECT_EQ(Stored("ExcludeFiles"), Lines{"1=C:\\users\\tester\\Temp\\"});
+  EXPECT_EQ(Stored("RegScan"), Lines{});
+}
+
+TEST_F(frmConfigTest, FoldersComeAndGo) {
+  Configure([this] {
+    Type("txtDSZoom", "C:\\windows");
+    Enter("txtDSZoom");
+    EXPECT_EQ(Text("txtDSZoom"), "C:\\windows");  // refused
+    DoubleClickItem("lstDrives", 0);
+    EXPECT_EQ(Items("lstDrives"), Lines{});
+    EXPECT_EQ(Text("txtDSZoom"), "C:");
+    Type("txtDSZoom", "C:\\windows");
+    Press("cmdDSAdd");
+    EXPECT_EQ(Text("txtDSZoom"), "");
+    m_boxes.Files = {"C:\\users"};
+    Press("cmdAddFolder");
+    EXPECT_EQ(Items("lstDrives"), (Lines{"C:\\windows", "C:\\users"}));
+    // The picker stays open while the folder is refused, and gives nothing when it is cancelled.
+    m_boxes.Files = {"C:\\users\\tester", ""};
+    Press("cmdAddFolder");
+    EXPECT_EQ(Items("lstDrives").size(), 2U);
+    ClickItem("lstDrives", 1);
+    EXPECT_EQ(Text("txtDSZoom"), "C:\\users");
+    ClickItem("lstDrives", 0, Qt::ControlModifier);
+    Press("cmdRemoveFolder");
+    EXPECT_EQ(Items("lstDrives"), Lines{});
+    EXPECT_TRUE(IsOpen());
+  });
+  const std::string refused =
+      Manager + std::string("You are already scanning this folder or one of it's parent folder");
+  EXPECT_EQ(m_boxes.Log, (Lines{refused, "Browse", "Browse", refused, "Browse"}));
+}
+
+TEST_F(frmConfigTest, ExclusionsComeAndGo) {
+  m_sample.WriteFile("C:\\a.txt", "");
+  m_sample.WriteFile("C:\\b.txt", "");
+  Configure([this] {
+    Tab(2);
+    m_boxes.Buttons = {"No", "Yes"};
+    for (int i = 0; i < 2; ++i) {
+      Type("txtZoom", "C:\\gone.txt");
+      Enter("txtZoom");
+      EXPECT_EQ(Text("txtZoom"), "");
+    }
+    m_boxes.Files = {"\"a.txt\" \"b.txt\""};
+    Press("cmdAddFile");
+    m_boxes.Files = {"C:\\windows"};
+    Press("cmdExcludeAddFile");
+    m_boxes.Files = {""};
+    Press("cmdAddFile");
+    EXPECT_EQ(Items("lstFileExclude"), (Lines{"C:\\users\\tester\\Temp\\", "C:\\gone.txt",
+                                              "C:\\a.txt", "C:\\b.txt", "C:\\windows\\"}));
+    ClickItem("lstFileExclude", 1);
+    EXPECT_EQ(Text("txtZoom"), "C:\\gone.txt");
+    Activate();
+    QTest::keyClick(Of("lstFileExclude"), Qt::Key_Delete);
+    ClickItem("lstFileExclude", 0);
+    Press("cmdRemoveFile");
+    DoubleClickItem("lstFileExclude", 2);
+    EXPECT_EQ(Items("lstFileExclude"), (Lines{"C:\\a.txt", "C:\\b.txt"}));
+  });
+  const std::string question =
+      Manager +
+      std::string("C:\\gone.txt\n\nIs not a valid file specification or folder...\n\n Add anyway?");
+  EXPECT_EQ(m_boxes.Log, (Lines{question, question, "Select files(s) to Exclude from Disk Scan|",
+                                "Browse", "Select files(s) to Exclude from Disk Scan|"}));
+}
+
+TEST_F(frmConfigTest, SwitchesEnableWhatDependsOnThem) {
+  const TempFolder network;
+  std::filesystem::create_directory_symlink(m_sample.Folder(), network.Of("BOX"));
+  const Variables variables{{"SANDREL_NETWORK", network.Path()}};
+  Configure([this] {
+    const auto disk = [this] {
+      return Enabled({"lstDrives", "chkAttribInfo", "chkSizeInfo", "chkVersionInfo", "cmdAddFolder",
+                      "cmdRemoveFolder"});
+    };
+    EXPECT_EQ(disk(),
+              "lstDrives chkAttribInfo chkSizeInfo chkVersionInfo cmdAddFolder "
+              "cmdRemoveFolder");
+    Tick("chkEnableDiskScan");
+    EXPECT_EQ(disk(), "");
+
+    Tab(1);
+    const auto registry = [this] {
+      return Enabled({"cmdSelectAll", "cmdSelectNone", "chkRemote", "txtRemote", "cmdAddRemote"});
+    };
+    EXPECT_EQ(registry(), "cmdSelectAll cmdSelectNone chkRemote");
+    EXPECT_EQ(Items("lstRegHives"),
+              (Lines{"HKEY_CLASSES_ROOT", "HKEY_CURRENT_CONFIG+", "HKEY_CURRENT_USER+",
+                     "HKEY_LOCAL_MACHINE+", "HKEY_USERS+"}));
+    Of<QListWidget>("lstRegHives")->setCurrentRow(4);
+    QTest::keyClick(Of("lstRegHives"), Qt::Key_Space);
+    Tick("chkRemote");
+    EXPECT_EQ(Items("lstRegHives"), (Lines{"HKEY_LOCAL_MACHINE+", "HKEY_USERS"}));
+    EXPECT_EQ(registry(), "cmdSelectAll cmdSelectNone chkRemote txtRemote cmdAddRemote");
+    m_boxes.Files = {"box"};
+    Press("cmdAddRemote");
+    EXPECT_EQ(Text("txtRemote"), "BOX");
+    Press("cmdSelectAll");
+    Tick("chkRemote");
+    EXPECT_EQ(registry(), "cmdSelectAll cmdSelectNone chkRemote");
+    EXPECT_EQ(Items("lstRegHives"),
+              (Lines{"HKEY_CLASSES_ROOT", "HKEY_CURRENT_CONFIG+", "HKEY_CURRENT_USER+",
+                     "HKEY_LOCAL_MACHINE+", "HKEY_USERS+"}));
+    Press("cmdSelectNone");
+    EXPECT_EQ(Items("lstRegHives").front() + Items("lstRegHives").back(),
+              "HKEY_CLASSES_ROOTHKEY_USERS");
+    Tick("chkRemote");
+    Tick("chkEnableRegScan");
+    EXPECT_EQ(registry(), "");
+
+    Tab(2);
+    Tick("chkFileExclude");
+    EXPECT_EQ(Enabled({"cmdAddCustom", "lstFileExclude"}), "");
+    Press("cmdSave");
+  });
+  EXPECT_EQ(Stored("Enabled"),
+            (Lines{"DiskScan=0", "VersionInfo=0", "SizeInfo=1", "AttributeInfo=1", "RegScan=0",
+                   "RemoteRegistry=1", "FileExclude=0"}));
+  EXPECT_EQ(m_settings.GetSetting("RegScan", "RemoteName"), "BOX");
+}
+
+TEST_F(frmConfigTest, WhatIsSavedChangesTheNextScan) {
+  m_sample.WriteFile("C:\\outside.txt", "");
+  Configure([this] {
+    DoubleClickItem("lstDrives", 0);
+    Type("txtDSZoom", "C:\\windows");
+    Enter("txtDSZoom");
+    Tick("chkVersionInfo");
+    Tab(1);
+    Tick("chkEnableRegScan");
+    QTest::keyClick(Of("tabStrip"), Qt::Key_S, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !IsOpen(); }));
+  });
+  EXPECT_EQ(m_boxes.Log, Lines{});  // nothing to lose, nothing to ask
+  ASSERT_TRUE(Choose("mnuSnapShotBefore"));
+  EXPECT_EQ(Cell(Working(), "SELECT Version FROM tblFiles WHERE FileName = 'sample.dll'"),
+            "1.2.3.4");
+  EXPECT_EQ(test::Rows(Working(), "SELECT PathName FROM tblPaths"),
+            (Lines{"C:\\windows\\", "C:\\windows\\system32\\"}));
+  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblRegKey"), "0");
+
+  // Saving asks each time now. No leaves all as it is, Yes clears the snapshot.
+  Configure([this] {
+    Tick("chkVersionInfo");
+    m_boxes.Buttons = {"No", "Yes"};
+    Press("cmdSave");
+    EXPECT_TRUE(IsOpen());
+    EXPECT_EQ(m_settings.GetSetting("Enabled", "VersionInfo"), "1");
+    EXPECT_EQ(Commands(), "Before After Menus");
+    Press("cmdSave");
+    EXPECT_FALSE(IsOpen());
+  });
+  const std::string question =
+      Manager + std::string(
+                    "Your 'Before' snapshot will become invalid and be cleared if you "
+                    "continue.\n\nSave anyway?");
+  EXPECT_EQ(m_boxes.Log, (Lines{question, question}));
+  EXPECT_EQ(m_settings.GetSetting("Enabled", "VersionInfo"), "0");
+  EXPECT_FALSE(clsFileWorks::FileExists(Working()));
+  EXPECT_EQ(Commands(), "Before Menus");
+  EXPECT_EQ(Find<QLabel>("txtLastBeforeSnapshot")->text(), "Last 'Before' Snapshot: None");
+}
+
+TEST_F(frmConfigTest, ASaveThatFailsSaysSoAndLosesNothing) {
+  Configure([this] {
+    Type("txtDSZoom", "D:\\");
+    Enter("txtDSZoom");
+    const std::string lock = m_settings.Path() + ".lock";
+    std::filesystem::remove(lock);
+    std::filesystem::create_directory(lock);  // the settings can't be written
+    m_boxes.Buttons = {"Ignore"};
+    Press("cmdSave");
+    EXPECT_TRUE(m_boxes.Has("Can't write the settings"));
+    EXPECT_TRUE(m_boxes.Has("frmConfig.cmdSave"));
+    EXPECT_TRUE(IsOpen());
+    EXPECT_EQ(Items("lstDrives"), (Lines{"C:", "D:\\"}));
+    std::filesystem::remove(lock);
+    Press("cmdSave");
+    EXPECT_FALSE(IsOpen());
+  });
+  EXPECT_EQ(Stored("ScanFolders"), (Lines{"1=C:", "2=D:\\"}));
+}
+
+TEST_F(frmConfigTest, WithoutAMachineItTellsWhatIsMissing) {
+  Start();
+  const std::string folder = m_sample.Folder();
+  std::filesystem::rename(folder + "/drive_c", folder + "/gone");
+  Configure([this] {
+    EXPECT_TRUE(Of<QLabel>("lblMachine")->text().contains("no Windows machine"));
+    EXPECT_EQ(Items("lstDrives"), Lines{});
+    Press("cmdAddFolder");
+    EXPECT_TRUE(m_boxes.Has("There is no Windows machine in"));
+    Type("txtDSZoom", "C:\\Games");
+    Enter("txtDSZoom");
+    Tab(2);
+    Press("cmdAddFile");
+    Press("cmdExcludeAddFile");
+    EXPECT_EQ(m_boxes.Log.size(), 3U);
+    m_boxes.Buttons = {"Yes"};
+    Type("txtZoom", "C:\\Games\\Cache\\");
+    Enter("txtZoom");
+    Press("cmdSave");
+  });
+  EXPECT_EQ(Stored("ScanFolders"), Lines{"1=C:\\Games"});
+  EXPECT_EQ(Stored("ExcludeFiles"), Lines{"1=C:\\Games\\Cache\\"});
+}
+
+}  // namespace
+}  // namespace sandrel::test
