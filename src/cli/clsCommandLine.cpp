@@ -19,6 +19,7 @@
 #include "platform/process/clsHostCommands.h"
 #include "snapshot/StatsReport.h"
 #include "snapshot/clsAnalysis.h"
+#include "snapshot/clsSetupRecords.h"
 #include "snapshot/clsSnapshots.h"
 #include "snapshot/modSettingsChange.h"
 #include "wizard/clsShellWorks.h"
@@ -37,7 +38,7 @@ struct Arguments {
   std::string PrintPage = "ShowStats";
   std::string Section, Key, Text, Match;
   std::vector<std::string> Command;
-  bool Yes = false, Json = false, HasText = false;
+  bool Yes = false, Json = false, HasText = false, BeforeInstall = false, AfterInstall = false;
 };
 
 class clsCommands {
@@ -54,6 +55,8 @@ class clsCommands {
   int Status();
   int List();
   int Settings();
+  int NoteRecords();
+  int ApplyRecords();
   int Export();
   int Copy();
   int PrintToFile();
@@ -268,6 +271,20 @@ int clsCommands::PrintToFile() {
   return RunPrintHelper(m_arguments.File, m_arguments.Out, page);
 }
 
+int clsCommands::NoteRecords() {
+  const auto machine = OpenMachine();
+  clsSetupRecords(m_shell, m_settings, m_home, *machine)
+      .ProcessSetupFiles(m_arguments.AfterInstall);
+  return Print("Usage counts noted");
+}
+
+int clsCommands::ApplyRecords() {
+  const auto machine = OpenMachine();
+  m_shell.State.AnalysisPath = std::filesystem::absolute(m_arguments.File).string();
+  clsSetupRecords(m_shell, m_settings, m_home, *machine).UpdateSetupTables();
+  return Print("Records of shared DLLs added: " + m_arguments.File);
+}
+
 int Failed(std::string_view why) {
   clsCliShell shell(false);
   shell.Fail(why);
@@ -292,10 +309,14 @@ int Parse(int argc, char** argv) {
   app.fallthrough();
 
   int status = exitstatus::Done;
-  const auto command = [&](const char* name, const char* words, int (clsCommands::*run)()) {
-    CLI::App* sub = app.add_subcommand(name, words);
+  const auto addTo = [&](CLI::App& parent, const char* name, const char* words,
+                         int (clsCommands::*run)()) {
+    CLI::App* sub = parent.add_subcommand(name, words);
     sub->callback([&arguments, &status, run] { status = (clsCommands(arguments).*run)(); });
     return sub;
+  };
+  const auto command = [&](const char* name, const char* words, int (clsCommands::*run)()) {
+    return addTo(app, name, words, run);
   };
   const auto yes = [&](CLI::App* sub) {
     sub->add_flag("--yes", arguments.Yes, "Answer every question with yes");
@@ -353,6 +374,19 @@ int Parse(int argc, char** argv) {
   print->add_option("PAGE", arguments.PrintPage, "ShowNewFiles, ShowAllRegistry...")
       ->default_str("ShowStats");
   yes(print);
+
+  CLI::App* records = app.add_subcommand(
+      "setup-records", "Records of shared DLLs whose usage count moved, from setupdll.mdb");
+  records->require_subcommand(1);
+  CLI::App* note = addTo(*records, "note", "Note the usage counts of the listed DLLs",
+                         &clsCommands::NoteRecords);
+  CLI::Option_group* when = note->add_option_group("when");
+  when->add_flag("--before", arguments.BeforeInstall, "Before the installation");
+  when->add_flag("--after", arguments.AfterInstall, "After the installation");
+  when->require_option(1);
+  CLI::App* apply = addTo(*records, "apply", "Add the records of those that moved to an analysis",
+                          &clsCommands::ApplyRecords);
+  apply->add_option("FILE", arguments.File, "The analysis")->required();
 
   try {
     app.parse(argc, argv);

@@ -163,6 +163,8 @@ TEST_F(SandrelCli, TellsWhatIsWrongInOneLine) {
   ExpectFailure({"list", "/dev/null"}, 2, "no regular file");
   ExpectFailure({"list", File(), "ShowNothing"}, 2, "Pages: ShowNewRegistry, ");
   ExpectFailure({"nonsense"}, 2, "--help");
+  ExpectFailure({"setup-records", "note", "--before"}, 2, "setupdll.mdb");
+  ExpectFailure({"setup-records", "note", "--before", "--after"}, 2, "--help");
   ExpectFailure({}, 2, "--help");
   ExpectFailure({"export", File(), "x.reg", "ShowNewFiles"}, 2, "holds no registry values");
   ExpectFailure({"copy", m_temp.Of("junk.mdb"), m_temp.Of("to")}, 2, "corrupt Sandrel Database");

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "support/NumberOf.h"
@@ -18,22 +19,10 @@ class clsSetupRecordsTest : public test::SnapshotFixture {
  protected:
   void MakeSetup() {
     std::filesystem::create_directories(m_home.Path());
-    dao::DBEngine::FirstWorkspace().CreateDatabase(Setup());
-    Rows(
-        Setup(),
-        "CREATE TABLE FileList (\"On\" BOOLEAN, Name TEXT(255), BeforeCount LONG, AfterCount LONG, "
-        "WriteOrDelete BOOLEAN, FileVersion TEXT(20), TableName TEXT(64))");
-    for (const char* name : {"sample", "other", "off", "none"}) {
-      Rows(Setup(), std::string("INSERT INTO FileList VALUES (") +
-                        (name == std::string("off") ? "0" : "-1") + ", '" + name +
-                        ".dll', 7, 7, -1, NULL, 'tbl" + name + "')");
-    }
-    for (const char* name : {"tblsample", "tblother"}) {
-      Rows(Setup(), std::string("CREATE TABLE ") + name +
-                        " (BeforeCount LONG, AfterCount LONG, Hive LONG, Branch TEXT(255), "
-                        "ValueName TEXT(255), Value TEXT, ValueType LONG, FileVersion TEXT(20), "
-                        "SandrelVersion TEXT(20))");
-    }
+    const std::string script = SANDREL_SCRIPTS "/make-setup-records '" + Setup() + "'";
+    ASSERT_EQ(std::system((script + " sample.dll other.dll off.dll none.dll").c_str()), 0);
+    Rows(Setup(), "UPDATE FileList SET BeforeCount = 7, AfterCount = 7, WriteOrDelete = -1");
+    Rows(Setup(), "UPDATE FileList SET \"On\" = 0 WHERE Name = 'off.dll'");
   }
   void Counts(int sample, int other) {
     const auto line = [](const char* name, int count) {
@@ -61,13 +50,13 @@ TEST_F(clsSetupRecordsTest, CountsThatMoveAddTheirRecords) {
   MakeSetup();
   Counts(1, 2);
   m_records.ProcessSetupFiles(false);
-  EXPECT_EQ(List(), (Lines{"sample.dll|1|7|0|NULL", "other.dll|2|7|0|NULL", "off.dll|7|7|-1|NULL",
-                           "none.dll|7|7|-1|NULL"}));
+  EXPECT_EQ(List(), (Lines{"sample.dll|1|7|0|", "other.dll|2|7|0|", "off.dll|7|7|-1|",
+                           "none.dll|7|7|-1|"}));
   Before();
   Counts(3, 2);
   m_records.ProcessSetupFiles(true);
-  EXPECT_EQ(List()[0], "sample.dll|1|3|0|NULL");
-  EXPECT_EQ(List()[1], "other.dll|2|2|0|NULL");
+  EXPECT_EQ(List()[0], "sample.dll|1|3|0|");
+  EXPECT_EQ(List()[1], "other.dll|2|2|0|");
   Counts(2, 1);
   m_records.ProcessSetupFiles(true);
   EXPECT_EQ(List()[0], "sample.dll|1|2|-1|1.2.3.4");
@@ -76,13 +65,13 @@ TEST_F(clsSetupRecordsTest, CountsThatMoveAddTheirRecords) {
   After();
   m_shell.State.AnalysisPath = m_analysisPath;
   const std::string values = "-2147483646, 'Software\\Acme', ";
-  Rows(Setup(), "INSERT INTO tblsample VALUES (1, 2, " + values +
+  Rows(Setup(), "INSERT INTO tblsample_dll VALUES (1, 2, " + values +
                     "'dir', '$(WinDir)  \\x $(other)', 1, '2.10', '2.9')");
-  Rows(Setup(), "INSERT INTO tblsample VALUES (9, 9, " + values +
+  Rows(Setup(), "INSERT INTO tblsample_dll VALUES (9, 9, " + values +
                     "'old', 'new text', 1, '2.9', "
                     "'2.10')");
   Rows(Setup(),
-       "INSERT INTO tblother VALUES (2, 1, " + values + "'$(winsysdir)', 'v', 1, NULL, NULL)");
+       "INSERT INTO tblother_dll VALUES (2, 1, " + values + "'$(winsysdir)', 'v', 1, NULL, NULL)");
   Rows(m_analysisPath, "INSERT INTO tblNewRegistryEnteries VALUES (" + values + "'dir', 'x', 3)");
   Rows(m_analysisPath, "INSERT INTO tblNewRegistryEnteries VALUES (" + values + "'old', 'y', 3)");
   Rows(Setup(), "UPDATE FileList SET WriteOrDelete = 0 WHERE Name LIKE 'o%f%' OR Name LIKE 'n%'");
