@@ -10,6 +10,7 @@
 #include <QPalette>
 #include <QScreen>
 #include <QStyleFactory>
+#include <QTabWidget>
 #include <QTest>
 #include <QThread>
 #include <QTimer>
@@ -87,6 +88,7 @@ class Session {
     m_desk.Settings.SaveSetting("Recent Files", "RecentFile2", "/media/disk/Kestrel Imaging.mdb");
     Start();
     TakePages();
+    TakeConfiguration();
     TakeMenus();
     TakeBoxes();
     TakeScan();
@@ -175,6 +177,20 @@ class Session {
     m_camera.Take(*m_form, "small");
     m_form->resize(1000, 620);
     Show("Root");
+  }
+
+  void TakeConfiguration() {
+    m_boxes.OnBox = [this](QWidget& box) {
+      auto* const tabs = box.findChild<QTabWidget*>("tabStrip");
+      for (int i = 0; i < tabs->count(); ++i) {
+        tabs->setCurrentIndex(i);
+        QTest::qWait(20);
+        m_camera.Take(box, QString("configuration-%1").arg(i + 1));
+      }
+      box.close();
+    };
+    m_form->Controls().Menus.Run("mnuSettingsConfig");
+    m_boxes.OnBox = nullptr;
   }
 
   void TakeMenus() {
