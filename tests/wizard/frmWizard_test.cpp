@@ -147,6 +147,27 @@ TEST_F(Wizard, LeadsToARightAnalysis) {
   EXPECT_FALSE(clsControlsWorks::IsLoaded(Form()));
 }
 
+// The work folder of the acceptance run over Wine, which checks the analysis.
+TEST_F(Wizard, LeadsRoundARealInstaller) {
+  const char* const work = std::getenv("SANDREL_WINE_WORK");
+  if (work == nullptr) GTEST_SKIP() << "tests/acceptance/run-watch.sh runs it over Wine";
+  const std::string folder = work;
+  clsSettings settings(clsSettings::DefaultPath());
+  const clsHome home(folder + "/home");
+  m_options.Machine = folder + "/machine";
+  m_form = std::make_unique<frmSandrel>(settings, home, m_windows, m_options);
+  m_boxes.Buttons = {"No"};  // a Before snapshot at the start
+  m_form->Form_Load();
+  ASSERT_TRUE(Choose("mnuSnapShotWizard"));
+  Next(3);
+  Type("txtRun", "\"" + folder + "/setup/setup.exe\" /S");
+  Next(2);
+  Type("txtViewName", folder + "/analysis");
+  Next();
+  EXPECT_EQ(Page(), 6);
+  Stop();
+}
+
 TEST_F(Wizard, ComesBackAfterARestart) {
   StartWizard();
   Script("program", "echo \"$SANDREL_MACHINE|$SANDREL_HOME|$*\" > '" + m_temp.Of("started") + "'");
