@@ -18,13 +18,17 @@ QFont ToQt(const PrintFont& font) {
   return shown;
 }
 
-PrintFont FromQt(const QFont& font) {
-  return {font.family().toStdString(),
-          font.pointSizeF(),
-          font.bold(),
-          font.italic(),
-          font.strikeOut(),
-          font.underline()};
+// The dialog shows the font that stands in for a missing one, and whole sizes: what the user left
+// as it was shown stays as it was.
+PrintFont Chosen(const PrintFont& font, const QFont& shown, const QFont& chosen) {
+  PrintFont changed = font;
+  if (chosen.family() != shown.family()) changed.Name = chosen.family().toStdString();
+  if (chosen.pointSizeF() != shown.pointSizeF()) changed.Size = chosen.pointSizeF();
+  changed.Bold = chosen.bold();
+  changed.Italic = chosen.italic();
+  changed.StrikeThrough = chosen.strikeOut();
+  changed.Underline = chosen.underline();
+  return changed;
 }
 
 }  // namespace
@@ -42,8 +46,9 @@ void frmSandrel::SetPrintCommands() {
     dialog.setWindowTitle("Print Font");
     dialog.setOption(QFontDialog::DontUseNativeDialog);
     dialog.setOption(QFontDialog::ScalableFonts);
+    const QFont shown = dialog.currentFont();
     if (dialog.exec() != QDialog::Accepted) return false;
-    font = FromQt(dialog.selectedFont());
+    font = Chosen(font, shown, dialog.selectedFont());
     return true;
   };
   const auto set = [this](const char* item, void (clsPrintCommands::*command)()) {

@@ -91,6 +91,7 @@ class Session {
     TakeConfiguration();
     TakeMenus();
     TakeBoxes();
+    TakePrinting();
     TakeScan();
     Stop();
   }
@@ -224,6 +225,27 @@ class Session {
     m_form->Controls().Menus.Run("mnuFileOpen");
     next("folder-dialog", 300);
     m_form->Controls().Menus.Run("mnuSettingsMachine");
+    m_boxes.OnBox = nullptr;
+  }
+
+  void TakePrinting() {
+    const auto run = [this](const char* item, const QString& name) {
+      m_boxes.OnBox = [this, name](QWidget& box) {
+        QTest::qWait(300);
+        m_camera.Take(box, name);
+        box.close();
+      };
+      m_form->Controls().Menus.Run(item);
+    };
+    m_desk.Settings.SaveSetting("Print Preview Form", "Width", "13500");
+    m_desk.Settings.SaveSetting("Print Preview Form", "Height", "9900");
+    m_desk.Settings.SaveSetting("Print Preview Form", "WindowState", "0");
+    for (const char* zoom : {"50%", "100%", "200%"}) {
+      m_desk.Settings.SaveSetting("PrintGridPreview", "ZoomPercent", zoom);
+      run("mnuFilePrintPreview", QString("print-preview-") + QString(zoom).chopped(1));
+    }
+    run("mnuFilePrintSetup", "print-setup");
+    run("mnuSettingsPrintFont", "print-font");
     m_boxes.OnBox = nullptr;
   }
 

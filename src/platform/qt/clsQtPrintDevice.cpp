@@ -76,15 +76,18 @@ void clsPainterDevice::DrawLines(std::string_view text, const PrintRect& rect, b
   }
 }
 
+// In whole pixels of the page or the screen, at least one of them thick: a finer line might fall
+// between two.
 void clsPainterDevice::Line(int x1, int y1, int x2, int y2) {
   QPainter& painter = Painter();
-  const double scale = painter.transform().m11();
-  // At least one pixel of the screen, and then a whole number of them.
-  double thickness = LineInches * qt::PrintDpi;
-  if (scale != 1) thickness = std::max(1.0, std::round(thickness * scale)) / scale;
-  painter.fillRect(QRectF(std::min(x1, x2), std::min(y1, y2), std::abs(x2 - x1) + thickness,
-                          std::abs(y2 - y1) + thickness),
+  const QTransform to = painter.worldTransform();
+  const QPoint from = to.map(QPointF(std::min(x1, x2), std::min(y1, y2))).toPoint();
+  const QPoint end = to.map(QPointF(std::max(x1, x2), std::max(y1, y2))).toPoint();
+  const int thick = std::max(1, qRound(LineInches * qt::PrintDpi * to.m11()));
+  painter.setWorldMatrixEnabled(false);
+  painter.fillRect(from.x(), from.y(), end.x() - from.x() + thick, end.y() - from.y() + thick,
                    Qt::black);
+  painter.setWorldMatrixEnabled(true);
 }
 
 clsPictureDevice::clsPictureDevice(std::shared_ptr<clsTextMeasure> measure, QSizeF sheet,
