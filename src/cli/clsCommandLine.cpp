@@ -251,7 +251,11 @@ int clsCommands::Watch() {
   if (works.StartError() != 0) {
     throw ErrnoError(works.StartError(), fmt::format("Can't start {}", name));
   }
-  if (!ended || clsCliShell::WasInterrupted()) return Print("");
+  // The interrupt may have ended the command too.
+  if (!ended || clsCliShell::WasInterrupted()) {
+    m_shell.Refuse("Stopped; the Before snapshot stays.");
+    return m_shell.ExitStatus();
+  }
   machine->CloseRegistry();
   if (!analysis.AfterAndViews(snapshots, path)) return Print("");
   fmt::print("Analysis Created: {}\n", m_arguments.File);

@@ -36,17 +36,12 @@ clsWizardFlow::clsWizardFlow(clsWizardCommands& commands, clsWizardView& view)
     : m_commands(commands), m_view(view) {}
 
 std::string clsWizardFlow::MainText() {
-  std::string text;
-  for (const char* line :
-       {"This Wizard will guide you through creating snapshots, installing software and analyzing "
-        "the results.",
-        "  - A 'Before Snapshot' will be created (or an existing one will be used)",
-        "  - Your desired software program will be installed",
-        "  - An 'After Snapshot' will be created ",
-        "  - An analysis of the installed software will be created from the snapshots"}) {
-    text += std::string(line) + "\n\n";
-  }
-  return text;
+  return "This Wizard will guide you through creating snapshots, installing software and analyzing "
+         "the results.\n\n"
+         "  - A 'Before Snapshot' will be created (or an existing one will be used)\n\n"
+         "  - Your desired software program will be installed\n\n"
+         "  - An 'After Snapshot' will be created \n\n"
+         "  - An analysis of the installed software will be created from the snapshots\n\n";
 }
 
 void clsWizardFlow::Load() {

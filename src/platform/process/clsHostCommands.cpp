@@ -39,7 +39,7 @@ std::string FindOnPath(const std::string& name) {
   std::string_view rest = variable != nullptr ? variable : "/usr/local/bin:/usr/bin:/bin";
   while (!rest.empty()) {
     const std::size_t end = std::min(rest.find(':'), rest.size());
-    const std::string file = clsFileWorks::Join(rest.substr(0, end), name);
+    std::string file = clsFileWorks::Join(rest.substr(0, end), name);
     if (end > 0 && clsFileWorks::FileExists(file) && access(file.c_str(), X_OK) == 0) return file;
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
