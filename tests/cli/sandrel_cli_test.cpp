@@ -291,6 +291,7 @@ TEST_F(SandrelCli, WatchesACommand) {
   ExpectFailure(watch({"no-such-program"}, {"--yes"}), 2, "There is no program no-such-program");
   ExpectFailure({"watch", m_temp.Of("none/x.mdb"), "--", "touch", marker}, 2, "there is no folder");
   EXPECT_FALSE(clsFileWorks::FileExists(marker));
+  ExpectFailure(watch({"sh", "-c", "kill -INT $PPID"}, {"--yes"}), 1, "Stopped");
   EXPECT_EQ(Run(watch({"touch", marker}, {"--yes"})).Status, 0);
   EXPECT_EQ(Cell(File(), "SELECT count(*) FROM tblNewFiles"), "0");
 }
