@@ -36,6 +36,7 @@
 #include <string>
 #include <vector>
 
+#include "config/frmConfig.h"
 #include "platform/qt/clsSplitBar.h"
 #include "window/support/SampleDesk.h"
 
@@ -126,6 +127,11 @@ class Walk {
       ActOnBox(*message);
     } else if (auto* const dialog = qobject_cast<QFileDialog*>(box)) {
       ActOnDialog(*dialog);
+    } else if (auto* const configuration = dynamic_cast<frmConfig*>(box)) {
+      ActOnConfiguration(*configuration);
+    } else if (auto* const other = qobject_cast<QDialog*>(box)) {
+      Note("reject " + other->windowTitle().toStdString());
+      other->reject();
     } else if (box == nullptr && m_form->isVisible()) {
       ActOnWindow();
     }
@@ -262,6 +268,16 @@ class Walk {
     Note("dialog: " + chosen);
     name->setText(QString::fromStdString(chosen));
     QMetaObject::invokeMethod(&dialog, "accept");
+  }
+
+  void ActOnConfiguration(frmConfig& configuration) {
+    if (Chance(5)) return Key(configuration, Qt::Key_Escape);
+    std::vector<QWidget*> controls;
+    for (QWidget* const control : configuration.findChildren<QWidget*>()) {
+      if (control->isVisible() && control->isEnabled()) controls.push_back(control);
+    }
+    QWidget* const control = OneOf(controls);
+    Click(*control, PlaceIn(*control), Qt::LeftButton, {});
   }
 
   void ActOnWindow() {
