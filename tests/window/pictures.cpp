@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFont>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPainter>
@@ -23,6 +24,7 @@
 #include "shell/frmSplash.h"
 #include "window/support/BoxAnswerer.h"
 #include "window/support/SampleDesk.h"
+#include "wizard/frmWizard.h"
 
 namespace sandrel::test {
 namespace {
@@ -92,6 +94,7 @@ class Session {
     TakeMenus();
     TakeBoxes();
     TakePrinting();
+    TakeWizard();
     TakeScan();
     Stop();
   }
@@ -247,6 +250,21 @@ class Session {
     run("mnuFilePrintSetup", "print-setup");
     run("mnuSettingsPrintFont", "print-font");
     m_boxes.OnBox = nullptr;
+  }
+
+  void TakeWizard() {
+    m_form->Controls().Menus.Run("mnuSnapShotWizard");
+    auto* const wizard = m_form->findChild<frmWizard*>();
+    for (const int number : {0, 1, 2, 3, 4, 5}) {
+      std::int16_t shown = static_cast<std::int16_t>(number);
+      wizard->DisplayPage(shown, true, false);
+      if (number == 3) {
+        QTest::keyClicks(wizard->findChild<QLineEdit*>("txtRun"), R"("C:\Downloads\setup.exe" /S)");
+      }
+      QTest::qWait(20);
+      m_camera.Take(*wizard, QString("wizard-%1").arg(number));
+    }
+    wizard->Unload();
   }
 
   // The picture is taken when messages are let through, with the panel about half full.
