@@ -36,6 +36,7 @@ void ReadList(const std::string& analysis, int page, ListView& list) {
 
 int PrintPage(const std::string& analysis, int page, const std::string& out, clsPrinter& printer,
               clsShell& shell, clsSettings& settings) {
+  CheckTarget(out, analysis);
   TextPool texts;
   ListView list(texts);
   ReadList(analysis, page, list);

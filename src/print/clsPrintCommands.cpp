@@ -14,6 +14,7 @@ bool clsPrintCommands::ChooseFile(std::string& file) {
   file = m_shell.ChooseFile({"Print To PDF File", ".pdf", "", "PDF Files *.pdf|*.pdf",
                              clsPathText::TextBeforeLast(m_shell.State.AnalysisPath, "/"), true});
   if (file.empty()) return false;
+  CheckTarget(file, m_shell.State.AnalysisPath);
   return !clsFileWorks::FileExists(file) ||
          m_shell.Ask({fmt::format("WARNING! An existing file by that name ({}) has been found!\n\n"
                                   "Overwrite the existing file?",

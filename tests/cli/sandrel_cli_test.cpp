@@ -296,5 +296,25 @@ TEST_F(SandrelCli, WatchesACommand) {
   EXPECT_EQ(Cell(File(), "SELECT count(*) FROM tblNewFiles"), "0");
 }
 
+TEST_F(SandrelCli, PrintsAPage) {
+  Run({"before"});
+  ASSERT_EQ(Run({"after", File()}).Status, 0);
+  const std::string pdf = m_temp.Of("out.pdf");
+  const Result done = Run({"print", File(), pdf, "showALLfiles"});
+  EXPECT_EQ(done.Out + done.Err, "1 page(s) printed: " + pdf + "\n");
+  const std::string before = clsFileWorks::ReadWhole(pdf);
+  EXPECT_TRUE(before.starts_with("%PDF-"));
+  ExpectFailure({"print", File(), pdf}, 1, "Overwrite the existing file?");
+  ExpectFailure({"print", File(), pdf, "--yes", "ShowNothing"}, 2, "There is no page");
+  ExpectFailure({"print", File(), File(), "--yes"}, 2, "that file holds the analysis");
+  ExpectFailure({"print", File(), m_temp.Of(""), "--yes"}, 2, "no regular file");
+  ExpectFailure({"print", m_temp.Of("settings.ini"), pdf, "--yes"}, 2, "");
+  // A full disk costs neither the old file nor an error's text.
+  const Result full = Finish(Start({"print", File(), pdf, "--yes"}, 4096));
+  EXPECT_EQ(full.Status, 2);
+  EXPECT_NE(full.Err.find("Can't write " + pdf), std::string::npos) << full.Err;
+  EXPECT_EQ(clsFileWorks::ReadWhole(pdf), before);
+}
+
 }  // namespace
 }  // namespace sandrel

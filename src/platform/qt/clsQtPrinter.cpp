@@ -106,8 +106,9 @@ class clsPdfDocument final : public clsPrintDocument {
 
   clsPrintDevice& Device() override { return *m_device; }
   void EndDoc() override {
-    const bool ended = m_device->End();
-    if (!ended || !m_file.commit()) throw FileError(errnum::DeviceIo);
+    // What is still buffered may find no room, which a commit would not tell.
+    const bool whole = m_device->End() && m_file.flush();
+    if (!whole || !m_file.commit()) throw FileError(errnum::DeviceIo);
   }
 
  private:
