@@ -92,6 +92,12 @@ frmPrintPreview::frmPrintPreview(clsShell& shell, clsSettings& settings, clsQtPr
   picBack->setFocus();
 }
 
+// A box that goes while it has the focus tells that its text is finished.
+frmPrintPreview::~frmPrintPreview() {
+  cbxZoomList->disconnect(this);
+  cbxZoomList->lineEdit()->disconnect(this);
+}
+
 void frmPrintPreview::MakeToolbar() {
   tlbToolbar->setObjectName("tlbToolbar");
   tlbToolbar->setIconSize(QSize(16, 16));

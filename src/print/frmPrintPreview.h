@@ -28,6 +28,7 @@ class frmPrintPreview final : public QDialog {
   /// is first shown.
   frmPrintPreview(clsShell& shell, clsSettings& settings, clsQtPrinter& printer,
                   const PrintData& printed, QWidget* parent);
+  ~frmPrintPreview() override;
 
   /// Prints what is shown.
   std::function<void()> Print;

@@ -74,7 +74,9 @@ frmWizard::frmWizard(clsWizardCommands& commands, QWidget* owner)
   m_flow.Load();
 }
 
+// A text box that goes while it has the focus tells that its text is finished.
 frmWizard::~frmWizard() {
+  txtViewName->disconnect(this);
   clsControlsWorks::Unload(this);
 }
 

@@ -462,8 +462,11 @@ class Walk {
 
   void CheckFile(const std::string& path) {
     const bool database = path.ends_with(".mdb") || path.ends_with(".zqd");
-    if (!database && !path.ends_with(".ini") && !path.ends_with(".lock"))
-      Fault("left behind: " + path);
+    bool expected = database;
+    for (const char* kind : {".ini", ".lock", ".reg", ".pdf"}) {
+      expected = expected || path.ends_with(kind);
+    }
+    if (!expected) Fault("left behind: " + path);
     if (!database) return;
     sqlite3* file = nullptr;
     std::string found;

@@ -3,16 +3,18 @@
 #include <fmt/format.h>
 #include <langinfo.h>
 
+#include <QBuffer>
 #include <QFile>
 #include <QFontDatabase>
 #include <QPdfWriter>
 #include <QPrinter>
 #include <QPrinterInfo>
-#include <QSaveFile>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "common/clsError.h"
+#include "common/clsFileWorks.h"
 #include "platform/qt/clsQtPrintDevice.h"
 
 namespace sandrel {
@@ -89,37 +91,37 @@ class clsPagesDevice final : public clsPainterDevice {
   QPainter m_painter;
 };
 
-// The file is replaced when it is whole, so that a failure costs no older one.
+// The file is replaced when the document is whole, so that a failure costs no older one.
 class clsPdfDocument final : public clsPrintDocument {
  public:
   clsPdfDocument(const std::shared_ptr<clsTextMeasure>& measure, const QPageLayout& layout,
-                 const std::string& title, const std::string& file)
-      : m_file(QFile::decodeName(QByteArray::fromStdString(file))), m_name(file) {
-    if (!m_file.open(QIODevice::WriteOnly)) throw FileError(errnum::PathFileAccess);
+                 const std::string& title, std::string file)
+      : m_name(std::move(file)) {
+    m_content.open(QIODevice::WriteOnly);
     m_writer.setResolution(qt::PrintDpi);
     m_writer.setPageLayout(layout);
     m_writer.setTitle(QString::fromStdString(title));
     m_writer.setCreator("Sandrel");
     m_device = std::make_unique<clsPagesDevice>(measure, m_writer);
-    if (!m_device->Begin()) throw FileError(errnum::PathFileAccess);
+    if (!m_device->Begin()) throw NotWritten();
   }
 
   clsPrintDevice& Device() override { return *m_device; }
   void EndDoc() override {
-    // What is still buffered may find no room, which a commit would not tell.
-    const bool whole = m_device->End() && m_file.flush();
-    if (!whole || !m_file.commit()) throw FileError(errnum::DeviceIo);
+    if (!m_device->End()) throw NotWritten();
+    RaiseAs("clsQtPrinter.EndDoc",
+            [this] { clsFileWorks::ReplaceWhole(m_name, m_content.data().toStdString()); });
   }
 
  private:
-  clsError FileError(std::int32_t number) const {
-    return {number, fmt::format("Can't write {}: {}", m_name, m_file.errorString().toStdString()),
+  clsError NotWritten() const {
+    return {errnum::DeviceIo, fmt::format("Can't write {}: no page can be drawn.", m_name),
             "clsQtPrinter.StartDoc"};
   }
 
-  QSaveFile m_file;
+  QBuffer m_content;
   std::string m_name;
-  QPdfWriter m_writer{&m_file};
+  QPdfWriter m_writer{&m_content};
   std::unique_ptr<clsPagesDevice> m_device;
 };
 
