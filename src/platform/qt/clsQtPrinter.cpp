@@ -11,6 +11,7 @@
 #include <QPrinterInfo>
 #include <cmath>
 #include <cstdint>
+#include <filesystem>
 #include <utility>
 
 #include "common/clsError.h"
@@ -97,6 +98,13 @@ class clsPdfDocument final : public clsPrintDocument {
   clsPdfDocument(const std::shared_ptr<clsTextMeasure>& measure, const QPageLayout& layout,
                  const std::string& title, std::string file)
       : m_name(std::move(file)) {
+    // What can be known of the target is told before the pages are laid out.
+    const std::string folder = std::filesystem::absolute(m_name).parent_path().string();
+    if (!clsFileWorks::FolderExists(folder)) {
+      throw clsError(errnum::PathFileAccess,
+                     fmt::format("Can't write {}: there is no folder {}.", m_name, folder),
+                     "clsQtPrinter.StartDoc");
+    }
     m_content.open(QIODevice::WriteOnly);
     m_writer.setResolution(qt::PrintDpi);
     m_writer.setPageLayout(layout);
