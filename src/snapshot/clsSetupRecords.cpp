@@ -166,7 +166,8 @@ std::string clsSetupRecords::ExpandSetupMacros(std::string& Text) {
     const std::string folder = lower == "windir"      ? m_machine.WindowsFolder()
                                : lower == "winsysdir" ? m_machine.SystemFolder()
                                                       : name;
-    Text = Text.substr(0, begin) + folder + rest;
+    Text.replace(begin, std::string::npos, folder);
+    Text += rest;
   }
 }
 
