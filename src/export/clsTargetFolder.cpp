@@ -88,7 +88,9 @@ bool clsTargetFolder::MakeFolder(const std::vector<std::string>& parts) {
 
 void clsTargetFolder::Copy(const std::string& source, const std::vector<std::string>& parts,
                            const std::string& name) {
-  const std::string target = clsFileWorks::Join(m_path, name);
+  std::string target = m_path;  // for messages alone
+  for (const std::string& part : parts) target = clsFileWorks::Join(target, part);
+  target = clsFileWorks::Join(target, name);
   const clsFile from(open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat status {};
   if (from.Get() < 0 || fstat(from.Get(), &status) != 0) {
