@@ -13,7 +13,7 @@
 #include "cli/clsPageWriter.h"
 #include "cli/modPrintHelper.h"
 #include "common/clsError.h"
-#include "common/clsFileWorks.h"
+#include "common/modOverwrite.h"
 #include "config/clsHome.h"
 #include "config/clsSettings.h"
 #include "platform/process/clsHostCommands.h"
@@ -265,13 +265,7 @@ int clsCommands::Watch() {
 int clsCommands::PrintToFile() {
   const std::string page = PageName(PageByName(m_arguments.PrintPage));
   OfAnalysis([&] { return ReadStat(dao::DBEngine::FirstWorkspace(), m_arguments.File, ""); });
-  if (clsFileWorks::FileExists(m_arguments.Out) &&
-      m_shell.Ask({fmt::format("WARNING! An existing file by that name ({}) has been found!\n\n"
-                               "Overwrite the existing file?",
-                               std::filesystem::path(m_arguments.Out).filename().string()),
-                   "Confirmation Required", Buttons::YesNo, BoxIcon::None}) != Answer::Yes) {
-    return m_shell.ExitStatus();
-  }
+  if (!MayOverwrite(m_shell, m_arguments.Out)) return m_shell.ExitStatus();
   return RunPrintHelper(m_arguments.File, m_arguments.Out, page);
 }
 

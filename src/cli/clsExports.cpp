@@ -2,15 +2,14 @@
 
 #include <fmt/format.h>
 
-#include <filesystem>
 #include <vector>
 
 #include "browser/FormatCell.h"
 #include "browser/Pages.h"
 #include "browser/clsPageReader.h"
 #include "common/clsError.h"
-#include "common/clsFileWorks.h"
 #include "common/clsPathText.h"
+#include "common/modOverwrite.h"
 #include "common/text.h"
 #include "export/clsRegExport.h"
 #include "export/clsSandrelFileCopy.h"
@@ -88,13 +87,7 @@ std::size_t clsExports::ExportRegistry(int page, const std::string& out, const s
             entry.RegType = GetRegEntryType(cell("Value Type"));
           });
   if (registry.RegEntrys.Count() == 0) return 0;
-  if (clsFileWorks::FileExists(out) &&
-      m_shell.Ask({fmt::format("WARNING! An existing file by that name ({}) has been found!\n\n"
-                               "Overwrite the existing file?",
-                               std::filesystem::path(out).filename().string()),
-                   "Confirmation Required", Buttons::YesNo, BoxIcon::None}) != Answer::Yes) {
-    return 0;
-  }
+  if (!MayOverwrite(m_shell, out)) return 0;
   registry.WriteFile(out);
   if (registry.Lost() > 0) {
     m_shell.Tell(fmt::format("{} character(s) that code page 1252 lacks are written as ?.",
@@ -124,13 +117,7 @@ std::string clsExports::CopyFiles(int page, const std::string& folder, clsMachin
   std::vector<std::string> results;
   std::int64_t unknown = 0;
   clsSandrelFileCopy(m_shell, machine, progress).CopyFiles(files, folder, "C:", results, unknown);
-  if (deleted > 0) {
-    results.push_back(
-        fmt::format("{} File(s) were ignored because they were Deleted Files", deleted));
-  }
-  std::string lines;
-  for (const std::string& line : results) lines += (lines.empty() ? "" : "\n") + line;
-  return lines;
+  return clsSandrelFileCopy::Summary(results, deleted);
 }
 
 }  // namespace sandrel

@@ -7,8 +7,8 @@
 #include <unordered_set>
 
 #include "common/clsError.h"
-#include "common/clsFileWorks.h"
 #include "common/clsPathText.h"
+#include "common/modOverwrite.h"
 #include "export/clsRegExport.h"
 #include "export/clsSandrelFileCopy.h"
 
@@ -101,13 +101,7 @@ void clsExportCommands::mnuFileExportToRegFile_Click() {
                                "file.",
                                file));
   }
-  if (clsFileWorks::FileExists(file) &&
-      m_shell.Ask({fmt::format("WARNING! An existing file by that name ({}) has been found!\n\n"
-                               "Overwrite the existing file?",
-                               clsPathText::TextAfterLast(file, "/")),
-                   "Confirmation Required", Buttons::YesNo, BoxIcon::None}) != Answer::Yes) {
-    return;
-  }
+  if (!MayOverwrite(m_shell, file)) return;
   {
     const clsPointerGuard pointer(m_shell, pointer::Hourglass);
     registry.DoEvents = [this] { m_shell.DoEvents(); };
@@ -157,13 +151,8 @@ void clsExportCommands::mnuFileExportFiles_Click() {
   const std::unique_ptr<clsCopyProgress> progress = MakeProgress();
   clsSandrelFileCopy(m_shell, *machine, *progress)
       .CopyFiles(files, folder, RootPrefix(), results, totalBytes);
-  if (deleted > 0) {
-    results.push_back(
-        fmt::format("{} File(s) were ignored because they were Deleted Files", deleted));
-  }
-  std::string lines;
-  for (const std::string& line : results) lines += (lines.empty() ? "" : "\n") + line;
-  m_shell.Ask({lines, "Sandrel Manager Copy Results", Buttons::Ok, BoxIcon::Information});
+  m_shell.Ask({clsSandrelFileCopy::Summary(results, deleted), "Sandrel Manager Copy Results",
+               Buttons::Ok, BoxIcon::Information});
 }
 
 }  // namespace sandrel

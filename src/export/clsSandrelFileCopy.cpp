@@ -82,6 +82,14 @@ void clsSandrelFileCopy::CopyFiles(const std::vector<std::string>& files,
   if (m_ignored > 0) results.push_back(fmt::format("{} Error(s) were ignored", m_ignored));
 }
 
+std::string clsSandrelFileCopy::Summary(std::vector<std::string> results, std::int64_t deleted) {
+  if (deleted > 0) {
+    results.push_back(
+        fmt::format("{} File(s) were ignored because they were Deleted Files", deleted));
+  }
+  return fmt::format("{}", fmt::join(results, "\n"));
+}
+
 // Runs one statement; an error is reported, and the answer tells how to go on.
 template <class Statement>
 clsSandrelFileCopy::Next clsSandrelFileCopy::Try(Statement&& statement) {

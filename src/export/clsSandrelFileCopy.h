@@ -28,6 +28,9 @@ class clsSandrelFileCopy {
                  const std::string& rootPrefix, std::vector<std::string>& results,
                  std::int64_t& totalBytes);
 
+  /// The lines of a run as one text, with the number of deleted files that weren't copied.
+  static std::string Summary(std::vector<std::string> results, std::int64_t deleted);
+
  private:
   enum class Next : std::uint8_t { Done, Skip, Stop };
 

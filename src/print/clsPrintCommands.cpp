@@ -2,8 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "common/clsFileWorks.h"
 #include "common/clsPathText.h"
+#include "common/modOverwrite.h"
 #include "print/clsPrintData.h"
 
 namespace sandrel {
@@ -15,11 +15,7 @@ bool clsPrintCommands::ChooseFile(std::string& file) {
                              clsPathText::TextBeforeLast(m_shell.State.AnalysisPath, "/"), true});
   if (file.empty()) return false;
   CheckTarget(file, m_shell.State.AnalysisPath);
-  return !clsFileWorks::FileExists(file) ||
-         m_shell.Ask({fmt::format("WARNING! An existing file by that name ({}) has been found!\n\n"
-                                  "Overwrite the existing file?",
-                                  clsPathText::TextAfterLast(file, "/")),
-                      "Confirmation Required", Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
+  return MayOverwrite(m_shell, file);
 }
 
 template <class Pages>

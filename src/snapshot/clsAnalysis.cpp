@@ -10,7 +10,7 @@
 
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
-#include "common/clsPathText.h"
+#include "common/modOverwrite.h"
 #include "config/clsScanSettings.h"
 #include "scan/clsScanDrive.h"
 #include "scan/clsScanReg.h"
@@ -150,11 +150,7 @@ bool clsAnalysis::Try(const std::function<bool()>& statement) {
 bool clsAnalysis::MayCreate(const std::string& path) {
   return Try([&] {
     CheckTarget(path);
-    return !clsFileWorks::FileExists(path) ||
-           m_shell.Ask({fmt::format("WARNING! An existing file by that name ({}) has been "
-                                    "found!\n\nOverwrite the existing file?",
-                                    std::filesystem::path(path).filename().string()),
-                        "Confirmation Required", Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
+    return MayOverwrite(m_shell, path);
   });
 }
 

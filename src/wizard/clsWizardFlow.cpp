@@ -9,6 +9,7 @@
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
 #include "common/clsPathText.h"
+#include "common/modOverwrite.h"
 #include "common/text.h"
 
 namespace sandrel {
@@ -206,10 +207,8 @@ bool clsWizardFlow::CreateAnalysis(std::int16_t& page) {
     return true;
   }
   if (clsFileWorks::FileExists(txtViewName) &&
-      ask(fmt::format("WARNING! An existing file by that name ({}) has been found!\n\nOverwrite "
-                      "the existing file?",
-                      txtViewName),
-          Buttons::YesNo, BoxIcon::Question, "Confirmation Required") != Answer::Yes) {
+      ask(OverwriteText(txtViewName), Buttons::YesNo, BoxIcon::Question, "Confirmation Required") !=
+          Answer::Yes) {
     page = SavePage;
     return true;
   }
