@@ -34,12 +34,8 @@ bool IsAllPage(int index) {
 
 void RemoveKeys(ListView& list, const std::vector<RowKey>& keys) {
   if (keys.empty()) return;
-  std::unordered_set<std::uint64_t> gone;
-  const auto number = [](RowKey key) {
-    return std::uint64_t{key.Statement} << 32 | std::uint64_t{key.Number};
-  };
-  for (const RowKey key : keys) gone.insert(number(key));
-  list.RemoveRows([&](std::size_t row) { return gone.count(number(list.Key(row))) != 0; });
+  const std::unordered_set<RowKey, RowKeyHash> gone(keys.begin(), keys.end());
+  list.RemoveRows([&](std::size_t row) { return gone.count(list.Key(row)) != 0; });
 }
 
 }  // namespace

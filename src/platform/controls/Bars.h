@@ -34,6 +34,14 @@ class Toolbar {
   bool m_visible = true;
 };
 
+/// Gives a part of a control another value and tells its view, unless it has that value already.
+template <class Part>
+void SetAndTell(Part& part, Part value, const std::function<void()>& changed) {
+  if (part == value) return;
+  part = std::move(value);
+  if (changed) changed();
+}
+
 class StatusBar {
  public:
   static constexpr int Height = 345;  ///< twips
@@ -41,19 +49,13 @@ class StatusBar {
   const std::string& Progress() const { return m_progress; }
   const std::string& Status() const { return m_status; }
   bool Visible() const { return m_visible; }
-  void SetProgress(std::string text) { Set(m_progress, std::move(text)); }
-  void SetStatus(std::string text) { Set(m_status, std::move(text)); }
-  void SetVisible(bool visible) { Set(m_visible, visible); }
+  void SetProgress(std::string text) { SetAndTell(m_progress, std::move(text), Changed); }
+  void SetStatus(std::string text) { SetAndTell(m_status, std::move(text), Changed); }
+  void SetVisible(bool visible) { SetAndTell(m_visible, visible, Changed); }
 
   std::function<void()> Changed;
 
  private:
-  template <class Part>
-  void Set(Part& part, Part value) {
-    if (part == value) return;
-    part = std::move(value);
-    if (Changed) Changed();
-  }
   std::string m_progress, m_status;
   bool m_visible = true;
 };
@@ -71,9 +73,9 @@ class SysTray {
   }
 
   bool InTray() const { return m_inTray; }
-  void SetInTray(bool inTray) { Set(m_inTray, inTray && Available); }
+  void SetInTray(bool inTray) { SetAndTell(m_inTray, inTray && Available, Changed); }
   const std::string& Tip() const { return m_tip; }
-  void SetTip(std::string tip) { Set(m_tip, std::move(tip)); }
+  void SetTip(std::string tip) { SetAndTell(m_tip, std::move(tip), Changed); }
 
   /// 1 left, 2 right button.
   std::function<void(int button)> MouseDown;
@@ -81,12 +83,6 @@ class SysTray {
   std::function<void()> Changed;
 
  private:
-  template <class Part>
-  void Set(Part& part, Part value) {
-    if (part == value) return;
-    part = std::move(value);
-    if (Changed) Changed();
-  }
   bool m_inTray = false;
   std::string m_tip;
 };

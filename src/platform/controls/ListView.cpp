@@ -260,14 +260,10 @@ void ListView::SelectOnly(std::size_t row) {
 }
 
 void ListView::SelectKeys(const std::vector<RowKey>& keys) {
-  std::unordered_set<std::uint64_t> wanted;
-  const auto number = [](RowKey key) {
-    return std::uint64_t{key.Statement} << 32 | std::uint64_t{key.Number};
-  };
-  for (const RowKey key : keys) wanted.insert(number(key));
+  const std::unordered_set<RowKey, RowKeyHash> wanted(keys.begin(), keys.end());
   BeginUpdate();
   for (std::size_t row = 0; row < m_rows.size(); ++row) {
-    if (wanted.count(number(Key(row))) != 0) Select(row, true);
+    if (wanted.count(Key(row)) != 0) Select(row, true);
   }
   EndUpdate();
 }

@@ -25,6 +25,12 @@ struct RowKey {
   bool operator==(const RowKey&) const = default;
 };
 
+struct RowKeyHash {
+  std::size_t operator()(RowKey key) const {
+    return std::hash<std::uint64_t>()(std::uint64_t{key.Statement} << 32 | key.Number);
+  }
+};
+
 struct ListColumn {
   std::string Text;
   int Width = 0;
