@@ -12,6 +12,7 @@
 
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
+#include "common/modInstallation.h"
 
 namespace sandrel {
 namespace {
@@ -29,18 +30,12 @@ std::string Absolute(const std::string& path) {
   return result;
 }
 
-std::string ExecutableFolder() {
-  std::error_code failure;
-  const auto executable = std::filesystem::read_symlink("/proc/self/exe", failure);
-  return failure ? std::string() : executable.parent_path().string();
-}
-
 }  // namespace
 
 clsHome clsHome::Find(const std::string& given) {
   std::string folder = given.empty() ? Variable("SANDREL_HOME") : given;
   if (folder.empty()) {
-    const std::string beside = ExecutableFolder();
+    const std::string beside = std::filesystem::path(ProgramPath()).parent_path();
     if (!beside.empty() && access(beside.c_str(), W_OK) == 0) {
       folder = beside;
     } else {

@@ -1,11 +1,11 @@
 // The wizard over the main window's commands.
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
 #include <thread>
 
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
+#include "common/modInstallation.h"
 #include "platform/process/clsHostCommands.h"
 #include "platform/process/clsRunOnce.h"
 #include "shell/frmSandrel.h"
@@ -116,8 +116,8 @@ void frmSandrel::clsWizardSide::StoreRunOnce() {
     if (value != nullptr) variables.push_back(std::string(name) + "=" + value);
   }
   const std::string& program = m_form.m_options.Program;
-  const std::string launcher = std::filesystem::path(program).parent_path() / "AsyncStartup";
-  clsRunOnce().SetValue(clsRunOnce::WizardEntry, {launcher, program, "/wizard", "page4"},
+  clsRunOnce().SetValue(clsRunOnce::WizardEntry,
+                        {HelperProgram("AsyncStartup", program), program, "/wizard", "page4"},
                         variables);
 }
 
@@ -142,8 +142,7 @@ std::string frmSandrel::clsWizardSide::ChooseProgram() {
 
 void frmSandrel::SetWizardCommands() {
   if (m_options.Program.empty()) {
-    std::error_code unknown;
-    m_options.Program = std::filesystem::read_symlink("/proc/self/exe", unknown).string();
+    m_options.Program = ProgramPath();
   }
   m_wizardCommands = std::make_unique<clsWizardSide>(*this);
   for (const char* item : {"mnuSnapShotWizard", "mnuSysTrayPopupWizard"}) {
