@@ -52,7 +52,10 @@ void clsAnalysisFiles::Store(int index, const std::string& path) {
 
 void clsAnalysisFiles::mnuFileOpen_Click() {
   const std::string path = m_analysis.GetViewNameAndLocation("Open Sandrel Database");
-  if (path.empty()) return;
+  if (!path.empty()) OpenNamed(path);
+}
+
+void clsAnalysisFiles::OpenNamed(const std::string& path) {
   if (clsFileWorks::FileExists(path)) {
     m_open(path);
   } else {

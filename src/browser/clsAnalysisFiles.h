@@ -21,6 +21,8 @@ class clsAnalysisFiles {
                    std::function<bool(const std::string& path)> open);
 
   void mnuFileOpen_Click();
+  /// Opens an analysis; a file that isn't there is told.
+  void OpenNamed(const std::string& path);
   void mnuFileRecent_Click(int index);
   /// Sets what the File menu and the toolbar offer.
   void mnuFile_Click();

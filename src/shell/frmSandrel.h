@@ -37,9 +37,13 @@ class clsWizardCommands;
 class frmSplash;
 class frmWizard;
 
+/// The one command that the program knows: the wizard goes on after a restart.
+inline constexpr std::string_view WizardCommand = "/wizard page4";
+
 /// What the program was started with.
 struct StartOptions {
   std::string Machine;  ///< host path of the machine's folder; empty for the one the settings name
+  std::string File;     ///< host path of the analysis to open; empty for the last one
   std::string Command;  ///< the rest of the command line
   bool PrevInstance = false;  ///< the program runs on this home folder already
   std::string Program;        ///< host path of the executable that a restart goes on with

@@ -57,7 +57,7 @@ void frmSandrel::Form_Load() {
         if (m_unloaded) return;
         if (checkBeforeSnapshot) run([&] { AskForBefore(); });
         if (m_unloaded) return;
-        if (m_options.Command == "/wizard page4") run([&] { GoOnWithWizard(); });
+        if (m_options.Command == WizardCommand) run([&] { GoOnWithWizard(); });
         run([&] { m_snapshots.ShowLastBeforeSnapshot(); });
         run([&] { RefreshMenus(); });
       },
@@ -65,6 +65,14 @@ void frmSandrel::Form_Load() {
 }
 
 void frmSandrel::ActivatePreviousInstance() {
+  if (!m_options.File.empty()) {
+    // Who opens a file waits for something to happen.
+    Ask({"Sandrel is already running. Open the file there, with File > Open:\n\n" + m_options.File,
+         "Sandrel Manager", Buttons::Ok, BoxIcon::Information});
+    modActivateApp::ActivateApp(m_windows, " - Sandrel", modActivateApp::MatchBy::Ends, true,
+                                false);
+    return;
+  }
   const WindowHandle window = modActivateApp::FindAppWindow(
       m_windows, "Sandrel - ", modActivateApp::MatchBy::Begins, true, false);
   m_windows.ShowWindow(window, SwRestore);
@@ -99,6 +107,10 @@ void frmSandrel::ShowInTrayOrOnScreen() {
 }
 
 void frmSandrel::ReopenLast(bool& checkBeforeSnapshot) {
+  if (!m_options.File.empty()) {
+    m_browser.Files.OpenNamed(m_options.File);
+    return;
+  }
   const std::string path = m_browser.Files.RecentFile(1);
   if (path.empty()) {
     checkBeforeSnapshot = true;

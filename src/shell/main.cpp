@@ -4,8 +4,10 @@
 #include <QApplication>
 #include <clocale>
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "common/clsError.h"
@@ -28,7 +30,8 @@ constexpr int Failed = 2;
 
 constexpr const char* Help =
     "sandrel - finds out what a software installation does to a Windows machine\n\n"
-    "Usage: sandrel [--machine DIR] [--home DIR]\n\n"
+    "Usage: sandrel [--machine DIR] [--home DIR] [FILE]\n\n"
+    "  FILE           The analysis to open (else the last one)\n"
     "  --machine DIR  Folder of the machine to look at (else $SANDREL_MACHINE, $WINEPREFIX, the\n"
     "                 choice in the Settings menu, ~/.wine)\n"
     "  --home DIR     Folder of the snapshots (else $SANDREL_HOME)\n"
@@ -42,9 +45,10 @@ struct Arguments {
   bool Help = false, Version = false;
 };
 
-// What is no option is the program's command.
+// A single word that is no option is an analysis; several are the program's command.
 Arguments Parse(const std::vector<std::string>& words) {
   Arguments arguments;
+  std::vector<std::string> rest;
   for (std::size_t i = 0; i < words.size(); ++i) {
     const std::string_view word = words[i];
     const auto value = [&](std::string_view option, std::string& target) {
@@ -62,11 +66,16 @@ Arguments Parse(const std::vector<std::string>& words) {
     } else if (word == "--version") {
       arguments.Version = true;
     } else {
-      if (!arguments.Start.Command.empty()) arguments.Start.Command += ' ';
-      arguments.Start.Command += word;
+      rest.emplace_back(word);
     }
   }
-  arguments.Start.Command = sandrel::text::Trim(arguments.Start.Command);
+  std::string command(sandrel::text::Trim(fmt::to_string(fmt::join(rest, " "))));
+  if (rest.size() == 1 && !command.empty() && command != sandrel::WizardCommand &&
+      !command.starts_with('-')) {
+    arguments.Start.File = std::filesystem::absolute(rest.front()).lexically_normal().string();
+  } else {
+    arguments.Start.Command = std::move(command);
+  }
   return arguments;
 }
 
@@ -81,6 +90,7 @@ int Run(int argc, char** argv) {
     return Failed;
   }
   QApplication application(argc, argv);
+  arguments = Parse({argv + 1, argv + argc});  // without the words that the application took
   // Dates follow the user's format; numbers stay as files hold them.
   std::setlocale(LC_NUMERIC, "C");
   QApplication::setApplicationName("sandrel");
@@ -95,6 +105,11 @@ int Run(int argc, char** argv) {
   sandrel::frmSandrel form(settings, home, windows, arguments.Start);
   const sandrel::clsTermination termination([&form] { form.Unload(); }, [&form] { form.Save(); });
   form.Form_Load();
+  if (instance.PrevInstance() && !arguments.Start.File.empty()) {
+    fmt::print(stderr, "sandrel: Sandrel is running already; {} was not opened.\n",
+               arguments.Start.File);
+    return Failed;
+  }
   return form.IsUnloaded() ? 0 : QApplication::exec();
 }
 

@@ -95,8 +95,43 @@ TEST_F(frmSandrelTest, ASecondInstanceHandsOverAndSavesNothing) {
   EXPECT_TRUE(m_form->IsUnloaded());
   EXPECT_FALSE(m_form->isVisible());
   Stop();
-  EXPECT_FALSE(clsFileWorks::FileExists(m_settings.Path()));
   EXPECT_EQ(m_boxes.Log, Texts{});
+
+  options.File = "/analyses/setup.mdb";
+  m_boxes.Buttons = {"OK"};
+  Start(options);
+  EXPECT_TRUE(m_form->IsUnloaded());
+  Stop();
+  EXPECT_EQ(m_boxes.Log, (Texts{"Sandrel Manager|Sandrel is already running. Open the file there, "
+                                "with File > Open:\n\n/analyses/setup.mdb"}));
+  EXPECT_FALSE(clsFileWorks::FileExists(m_settings.Path()));
+}
+
+TEST_F(frmSandrelTest, AGivenFileIsOpenedInsteadOfTheLastOne) {
+  MakeAnalysis("last.mdb", [this] { m_sample.WriteFile("C:\\new.txt", "new"); });
+  MakeAnalysis("given.mdb", [this] { m_sample.WriteFile("C:\\newer.txt", "new"); });
+  std::filesystem::remove(Working());
+  m_sample.WriteFile("C:\\text.mdb", "no database");
+  struct Case {
+    std::string File, Title, Box;
+  };
+  const std::string text = m_sample.HostPath("C:\\text.mdb");
+  for (const auto& [file, title, box] :
+       {Case{m_temp.Of("given.mdb"), "given.mdb - Sandrel", ""},
+        {m_temp.Of("gone.mdb"), "Untitled - Sandrel", "gone.mdb not found. An analysis file must"},
+        {text, "Untitled - Sandrel", "invalid or corrupt"}}) {
+    SCOPED_TRACE(file);
+    m_settings.SaveSetting("Recent Files", "RecentFile1", m_temp.Of("last.mdb"));
+    m_boxes.Log.clear();
+    m_boxes.Buttons = {"OK"};
+    StartOptions options;
+    options.File = file;
+    Start(options);
+    EXPECT_EQ(m_form->windowTitle().toStdString(), title);
+    EXPECT_EQ(m_boxes.Log.size(), box.empty() ? 0u : 1u);
+    EXPECT_TRUE(box.empty() || m_boxes.Has(box));
+    Stop();
+  }
 }
 
 TEST_F(frmSandrelTest, TheWindowStandsWhereItStood) {
