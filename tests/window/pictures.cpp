@@ -21,6 +21,9 @@
 #include <memory>
 #include <string>
 
+#include "config/clsFolderSource.h"
+#include "config/frmFolderTreeview.h"
+#include "export/frmAnimate.h"
 #include "shell/frmSplash.h"
 #include "window/support/BoxAnswerer.h"
 #include "window/support/SampleDesk.h"
@@ -93,6 +96,8 @@ class Session {
     TakeConfiguration();
     TakeMenus();
     TakeBoxes();
+    TakePicker();
+    TakeCopy();
     TakePrinting();
     TakeWizard();
     TakeScan();
@@ -229,6 +234,28 @@ class Session {
     next("folder-dialog", 300);
     m_form->Controls().Menus.Run("mnuSettingsMachine");
     m_boxes.OnBox = nullptr;
+  }
+
+  void TakePicker() {
+    frmFolderTreeview picker(MachineFolders(clsMachine::Open(m_desk.MachineFolder())),
+                             m_form.get());
+    picker.SetFolder(R"(C:\Program Files\Lanternfish Studio)");
+    picker.show();
+    QTest::qWait(50);
+    m_camera.Take(picker, "folder-picker");
+  }
+
+  void TakeCopy() {
+    frmAnimate copy(m_form.get());
+    copy.Show();
+    copy.SetFile("render.dll");
+    copy.SetFolder(
+        R"('C:\Program Files\Lanternfish Studio' to '/home/anna/collected/Program Files')");
+    copy.SetProgress(57);
+    copy.SetMessage("Time Remaining: 2");
+    QTest::qWait(700);  // a sheet flies
+    m_camera.Take(copy, "copying");
+    copy.Close();
   }
 
   void TakePrinting() {
