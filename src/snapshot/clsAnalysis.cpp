@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <optional>
 #include <span>
@@ -136,6 +138,12 @@ void clsAnalysis::CheckTarget(const std::string& path) const {
     throw clsError(
         errnum::PathNotFound,
         fmt::format("Can't write the analysis {}: there is no folder {}.", path, folder));
+  }
+  if (access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) != 0) {
+    throw clsError(errnum::PathFileAccess,
+                   fmt::format("Can't write the analysis {}: the folder can't be written ({}). "
+                               "Choose another one.",
+                               path, std::generic_category().message(errno)));
   }
 }
 

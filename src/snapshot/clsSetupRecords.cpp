@@ -155,18 +155,22 @@ void clsSetupRecords::ApplyRecord(dao::Recordset& target, dao::Recordset& record
 }
 
 std::string clsSetupRecords::ExpandSetupMacros(std::string& Text) {
+  std::size_t expanded = 0;  // what a folder's own text holds is no macro
   for (;;) {
-    const std::size_t begin = Text.find("$(");
+    const std::size_t begin = Text.find("$(", expanded);
     if (begin == std::string::npos) return Text;
     const std::size_t end = Text.find(')', begin);
     const std::string name = Text.substr(begin + 2, end - begin - 2);
     const std::string rest(text::Trim(
         end == std::string::npos ? std::string_view() : std::string_view(Text).substr(end + 1)));
     const std::string lower = text::Lower(name);
-    const std::string folder = lower == "windir"      ? m_machine.WindowsFolder()
-                               : lower == "winsysdir" ? m_machine.SystemFolder()
-                                                      : name;
-    Text.replace(begin, std::string::npos, folder);
+    const bool isWindows = lower == "windir";
+    const bool isSystem = lower == "winsysdir";
+    Text.replace(begin, std::string::npos,
+                 isWindows  ? m_machine.WindowsFolder()
+                 : isSystem ? m_machine.SystemFolder()
+                            : name);
+    if (isWindows || isSystem) expanded = Text.size();
     Text += rest;
   }
 }

@@ -34,13 +34,6 @@ void Set32(std::string& out, std::size_t at, std::size_t number) {
   out.replace(at, 4, Words({number}));
 }
 
-std::uint32_t Get32(const std::string& bytes, std::size_t at) {
-  std::uint32_t number = 0;
-  for (std::size_t i = 4; i-- > 0;)
-    number = number << 8 | static_cast<unsigned char>(bytes[at + i]);
-  return number;
-}
-
 // Names are Latin-1 where they can be, else UTF-16.
 bool Encode(const std::string& name, std::string& encoded) {
   const std::string utf16 = text::ToUtf16Le(name);
@@ -144,22 +137,13 @@ std::uint32_t RegfBuilder::AddValue(const RegfValue& value) {
   return AddCell(cell + Words({value.type, latin1}) + name);
 }
 
-std::uint32_t RegfBuilder::AddSubkeyList(const std::vector<std::uint32_t>& subkeys,
-                                         const std::vector<std::string>& names) {
+std::uint32_t RegfBuilder::AddSubkeyList(const std::vector<std::uint32_t>& subkeys) {
   const auto listOf = [&](std::size_t from, std::size_t to) {
     std::string cell = list == List::Li ? "li" : list == List::Lf ? "lf" : "lh";
     Put16(cell, static_cast<std::uint32_t>(to - from));
     for (std::size_t i = from; i < to; ++i) {
       Put32(cell, subkeys[i]);
-      if (list == List::Lf) {
-        std::string hint = names[i].substr(0, 4);
-        hint.resize(4, '\0');
-        cell += hint;
-      } else if (list == List::Lh) {
-        std::uint32_t hash = 0;
-        for (const char c : text::Upper(names[i])) hash = hash * 37 + static_cast<unsigned char>(c);
-        Put32(cell, hash);
-      }
+      if (list != List::Li) Put32(cell, 0);  // a hint of the name, which readers don't need
     }
     return AddCell(cell);
   };
@@ -190,12 +174,8 @@ std::uint32_t RegfBuilder::AddKey(const RegfKey& key, std::uint32_t parent, bool
   }
   if (!key.subkeys.empty()) {
     std::vector<std::uint32_t> subkeys;
-    std::vector<std::string> names;
-    for (const RegfKey& subkey : key.subkeys) {
-      subkeys.push_back(AddKey(subkey, place, false));
-      names.push_back(subkey.name);
-    }
-    Set32(m_bins, place + 4 + 28, AddSubkeyList(subkeys, names));
+    for (const RegfKey& subkey : key.subkeys) subkeys.push_back(AddKey(subkey, place, false));
+    Set32(m_bins, place + 4 + 28, AddSubkeyList(subkeys));
   }
   return place;
 }
@@ -225,9 +205,9 @@ std::vector<std::size_t> RegfBuilder::CellsOf(std::string_view kind) const {
 
 void RegfBuilder::SetChecksum(std::string& hive) {
   constexpr std::size_t Place = 508;
-  std::uint32_t sum = 0;
-  for (std::size_t at = 0; at < Place; at += 4) sum ^= Get32(hive, at);
-  Set32(hive, Place, sum);
+  std::string sum(4, '\0');
+  for (std::size_t at = 0; at < Place; ++at) sum[at % 4] ^= hive[at];
+  hive.replace(Place, 4, sum);
 }
 
 }  // namespace sandrel::test

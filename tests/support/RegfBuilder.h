@@ -66,8 +66,7 @@ class RegfBuilder {
  private:
   std::uint32_t AddCell(std::string_view content);
   std::uint32_t AddKey(const RegfKey& key, std::uint32_t parent, bool isRoot);
-  std::uint32_t AddSubkeyList(const std::vector<std::uint32_t>& subkeys,
-                              const std::vector<std::string>& names);
+  std::uint32_t AddSubkeyList(const std::vector<std::uint32_t>& subkeys);
   std::uint32_t AddValue(const RegfValue& value);
   std::uint32_t AddData(const std::string& data);
   void EndBin();

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -93,7 +94,9 @@ std::shared_ptr<clsMachine> clsMachine::Open(const std::string& folder) {
     if (!FindFolder(path, {"Windows", "System32", "config"}).empty()) {
       return make(Kind::OfflineVolume, clsPathMap::OfVolume(path));
     }
-    throw NoMachine(folder, "nothing of one stands there");
+    const bool readable = access(path.c_str(), R_OK | X_OK) == 0;
+    throw NoMachine(
+        folder, readable ? "nothing of one stands there" : std::generic_category().message(errno));
   });
 }
 

@@ -209,11 +209,10 @@ class clsTextHiveReader {
 
  private:
   [[noreturn]] void Fail(std::string_view what) const {
-    throw clsError(
-        errnum::Hive,
-        fmt::format("Can't read the registry hive {}: line {}: {}. The file is damaged or "
-                    "cut off: put a good copy in its place, or let Wine make it anew.",
-                    m_path, m_line, what));
+    throw clsError(errnum::Hive,
+                   fmt::format("Can't read the registry hive {}: {}{}. The file is damaged or "
+                               "cut off: put a good copy in its place, or let Wine make it anew.",
+                               m_path, m_line > 0 ? fmt::format("line {}: ", m_line) : "", what));
   }
 
   bool NextLine(std::string_view& line) {

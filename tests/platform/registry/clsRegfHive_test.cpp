@@ -39,14 +39,6 @@ class clsRegfHiveTest : public testing::Test {
     }
   }
 
-  static Key Find(const Key& key, std::string_view name) {
-    const std::vector<std::string>& names = key->SubkeyNames();
-    for (std::size_t i = 0; i < names.size(); ++i) {
-      if (names[i] == name) return key->Subkey(i);
-    }
-    return {};
-  }
-
   // The type and data of the value of that index, as "3:data".
   static std::string ValueOf(const Key& key, std::size_t index) {
     std::uint32_t type = 0;
@@ -103,11 +95,9 @@ TEST_F(clsRegfHiveTest, ReadsNamesAndDataOfEveryKind) {
     EXPECT_EQ(ValueOf(root, data.size() + type), std::to_string(type) + ":data!");
   }
   EXPECT_EQ(root->SubkeyNames(), names);
-  for (const std::string& name : names) {
-    const Key key = Find(root, name);
-    ASSERT_NE(key, nullptr);
-    EXPECT_EQ(key->ValueNames(), std::vector<std::string>{name});
-    EXPECT_EQ(ValueOf(key, 0), "1:" + name);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    EXPECT_EQ(root->Subkey(i)->ValueNames(), std::vector<std::string>{names[i]});
+    EXPECT_EQ(ValueOf(root->Subkey(i), 0), "1:" + names[i]);
   }
   EXPECT_EQ(m_counts.Summary(), "");
 }
@@ -157,13 +147,6 @@ TEST_F(clsRegfHiveTest, RefusesAFileThatIsNoWholeHive) {
   for (const auto& [bytes, fault] : cases) EXPECT_NE(Fault(bytes).find(fault), std::string::npos);
   EXPECT_THROW(clsRegfHive::Open(m_folder.Of("nothing")), clsError);
   EXPECT_THROW(clsRegfHive::Open(m_folder.Path()), clsError);
-}
-
-TEST_F(clsRegfHiveTest, TellsThatALogIsPending) {
-  RegfBuilder builder;
-  EXPECT_FALSE(Open(builder.Build())->HasPendingLog());
-  builder.sequence2 = 7;
-  EXPECT_TRUE(Open(builder.Build())->HasPendingLog());
 }
 
 // Places inside a cell, counted from its size field.
@@ -221,11 +204,8 @@ TEST_F(clsRegfHiveTest, LeavesOutAndCountsWhatIsDamaged) {
   expect(keys, values, 0, 0, {{"nothing", {}}});
   expect({"a", "c"}, values, 1, 0,
          {{"a subkey's place", {{list + 12, word(0x12345678)}}},
-          {"a subkey that is no key", {{nk[2] + 4, "x"}}},
           {"a subkey listed twice", {{list + 12, place(nk[1])}}},
           {"the root below itself", {{list + 12, place(nk[0])}, {nk[0] + NkParent, place(nk[0])}}},
-          {"another key's subkey", {{nk[2] + NkParent, place(nk[1])}}},
-          {"a name longer than its cell", {{nk[2] + NkNameSize + 1, "\x09"}}},
           {"an empty name", {{nk[2] + NkNameSize, zero}}},
           {"a backslash in a name", {{nk[2] + 4 + 76, "\\"}}}});
   expect(keys, values, 2, 0, {{"the number of subkeys", {{nk[0] + NkSubkeyCount, word(5)}}}});
@@ -237,14 +217,12 @@ TEST_F(clsRegfHiveTest, LeavesOutAndCountsWhatIsDamaged) {
   expect({"a", "b", "c"}, {"one", "big", "four"}, 0, 1,
          {{"a value that is none", {{vk[1] + 4, "x"}}},
           {"a value's name", {{vk[1] + 4 + 3, "\x09"}}},
-          {"data longer than its cell", {{vk[1] + 8, word(200)}}},
           {"the place of data", {{vk[1] + 12, word(0x7FFFFFF0)}}}});
   expect(keys, {"long", "big", "four"}, 0, 1,
          {{"half a character in a name", {{vk[0] + 4 + 16, zero}}},
           {"inline data of 5 bytes", {{vk[0] + 8, word(0x80000005u)}}}});
   expect(keys, {"one", "long", "four"}, 0, 1,
          {{"split data that lacks cells", {{db + 6, "\x02"}}},
-          {"split data of too many cells", {{db + 7, "\x7F"}}},
           {"a cell of split data that is too short", {{segments + 4, place(vk[0])}}},
           {"the list of split data", {{db + 8, word(0xFFFFFFF8u)}}}});
   expect(keys, {}, 0, 1, {{"the number of values", {{nk[0] + NkValueCount, word(0x00FFFFFF)}}}});

@@ -28,7 +28,6 @@ TEST(clsRegistry, OpensKeysWithoutRegardToCase) {
   registry->RegSetValueEx(Machine, "Software\\ÄÖ\\Σς", "Name", regtype::Binary, "x");
   EXPECT_EQ(Open(*registry, ""), Success);
   EXPECT_EQ(Open(*registry, "SOFTWARE\\äö\\ΣΣ"), Success);
-  EXPECT_EQ(Open(*registry, "Software\\äö"), Success);
   EXPECT_EQ(Query(*registry, Machine, "software\\äÖ\\σσ", "NAME"), "3:78");
   for (const char* missing :
        {"Soft", "Software\\AO", "Software\\ÄÖ\\Σς\\x", "\\Software", "a\\\\b"}) {
@@ -56,21 +55,16 @@ TEST(clsRegistry, FindsAnyOfManyInAnyOrder) {
   Handle key;
   std::string name;
   ASSERT_EQ(registry->RegOpenKeyEx(Machine, "Top", key), Success);
-  EXPECT_EQ(registry->RegEnumValue(key, 5, name), Success);
-  EXPECT_EQ(Query(*registry, Machine, "Top", name), "3:35");
   EXPECT_EQ(registry->RegEnumKey(key, Count - 1, name), Success);
   EXPECT_EQ(name, "Key9999");
   EXPECT_EQ(registry->RegEnumKey(key, Count, name), regstatus::NoMoreItems);
-  EXPECT_EQ(registry->RegEnumValue(key, Count, name), regstatus::NoMoreItems);
   // And what is left of them after a deletion.
   EXPECT_EQ(registry->RegDeleteKey(Machine, "top\\KEY3"), Success);
   EXPECT_EQ(registry->RegDeleteValue(Machine, "Top", "Value3"), Success);
-  EXPECT_EQ(registry->RegSetValueEx(Machine, "Top", "value19", 3, "x"), Success);
-  EXPECT_EQ(Query(*registry, Machine, "Top", "Value19"), "3:78");
   EXPECT_EQ(Query(*registry, Machine, "Top", "Value3"), "none");
-  EXPECT_EQ(registry->RegSetValueEx(Machine, "Top\\key10", "v", 3, "y"), Success);
-  EXPECT_EQ(Query(*registry, Machine, "Top\\Key10", "v"), "3:79");
+  EXPECT_EQ(Query(*registry, Machine, "Top", "Value19"), "3:3139");
   EXPECT_EQ(Open(*registry, "Top\\Key3"), regstatus::FileNotFound);
+  EXPECT_EQ(Open(*registry, "Top\\Key9999"), Success);
 }
 
 TEST(clsRegistry, TerminatesTextThatLacksItsZero) {
@@ -95,17 +89,6 @@ TEST(clsRegistry, TerminatesTextThatLacksItsZero) {
   }
 }
 
-TEST(clsRegistry, GivesNoKeyBelowLevel512) {
-  const auto registry = MakeMemoryRegistry();
-  std::string path = "k";
-  for (std::size_t level = 2; level <= MaxKeyLevel; ++level) path += "\\k";
-  EXPECT_EQ(registry->RegCreateKeyEx(Machine, path), Success);
-  EXPECT_EQ(registry->RegCreateKeyEx(Machine, path + "\\k"), regstatus::InvalidParameter);
-  EXPECT_EQ(Open(*registry, path), Success);
-  EXPECT_EQ(Open(*registry, path + "\\k"), regstatus::FileNotFound);
-  EXPECT_EQ(registry->LeftOutCounts().Of(LeftOut::DeepKey), 0u);
-}
-
 TEST(clsRegistry, StatesWhatAnOperationCannotDo) {
   const auto registry = MakeMemoryRegistry();
   std::string name;
@@ -115,9 +98,10 @@ TEST(clsRegistry, StatesWhatAnOperationCannotDo) {
   EXPECT_EQ(registry->RegEnumValue({}, 0, name), regstatus::InvalidHandle);
   EXPECT_EQ(registry->RegQueryValueEx({}, "", type, data), regstatus::InvalidHandle);
 
-  const std::string longName(256, 'x');
+  std::string deep = "k";
+  for (std::size_t level = 1; level <= MaxKeyLevel; ++level) deep += "\\k";
   for (const std::string& path : {std::string("a\\\\b"), std::string("a\\"), std::string("\\a"),
-                                  longName, std::string("a\xFFz")}) {
+                                  std::string(256, 'x'), std::string("a\xFFz"), deep}) {
     EXPECT_EQ(registry->RegCreateKeyEx(Machine, path), regstatus::InvalidParameter) << path;
   }
   EXPECT_EQ(registry->RegCreateKeyEx(0x80000004u, "a"), regstatus::FileNotFound);
@@ -223,13 +207,7 @@ TEST(clsRegistry, CountsKeysThatLieTooDeepOnce) {
   clsOddRegistry registry;
   registry.names = {"k"};
   std::string path = "k";
-  for (std::size_t level = 2; level <= MaxKeyLevel; ++level) {
-    Handle key;
-    ASSERT_EQ(registry.RegOpenKeyEx(Machine, path, key), Success);
-    std::string name;
-    ASSERT_EQ(registry.RegEnumKey(key, 0, name), Success) << level;
-    path += "\\" + name;
-  }
+  for (std::size_t level = 2; level <= MaxKeyLevel; ++level) path += "\\k";
   for (int pass = 0; pass < 2; ++pass) {
     Handle key;
     std::string name;

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 
 #include "common/clsError.h"
@@ -8,7 +7,6 @@
 #include "common/text.h"
 #include "platform/registry/DumpKeys.h"
 #include "platform/registry/clsRegistry.h"
-#include "platform/registry/texthive.h"
 #include "support/NumberOf.h"
 #include "support/RegfBuilder.h"
 #include "support/TempFolder.h"
@@ -36,6 +34,8 @@ class clsVolumeRegistryTest : public testing::Test {
     Profile(Bob, "%SystemDrive%\\Users\\bob.HOST");
     Profile(Ann + ".bak", "C:\\Users\\Ann");
     software.Key("Classes\\.txt").Text("", "machine");
+    software.Key("link").link = true;
+    software.Key("link text").Text("SymbolicLinkValue", "\\").link = true;
     system.Key("Select").Dword("Default", 1).Dword("Current", 2);
     system.Key("ControlSet001").Dword("set", 1);
     system.Key("ControlSet002").Dword("set", 2);
@@ -104,6 +104,8 @@ TEST_F(clsVolumeRegistryTest, PutsTheHivesBelowTheirRoots) {
   EXPECT_EQ(Query(*registry, hkey::LocalMachine, "System\\ControlSet001", "set"), "4:01000000");
   EXPECT_EQ(DumpKeys(*registry, hkey::CurrentConfig), "[]\np=4:01000000\n");
   EXPECT_EQ(DumpKeys(*registry, hkey::ClassesRoot), "[]\n[.txt]\n=1:61006e006e000000\n");
+  for (const char* link : {"SOFTWARE\\link", "SOFTWARE\\link text"})
+    EXPECT_FALSE(Has(*registry, hkey::LocalMachine, link)) << link;
   EXPECT_TRUE(registry->Remarks().empty());
   EXPECT_EQ(registry->RegCreateKeyEx(hkey::LocalMachine, "SOFTWARE\\x"), regstatus::AccessDenied);
 }
@@ -180,71 +182,9 @@ TEST_F(clsVolumeRegistryTest, DoesWithoutWhatAPlainVolumeLacks) {
 TEST_F(clsVolumeRegistryTest, OpenKeysOutliveTheRegistry) {
   auto registry = Open();
   clsRegistry::Handle key;
-  ASSERT_EQ(registry->RegOpenKeyEx(hkey::LocalMachine, "", key), regstatus::Success);
+  ASSERT_EQ(registry->RegOpenKeyEx(hkey::LocalMachine, "SYSTEM", key), regstatus::Success);
   registry.reset();
-  const std::vector<std::string>& names = key->SubkeyNames();
-  const auto at = std::find(names.begin(), names.end(), "SYSTEM");
-  ASSERT_NE(at, names.end());
-  EXPECT_EQ(key->Subkey(static_cast<std::size_t>(at - names.begin()))->SubkeyNames().size(), 4u);
-}
-
-// The same keys and values, once in each form, give the same registry.
-TEST_F(clsVolumeRegistryTest, GivesWhatAWinePrefixGivesForTheSameContent) {
-  TempFolder prefix;
-  TextHive text;
-  text.head = "WINE REGISTRY Version 2\n";
-  text.tree = std::make_shared<clsKeyTree>();
-  const auto add = [&](RegfKey& key, clsKeyTree::Key& twin, std::string name, std::uint32_t type,
-                       const std::string& data) {
-    key.Value(name, type, data);
-    clsKeyTree::Value& value = clsKeyTree::AddValue(twin, std::move(name));
-    value.type = type;
-    value.data = data;
-  };
-  clsKeyTree::Key* top = text.tree->AddSubkey(*text.tree->Root(), "SOFTWARE");
-  software.root = {};
-  for (const char* name : {"Zed", "é", "日本", "😀", "[x]\"", "empty"}) {
-    RegfKey& key = software.root.Add(name).Add("Sub key");
-    clsKeyTree::Key* twin = text.tree->AddSubkey(*text.tree->AddSubkey(*top, name), "Sub key");
-    if (name == std::string_view("empty")) continue;
-    for (std::uint32_t type = 0; type <= 12; ++type) {
-      for (const std::size_t size : {0u, 1u, 2u, 3u, 4u, 5u, 8u, 100u, 40001u}) {
-        if (size > 100 && type != 3) continue;
-        std::string data(size, '\0');
-        for (std::size_t i = 0; i < size; ++i) data[i] = static_cast<char>(i * 7 + type);
-        if (size == 8) data.replace(6, 2, 2, '\0');
-        add(key, *twin, name + std::to_string(size) + "\\" + std::to_string(type), type, data);
-      }
-    }
-    add(key, *twin, "", 0x80000001u, "x");
-  }
-  // Of these only the first can be opened, and below it none.
-  RegfKey& links = software.root.Add("links");
-  clsKeyTree::Key* twins = text.tree->AddSubkey(*top, "links");
-  for (const auto& [name, target] :
-       {std::pair("up", "\\Registry\\Machine\\Software\\Links"),
-        std::pair("lost", "\\Registry\\Machine\\Nowhere"), std::pair("odd", "C:\\")}) {
-    clsKeyTree::Key* twin = text.tree->AddSubkey(*twins, name);
-    twin->link = true;
-    links.Add(name).link = true;
-    add(links.subkeys.back(), *twin, "SymbolicLinkValue", regtype::Link, text::ToUtf16Le(target));
-  }
-  for (const char* name : {"bare", "text"}) {
-    clsKeyTree::Key* twin = text.tree->AddSubkey(*twins, name);
-    twin->link = true;
-    links.Add(name).link = true;
-    if (*name == 't') add(links.subkeys.back(), *twin, "SymbolicLinkValue", regtype::Sz, "\\");
-  }
-  WriteMachine();
-  clsFileWorks::ReplaceWhole(prefix.Of("system.reg"), WriteTextHive(text));
-  for (const char* name : {"user.reg", "userdef.reg"}) {
-    clsFileWorks::ReplaceWhole(prefix.Of(name), text.head + "[] 1\n");
-  }
-  const std::string volume = DumpKeys(*Open(), hkey::LocalMachine, "SOFTWARE");
-  EXPECT_EQ(volume, DumpKeys(*OpenPrefixRegistry(prefix.Path()), hkey::LocalMachine, "SOFTWARE"));
-  EXPECT_EQ(std::count(volume.begin(), volume.end(), '\n'),
-            1 + 6 * 2 + 5 * (13 * 8 + 1 + 1) + 2 + 4 * 2 + 5 * 2);
-  EXPECT_EQ(volume.find("SymbolicLinkValue"), std::string::npos);
+  EXPECT_EQ(key->SubkeyNames().size(), 4u);
 }
 
 }  // namespace
