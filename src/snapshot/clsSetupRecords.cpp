@@ -151,7 +151,13 @@ void clsSetupRecords::ApplyRecord(dao::Recordset& target, dao::Recordset& record
     target.Set(field, ExpandSetupMacros(text));
   }
   target.Set("ValueType", record.Get("ValueType"));
-  target.Update();
+  try {
+    target.Update();
+  } catch (const clsError& error) {
+    if (error.Number() != errnum::DuplicateKey) throw;
+    // Its macros spell a row that the scans found, or that was added before.
+    target.CancelUpdate();
+  }
 }
 
 std::string clsSetupRecords::ExpandSetupMacros(std::string& Text) {
