@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFont>
 #include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -171,7 +172,7 @@ class Session {
     m_camera.Take(*m_form, "list-unfocused");
     Show("Files");
     m_camera.Take(*m_form, "all-files");
-    Show("HKEY_LOCAL_MACHINE_ChangedRegistry");
+    Show("HKEY_LOCAL_MACHINE_NewRegistry");
     m_camera.Take(*m_form, "hive");
     Show("NewRegistry");
     m_camera.Take(*m_form, "new-registry");
@@ -190,6 +191,7 @@ class Session {
 
   void TakeConfiguration() {
     m_boxes.OnBox = [this](QWidget& box) {
+      box.findChild<QLabel*>("lblMachine")->setText("Machine: /home/anna/.wine");
       auto* const tabs = box.findChild<QTabWidget*>("tabStrip");
       for (int i = 0; i < tabs->count(); ++i) {
         tabs->setCurrentIndex(i);
@@ -226,9 +228,13 @@ class Session {
       };
     };
     next("error", 0);
-    m_form->ReportError(52,
-                        "C:\\ProgramData\\Tallow\\license.dat can't be read: permission denied.",
-                        "clsScanDrive.DoXTreeFiles", "frmSandrel.mnuSnapShotBefore");
+    m_form->ReportError(
+        52,
+        "Bad file name or number: C:\\ProgramData\\Tallow\\ (Permission denied) - "
+        "Processing: C:\\ProgramData\\Tallow\\\n\nMake sure you have access to this "
+        "file or folder. You may wish to exclude file(s) or folder(s) using the "
+        "Configuration option of Sandrels' Settings menu.",
+        "clsScanDrive.DoXTree", "frmSandrel.mnuSnapShotBefore");
     next("file-dialog", 300);
     m_form->Controls().Menus.Run("mnuFileOpen");
     next("folder-dialog", 300);
