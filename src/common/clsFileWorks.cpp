@@ -112,12 +112,16 @@ std::string clsFileWorks::ReadWhole(const std::string& path, std::uint64_t limit
 
 void clsFileWorks::ReplaceWhole(const std::string& path, std::string_view content) {
   const std::string target = TargetOf(path);
+  struct stat status {};
+  const bool exists = stat(target.c_str(), &status) == 0;
+  if (exists && !S_ISREG(status.st_mode)) {  // a device would be replaced where root writes
+    throw clsError(errnum::PathFileAccess,
+                   fmt::format("Can't write {}: it is no regular file", path));
+  }
   std::string temporary = target + ".XXXXXX";
   clsDescriptor file(mkostemp(temporary.data(), O_CLOEXEC));
   if (file.Get() < 0) throw ErrnoError(errno, "Can't write " + path);
   try {
-    struct stat status {};
-    const bool exists = stat(target.c_str(), &status) == 0;
     const mode_t mode = exists ? status.st_mode & 07777u : NewFileMode();
     // Another user's file stays that user's where this process may see to it.
     [[maybe_unused]] const int owned =

@@ -53,7 +53,11 @@ TEST(clsFileWorks, LeavesEverythingAsItWasWhenItFails) {
   EXPECT_EQ(NumberOf([&] { clsFileWorks::ReplaceWhole(folder.Of("no/such"), "new"); }),
             errnum::FileNotFound);
   std::filesystem::create_directory(folder.Of("folder"));
-  EXPECT_NE(NumberOf([&] { clsFileWorks::ReplaceWhole(folder.Of("folder"), "new"); }), 0);
+  ASSERT_EQ(mkfifo(folder.Of("folder/fifo").c_str(), 0600), 0);
+  for (const char* name : {"folder", "folder/fifo"}) {
+    EXPECT_EQ(NumberOf([&] { clsFileWorks::ReplaceWhole(folder.Of(name), "new"); }),
+              errnum::PathFileAccess);
+  }
   for (const char* target : {"circle", "no/such"}) {
     const std::string link = folder.Of("circle");
     std::filesystem::create_symlink(target, link);
@@ -63,7 +67,7 @@ TEST(clsFileWorks, LeavesEverythingAsItWasWhenItFails) {
   }
   EXPECT_EQ(clsFileWorks::ReadWhole(path), "old");
   EXPECT_EQ(FilesIn(folder.Path()), 2u);  // no temporary file stays behind
-  EXPECT_EQ(FilesIn(folder.Of("folder")), 0u);
+  EXPECT_EQ(FilesIn(folder.Of("folder")), 1u);
 }
 
 TEST(clsFileWorks, ReadsRegularFilesOnly) {
