@@ -4,10 +4,10 @@
 
 #include <utility>
 
-#include "common/clsError.h"
 #include "common/clsFileWorks.h"
 #include "common/clsPathText.h"
 #include "common/text.h"
+#include "config/modKeep.h"
 
 namespace sandrel {
 namespace {
@@ -114,13 +114,9 @@ void clsAnalysisFiles::mnuFile_Click() {
   m_controls.Menus["mnuFileExport"].SetEnabled(registry || files);
 }
 
-// Settings that can't be written cost the list, not the analysis that is being opened.
+// A failure costs the list, not the analysis that is being opened.
 void clsAnalysisFiles::Keep(const std::function<void()>& save) {
-  try {
-    m_settings.Together(save);
-  } catch (const clsError& error) {
-    m_shell.SetStatusText("The list of recent files can't be saved. " + error.Description());
-  }
+  sandrel::Keep(m_shell, m_settings, "The list of recent files", save);
 }
 
 void clsAnalysisFiles::UpdateFileMenu(const std::string& path) {

@@ -7,6 +7,7 @@
 
 #include "common/clsError.h"
 #include "common/text.h"
+#include "config/modKeep.h"
 
 namespace sandrel {
 namespace {
@@ -64,13 +65,9 @@ int clsColumnLayout::EvenWidth(const ListView& list, std::size_t columns) {
   return std::max(0, list.Width - ScrollBarRoom) / std::max(1, static_cast<int>(columns));
 }
 
-// Everything that `save` stores is written at once: a page is left with every click in the tree.
+// A page is left with every click in the tree, so a failure raises no box.
 void clsColumnLayout::Keep(const std::function<void()>& save) {
-  try {
-    m_settings.Together(save);
-  } catch (const clsError& error) {
-    m_shell.SetStatusText("The columns' layout can't be saved. " + error.Description());
-  }
+  sandrel::Keep(m_shell, m_settings, "The columns' layout", save);
 }
 
 void clsColumnLayout::SaveWidths(const ListView& list, const std::string& section) {
@@ -192,11 +189,11 @@ void clsColumnLayout::SaveSharedSelection() {
   if (!list.Tag.empty()) m_sharedSelections[list.Tag] = list.SelectedKeys();
 }
 
-void clsColumnLayout::SelectFirstTime() {
-  ListView& list = m_controls.List(page::SharedPage);
+// That the view has been seen.
+void clsColumnLayout::NoteFirstSelected() {
+  const ListView& list = m_controls.List(page::SharedPage);
   if (!m_settings.GetSetting(list.Tag, "First Selected").empty() || list.RowCount() == 0) return;
   Keep([&] { m_settings.SaveSetting(list.Tag, "First Selected", text::BooleanText(true)); });
-  list.SelectOnly(0);
 }
 
 void clsColumnLayout::RestoreSharedSelection() {
@@ -204,8 +201,7 @@ void clsColumnLayout::RestoreSharedSelection() {
   const auto saved = m_sharedSelections.find(list.Tag);
   if (saved == m_sharedSelections.end() || saved->second.empty() || list.RowCount() == 0) return;
   list.BeginUpdate();
-  list.SelectOnly(0);
-  list.Select(0, false);
+  list.SelectAll(false);
   list.SelectKeys(saved->second);
   list.EndUpdate();
 }
@@ -254,36 +250,33 @@ void clsColumnLayout::mnuSettingsColumnsResetOrderCurrent_Click() {
   ResetOrder(list);
 }
 
-bool clsColumnLayout::mnuSettingsColumnsResetWidthsAll_Click() {
-  if (m_shell.Ask({"Reset all columns to their default widths", "Sandrel Manager", Buttons::YesNo,
-                   BoxIcon::Question}) != Answer::Yes) {
+// Asks, and then resets each list and what is kept of the views of hives. These have nothing under
+// their page's own name.
+bool clsColumnLayout::ResetAll(const char* question, void (*reset)(ListView& list), Saver save,
+                               std::string_view shared) {
+  if (m_shell.Ask({question, "Sandrel Manager", Buttons::YesNo, BoxIcon::Question}) !=
+      Answer::Yes) {
     return false;
   }
   Keep([&] {
     for (int index = 0; index < page::Count; ++index) {
       ListView& list = m_controls.List(index);
-      ResetWidths(list);
-      if (index < page::SharedPage) SaveWidths(list, PageName(index));
+      reset(list);
+      if (index < page::SharedPage) (this->*save)(list, PageName(index));
     }
   });
-  ResetSharedPage("width");
+  ResetSharedPage(shared);
   return true;
 }
 
+bool clsColumnLayout::mnuSettingsColumnsResetWidthsAll_Click() {
+  return ResetAll("Reset all columns to their default widths", ResetWidths,
+                  &clsColumnLayout::SaveWidths, "width");
+}
+
 bool clsColumnLayout::mnuSettingsColumnsResetOrderAll_Click() {
-  if (m_shell.Ask({"Reset all columns to their default order", "Sandrel Manager", Buttons::YesNo,
-                   BoxIcon::Question}) != Answer::Yes) {
-    return false;
-  }
-  Keep([&] {
-    for (int index = 0; index < page::Count; ++index) {
-      ListView& list = m_controls.List(index);
-      ResetOrder(list);
-      if (index < page::SharedPage) SaveColumnOrders(list, PageName(index));
-    }
-  });
-  ResetSharedPage("order");
-  return true;
+  return ResetAll("Reset all columns to their default order", ResetOrder,
+                  &clsColumnLayout::SaveColumnOrders, "order");
 }
 
 }  // namespace sandrel

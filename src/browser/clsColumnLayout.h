@@ -42,7 +42,7 @@ class clsColumnLayout {
   void SaveSharedSelection();
   // ... and after.
   void GetSharedColumns(clsStatements& run);
-  void SelectFirstTime();
+  void NoteFirstSelected();
   void RestoreSharedSelection();
   /// What was selected means nothing in another analysis.
   void ForgetSharedSelections() { m_sharedSelections.clear(); }
@@ -64,6 +64,10 @@ class clsColumnLayout {
   void GetWidths(clsStatements& run, ListView& list, const std::string& section);
   void GetColumns(clsStatements& run, ListView& list, const std::string& section);
   void DropSection(const std::string& section);
+
+  using Saver = void (clsColumnLayout::*)(const ListView& list, const std::string& section);
+  bool ResetAll(const char* question, void (*reset)(ListView& list), Saver save,
+                std::string_view shared);
 
   clsShell& m_shell;
   clsSettings& m_settings;

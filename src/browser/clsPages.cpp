@@ -220,9 +220,9 @@ void clsPages::FillSharedPage(std::string_view hive, int source, const char* ico
     }
     run([&] { m_layout.GetSortOrder(); });
     m_layout.GetSharedColumns(run);
-    m_layout.SelectFirstTime();
+    if (list.RowCount() > 0) list.SelectOnly(0);
+    m_layout.NoteFirstSelected();
     m_layout.RestoreSharedSelection();
-    if (list.SelectedItem() == ListView::NoRow && list.RowCount() > 0) list.SetSelectedItem(0);
     list.SetHideColumnHeaders(false);
   } catch (...) {
     list.EndUpdate();
@@ -272,6 +272,7 @@ void clsPages::FillFilteredPage(std::string_view folder, std::string_view kind) 
   m_controls.PageTag() = "ShowFilteredPage";
   ListView& list = m_controls.List(page::FilteredPage);
   list.BeginUpdate();
+  list.SetUnsorted();
   list.ClearColumns();
   list.ClearRows();
   const std::string lower = text::Lower(kind);

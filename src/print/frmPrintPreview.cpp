@@ -20,6 +20,7 @@
 
 #include "common/text.h"
 #include "config/frmPlacement.h"
+#include "config/modKeep.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/clsPreviewPane.h"
 #include "platform/qt/clsQtPrintDevice.h"
@@ -37,16 +38,6 @@ constexpr int MostZoom = 200;
 constexpr int LeastZoom = 10;
 constexpr int SettleTime = 150;  // milliseconds between a change of zoom and its drawing
 constexpr int ScrollStep = 48;
-
-// What is kept for the next time is no reason to disturb.
-template <class Body>
-void Quietly(Body&& body) {
-  try {
-    body();
-  } catch (const clsError&) {
-    // The settings can't be written.
-  }
-}
 
 }  // namespace
 
@@ -167,7 +158,8 @@ void frmPrintPreview::cbxZoomList_Click() {
   if (!zoom.ends_with('%')) zoom += '%';
   cbxZoomList->setEditText(QString::fromStdString(zoom));
   if (zoom == m_settings.GetSetting(ZoomSection, "ZoomPercent", "50%")) return;
-  Quietly([&] { m_settings.SaveSetting(ZoomSection, "ZoomPercent", zoom); });
+  Keep(m_shell, m_settings, "The preview's zoom",
+       [&] { m_settings.SaveSetting(ZoomSection, "ZoomPercent", zoom); });
   Timer->start();
 }
 
@@ -360,7 +352,10 @@ void frmPrintPreview::changeEvent(QEvent* event) {
 
 void frmPrintPreview::done(int result) {
   Timer->stop();
-  if (!isMinimized()) Quietly([this] { placement::Save(*this, m_settings, FormSection); });
+  if (!isMinimized()) {
+    Keep(m_shell, m_settings, "The preview's place",
+         [this] { placement::Save(*this, m_settings, FormSection); });
+  }
   QDialog::done(result);
 }
 

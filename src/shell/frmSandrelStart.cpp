@@ -8,6 +8,7 @@
 #include "common/clsFileWorks.h"
 #include "common/text.h"
 #include "config/frmPlacement.h"
+#include "config/modKeep.h"
 #include "platform/qt/clsTreeWidget.h"
 #include "platform/qt/modTwips.h"
 #include "shell/frmSandrel.h"
@@ -144,7 +145,7 @@ void frmSandrel::LoadWindowPlacement() {
 }
 
 void frmSandrel::SaveWindowPlacement() {
-  m_settings.Together([&] {
+  Keep(*this, m_settings, "The window's place", [&] {
     placement::Save(*this, m_settings, Section);
     m_settings.SaveSetting(Section, "SplitPos", fmt::to_string(m_controls.treeView.Width));
   });
@@ -189,11 +190,7 @@ void frmSandrel::Save() {
       [&] {
         run([&] { CommitPendingDeletes(); });
         run([&] { m_browser.SaveLayout(); });
-        try {
-          SaveWindowPlacement();
-        } catch (const clsError&) {
-          // Settings that can't be written are no reason to stay.
-        }
+        run([&] { SaveWindowPlacement(); });
       },
       [] {});
 }
