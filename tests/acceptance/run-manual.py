@@ -3,7 +3,7 @@
 
     run-manual.py [SANDREL-CLI]
 
-All "console" blocks of all chapters run in their order in one shell, in a fresh home folder with these
+Links lead somewhere. All "console" blocks of all chapters run in their order in one shell, in a fresh home folder with these
 sources as ~/sandrel. A block of a script whose second line is "# NAME: ..." is the file NAME. In what is
 printed "…" stands for any rest of a line, dates of today for one another, /home/you for the home folder.
 """
@@ -20,6 +20,21 @@ from pathlib import Path
 REPOSITORY = Path(__file__).resolve().parents[2]
 FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 END = "end-of-this-example"
+
+
+def anchors(chapter):
+    """The places that links can name, as code hosts make them of headings."""
+    headings = re.findall(r"^#+ (.*)$", FENCE.sub("", chapter.read_text(encoding="utf-8")), re.MULTILINE)
+    return {re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-") for heading in headings}
+
+
+def broken_links(chapter):
+    text = FENCE.sub("", chapter.read_text(encoding="utf-8"))
+    for link in re.findall(r"\]\(([^)]*)\)", text):
+        name, _, anchor = link.partition("#")
+        target = chapter.parent / name if name else chapter
+        if not target.is_file() or (anchor and anchor not in anchors(target)):
+            yield f"{chapter.name}: the link {link} leads nowhere"
 
 
 def examples(block):
@@ -73,7 +88,10 @@ def main():
     try:
         shell = Shell(Path(cli).resolve(), work)
         typed = faults = 0
-        for chapter in sorted((REPOSITORY / "docs/manual").glob("[0-9]*.md")):
+        for chapter in sorted((REPOSITORY / "docs/manual").glob("*.md")):
+            for broken in broken_links(chapter):
+                faults += 1
+                print(broken)
             for language, block in FENCE.findall(chapter.read_text(encoding="utf-8")):
                 name = re.match(r"#!.*\n# ([\w-]+): ", block)
                 if name:
