@@ -190,7 +190,6 @@ void clsAnalysisTree::treeView_Click() {
   if (selected == nullptr) return;
   const clsPointerGuard pointer(m_shell, pointer::Hourglass);
   m_layout.SaveColumnPositions();
-  for (ListView& list : m_controls.listView) list.SetUnsorted();
   m_shell.DoEvents(false);
   // What came through meanwhile may have closed the analysis or chosen another node.
   selected = m_controls.treeView.SelectedItem();

@@ -71,9 +71,10 @@ void TreeView::Clear() {
   if (m_observer != nullptr) m_observer->Cleared();
 }
 
-void TreeView::Forget(const Node& node) {
+void TreeView::Forget(const Node& node, std::vector<std::string>& expanded) {
   for (const auto& child : node.m_children) {
-    Forget(*child);
+    Forget(*child, expanded);
+    if (child->m_expanded) expanded.push_back(child->m_key);
     if (child->m_bold) std::erase(m_bold, child.get());
     m_nodes.erase(child->m_key);
   }
@@ -81,14 +82,18 @@ void TreeView::Forget(const Node& node) {
 
 void TreeView::Rebuild(Node& node, const std::function<void()>& build) {
   if (m_selected != nullptr && m_selected->IsBelow(node)) SetSelectedItem(&node);
+  std::vector<std::string> expanded;
   if (!node.m_children.empty()) {
     if (m_observer != nullptr) m_observer->ChildrenGoing(node);
-    Forget(node);
+    Forget(node, expanded);
     node.m_children.clear();
     if (m_observer != nullptr) m_observer->ChildrenRemoved(node);
   }
   m_rebuilding = &node;
   const auto show = [&] {
+    for (const std::string& key : expanded) {
+      if (Node* const again = Find(key)) again->m_expanded = true;
+    }
     const std::size_t count = node.m_children.size();
     const bool told = m_observer != nullptr && count > 0;
     if (told) m_observer->ChildrenComing(node, count);

@@ -84,8 +84,8 @@ class TreeView {
   void Clear();
 
   /// Puts whatever `build` adds below `node` in the place of its children; the view sees it in one
-  /// step, and nothing of what happens to them before. A selection below `node` moves to `node`.
-  /// Rebuilds don't nest.
+  /// step, and nothing of what happens to them before. A selection below `node` moves to `node`; a
+  /// child whose key comes back is as open as it was. Rebuilds don't nest.
   void Rebuild(Node& node, const std::function<void()>& build);
   /// True for the node that is being rebuilt: a view takes it for one without children.
   bool IsRebuilding(const Node& node) const { return m_rebuilding == &node; }
@@ -112,7 +112,7 @@ class TreeView {
   void SetDeep(const std::vector<std::unique_ptr<Node>>& nodes, bool expanded);
   void LeaveHidden();
   TreeViewObserver* ObserverOf(const Node* node) const;
-  void Forget(const Node& node);
+  void Forget(const Node& node, std::vector<std::string>& expanded);
 
   TreeViewObserver* m_observer = nullptr;
   std::vector<std::unique_ptr<Node>> m_roots;
