@@ -20,8 +20,6 @@ class MenuItem {
 
   /// Portable text, as "Ctrl+O"; set while the menus are made.
   std::string Shortcut;
-  /// Key of its picture among the toolbar's; empty for none.
-  std::string Picture;
   bool CanCheck = false;
 
   /// The command; of an item with items of its own what is done each time they are shown. An item

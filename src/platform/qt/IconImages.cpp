@@ -6,13 +6,6 @@
 
 namespace sandrel::icons {
 
-void DrawFolder(clsIconCanvas& c) {
-  c.Body(c.Polygon({{0, 3}, {1, 2}, {6, 2}, {8, 4}, {15, 4}, {16, 5}, {16, 14}, {0, 14}}),
-         Hue::Amber);
-  c.Body(c.Box(0, 6, 16, 8), Hue::Folder);
-  if (!c.IsSmall()) c.Fill(c.Bar(1, 7, 14, 0.5), Hue::Paper, Tone::Light);
-}
-
 void DrawPage(clsIconCanvas& c, double x, double y, double width, double height, double fold) {
   const double right = x + width;
   c.Body(c.Polygon(
@@ -31,6 +24,13 @@ void DrawWindow(clsIconCanvas& c) {
 }
 
 namespace {
+
+void DrawFolder(clsIconCanvas& c) {
+  c.Body(c.Polygon({{0, 3}, {1, 2}, {6, 2}, {8, 4}, {15, 4}, {16, 5}, {16, 14}, {0, 14}}),
+         Hue::Amber);
+  c.Body(c.Box(0, 6, 16, 8), Hue::Folder);
+  if (!c.IsSmall()) c.Fill(c.Bar(1, 7, 14, 0.5), Hue::Paper, Tone::Light);
+}
 
 void DrawNone(clsIconCanvas& /*c*/) {}
 

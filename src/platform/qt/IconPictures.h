@@ -18,9 +18,8 @@ Picture FindToolPicture(std::string_view key);
 /// The application's icon.
 void DrawWindow(clsIconCanvas& canvas);
 
-// Things that more than one picture shows.
-void DrawFolder(clsIconCanvas& canvas);
-/// A sheet with a folded corner of `fold` units at its upper right.
+/// What more than one picture shows: a sheet with a folded corner of `fold` units at its upper
+/// right.
 void DrawPage(clsIconCanvas& canvas, double x, double y, double width, double height, double fold);
 
 }  // namespace sandrel::icons

@@ -1,5 +1,4 @@
 // The pictures of the commands.
-#include <QTransform>
 #include <array>
 #include <utility>
 
@@ -36,18 +35,6 @@ void DrawMagnifier(clsIconCanvas& c, double centreX, double centreY, double radi
   c.Fill(c.Disc(centreX, centreY, radius - 1), Hue::Paper, Tone::Base);
 }
 
-void DrawArrowRight(clsIconCanvas& c, double x, double middle, Hue hue) {
-  const QPainterPath arrow = c.Polygon({{x, middle - 1},
-                                        {x + 3, middle - 1},
-                                        {x + 3, middle - 4},
-                                        {x + 7, middle},
-                                        {x + 3, middle + 4},
-                                        {x + 3, middle + 1},
-                                        {x, middle + 1}});
-  c.CutOut(arrow, 1);
-  c.Shade(arrow, hue);
-}
-
 // Files and printing.
 
 void DrawOpen(clsIconCanvas& c) {
@@ -77,24 +64,6 @@ void DrawPrintPreview(clsIconCanvas& c) {
     c.Fill(c.Bar(3, y, y == 4 ? 3 : 7, 1), Hue::Ink, Tone::Light);
   }
   DrawMagnifier(c, 10, 10, 4);
-}
-
-void DrawExport(clsIconCanvas& c) {
-  DrawPage(c, 1, 0, 11, 16, 4);
-  for (const int y : {4, 13}) c.Fill(c.Bar(3, y, y == 4 ? 3 : 7, 1), Hue::Ink, Tone::Light);
-  DrawArrowRight(c, 8, 9, Hue::Green);
-}
-
-void DrawCopyFiles(clsIconCanvas& c) {
-  DrawFolder(c);
-  DrawArrowRight(c, 8, 11, Hue::Green);
-}
-
-void DrawExit(clsIconCanvas& c) {
-  c.Body(c.Box(1, 0, 10, 16), Hue::Slate);
-  c.Body(c.Polygon({{1, 0}, {7, 2}, {7, 16}, {1, 16}}), Hue::Paper);
-  c.Fill(c.Bar(5, 8, 1, 2), Hue::Ink, Tone::Edge);
-  DrawArrowRight(c, 9, 8, Hue::Red);
 }
 
 // Editing.
@@ -130,17 +99,6 @@ void DrawDelete(clsIconCanvas& c) {
                     {5, 8},
                     {1, 4}}),
          Hue::Red);
-}
-
-void DrawSelectAll(clsIconCanvas& c) {
-  for (const int at : {0, 4, 8, 12}) {
-    const int length = at == 12 ? 4 : 3;
-    for (const int side : {0, 15}) {
-      c.Fill(c.Bar(at, side, length, 1), Hue::Slate, Tone::Base);
-      c.Fill(c.Bar(side, at, 1, length), Hue::Slate, Tone::Base);
-    }
-  }
-  for (const int y : {3, 7, 11}) c.Shade(c.Box(3, y, 10, 3), Hue::Blue);
 }
 
 // Snapshots: a camera whose lens tells which picture it takes.
@@ -213,33 +171,6 @@ void DrawHelp(clsIconCanvas& c) {
   c.Fill(c.Bar(7, 11.5, 2, 2), Hue::White, Tone::Base);
 }
 
-void DrawFont(clsIconCanvas& c) {
-  c.Fill(c.Stroke(Line({{2, 13.5}, {8, 1}, {14, 13.5}}), 2.4), Hue::Slate, Tone::Base);
-  c.Fill(c.Bar(4, 9, 8, 2), Hue::Slate, Tone::Base);
-  for (const int x : {0, 11}) c.Fill(c.Bar(x, 13, 5, 2), Hue::Slate, Tone::Base);
-}
-
-void DrawConfigure(clsIconCanvas& c) {
-  constexpr int Teeth = 8;
-  QPainterPath gear;
-  gear.addEllipse(QPointF(8, 8), 5.5, 5.5);
-  for (int tooth = 0; tooth < Teeth; ++tooth) {
-    QPainterPath one;
-    one.addRoundedRect(QRectF(-1.5, -8, 3, 5), 0.5, 0.5);
-    gear = gear.united(QTransform().translate(8, 8).rotate(360.0 / Teeth * tooth).map(one));
-  }
-  QPainterPath hole;
-  hole.addEllipse(QPointF(8, 8), 2.5, 2.5);
-  c.Body(c.Free(gear.subtracted(hole)), Hue::Slate);
-}
-
-void DrawRefresh(clsIconCanvas& c) {
-  c.Fill(c.Stroke(Arc(8, 8, 5.5, 150, -130), 2), Hue::Green, Tone::Base);
-  c.Fill(c.Stroke(Arc(8, 8, 5.5, 330, -130), 2), Hue::Green, Tone::Base);
-  c.Fill(c.Polygon({{15, 2}, {15, 8}, {9, 8}}), Hue::Green, Tone::Base);
-  c.Fill(c.Polygon({{1, 14}, {1, 8}, {7, 8}}), Hue::Green, Tone::Base);
-}
-
 // Moving through pages.
 
 void DrawMovePrevious(clsIconCanvas& c) {
@@ -260,7 +191,7 @@ void DrawMoveLast(clsIconCanvas& c) {
   c.Body(c.Polygon({{10, 8}, {3, 1}, {3, 15}}), Hue::Blue);
 }
 
-constexpr std::array<std::pair<std::string_view, Picture>, 24> Pictures = {
+constexpr std::array<std::pair<std::string_view, Picture>, 17> Pictures = {
     {{"Open", DrawOpen},
      {"Close", DrawClose},
      {"PrintPreview", DrawPrintPreview},
@@ -277,14 +208,7 @@ constexpr std::array<std::pair<std::string_view, Picture>, 24> Pictures = {
      {"MoveFirst", DrawMoveFirst},
      {"MovePrevious", DrawMovePrevious},
      {"MoveNext", DrawMoveNext},
-     {"MoveLast", DrawMoveLast},
-     {"Refresh", DrawRefresh},
-     {"Export", DrawExport},
-     {"CopyFiles", DrawCopyFiles},
-     {"Font", DrawFont},
-     {"Configure", DrawConfigure},
-     {"Exit", DrawExit},
-     {"SelectAll", DrawSelectAll}}};
+     {"MoveLast", DrawMoveLast}}};
 
 }  // namespace
 

@@ -8,7 +8,6 @@
 #include <functional>
 
 #include "platform/controls/Menu.h"
-#include "platform/qt/Icons.h"
 
 namespace sandrel::qt {
 
@@ -65,7 +64,6 @@ void Fill(QMenu& menu, MenuItem& item, const Joined& joined) {
 
 void Dress(const MenuItem& item, QAction& action) {
   action.setObjectName(QString::fromStdString(item.Name()));
-  if (!item.Picture.empty()) action.setIcon(icons::Tool(item.Picture));
   Follow(item, action);
 }
 

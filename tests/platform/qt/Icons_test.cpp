@@ -9,7 +9,9 @@
 #include <QPixmap>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
+#include "browser/clsMainControls.h"
 #include "platform/controls/ImageKeys.h"
 
 namespace sandrel::icons {
@@ -42,48 +44,39 @@ TEST(Icons, EveryKeyHasItsPictureAndOnlyNoneIsBlank) {
   for (const char* key : ImageKeys) {
     EXPECT_EQ(IsBlank(Shape(Image(key))), std::string(key) == "none") << key;
   }
-  for (const char* key :
-       {"Open",     "Close",        "PrintPreview",   "Print",         "Undo",
-        "Copy",     "Delete",       "BeforeSnapshot", "AfterSnapshot", "ReplaceBeforeSnapshot",
-        "Wizard",   "StopScanning", "Help",           "MoveFirst",     "MovePrevious",
-        "MoveNext", "MoveLast",     "Refresh",        "Export",        "CopyFiles",
-        "Font",     "Configure",    "Exit",           "SelectAll"}) {
-    ASSERT_FALSE(Tool(key).isNull()) << key;
-    EXPECT_FALSE(IsBlank(Shape(Tool(key)))) << key;
+  const clsMainControls controls;
+  std::vector<std::string> tools = {"MoveFirst", "MovePrevious", "MoveNext", "MoveLast"};
+  for (const ToolbarButton& button : controls.tlbarMain.Buttons) {
+    if (!button.Item.empty()) tools.push_back(button.Key);
   }
+  for (const std::string& key : tools) EXPECT_FALSE(IsBlank(Shape(Tool(key)))) << key;
   EXPECT_FALSE(IsBlank(Shape(Window())));
   EXPECT_TRUE(Image("nofolder").isNull());
-  EXPECT_TRUE(Tool("lastssplaceholder").isNull());
 }
 
 TEST(Icons, WhatBecameOfAThingIsToldByShape) {
   for (const std::string kind : {"folder", "registry", "ini", "element", "file"}) {
-    const QImage added = Shape(Image("new" + kind));
-    const QImage changed = Shape(Image("changed" + kind));
-    const QImage deleted = Shape(Image("deleted" + kind));
-    EXPECT_GE(PixelsThatDiffer(added, changed), 8) << kind;
-    EXPECT_GE(PixelsThatDiffer(added, deleted), 8) << kind;
-    EXPECT_GE(PixelsThatDiffer(changed, deleted), 8) << kind;
+    const QImage shapes[] = {Shape(Image("new" + kind)), Shape(Image("changed" + kind)),
+                             Shape(Image("deleted" + kind))};
+    for (const auto& [a, b] : {std::pair(0, 1), {0, 2}, {1, 2}}) {
+      EXPECT_GE(PixelsThatDiffer(shapes[a], shapes[b]), 8) << kind;
+    }
   }
 }
 
 TEST(Icons, PixmapsFollowRatioAndAreDrawnOnce) {
-  const QIcon folder = Image("closedfolder");
-  for (const double ratio : {1.0, 1.5, 2.0}) {
-    const QPixmap pixmap = folder.pixmap(Small, ratio);
+  for (const double ratio : {1.0, 2.0}) {
+    const QPixmap pixmap = Image("closedfolder").pixmap(Small, ratio);
     EXPECT_EQ(pixmap.size(), Small * ratio);
-    EXPECT_EQ(pixmap.devicePixelRatio(), ratio);
     EXPECT_EQ(pixmap.cacheKey(), Image("closedfolder").pixmap(Small, ratio).cacheKey());
   }
 }
 
 TEST(Icons, DisabledPicturesAreGreyAndDarkWindowsHaveTheirOwn) {
-  const QImage grey = Tool("Open").pixmap(Small, 1.0, QIcon::Disabled).toImage();
-  EXPECT_TRUE(grey.allGray());
-
+  EXPECT_TRUE(Tool("Open").pixmap(Small, 1.0, QIcon::Disabled).toImage().allGray());
   const QPalette before = QApplication::palette();
-  const auto printAt = [](const QColor& window) {
-    QPalette palette = QApplication::palette();
+  const auto printAt = [&](const QColor& window) {
+    QPalette palette = before;
     palette.setColor(QPalette::Window, window);
     QApplication::setPalette(palette);
     return Tool("Print").pixmap(Small, 1.0).toImage();
