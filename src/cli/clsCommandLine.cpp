@@ -16,6 +16,7 @@
 #include "common/modOverwrite.h"
 #include "config/clsHome.h"
 #include "config/clsSettings.h"
+#include "platform/machine/modMachineReport.h"
 #include "platform/process/clsHostCommands.h"
 #include "snapshot/StatsReport.h"
 #include "snapshot/clsAnalysis.h"
@@ -66,7 +67,6 @@ class clsCommands {
   template <class Body>
   auto OfAnalysis(Body&& body);
   std::shared_ptr<clsMachine> OpenMachine();
-  std::string OpenMachineText();
   void PrintSection(const std::string& section);
   int Print(const std::string& line) const;
 
@@ -120,18 +120,6 @@ int clsCommands::Replace() {
   return Print("The After snapshot is the Before snapshot now");
 }
 
-std::string clsCommands::OpenMachineText() {
-  try {
-    const auto machine = OpenMachine();
-    return fmt::format("{} ({})", machine->Folder(),
-                       machine->MachineKind() == clsMachine::Kind::WinePrefix
-                           ? "Wine prefix"
-                           : "offline Windows volume");
-  } catch (const clsError& error) {
-    return "none: " + error.Description();
-  }
-}
-
 int clsCommands::Status() {
   const SnapshotLevel level = ReadSnapshotLevel(m_home.WorkingDatabase());
   const char* words = level == SnapshotLevel::None     ? "none"
@@ -140,7 +128,9 @@ int clsCommands::Status() {
   const auto time = [&](const char* key) {
     return m_settings.GetSetting("Snapshot Creation Time", key, "None");
   };
-  fmt::print("Machine:   {}\n", OpenMachineText());
+  for (const MachineFact& fact : ReportMachine(MachineFolder(m_arguments.Machine, m_settings))) {
+    fmt::print("{:<10} {}\n", fact.Name + ":", fact.Text);
+  }
   fmt::print("Home:      {}\n", m_home.Path());
   fmt::print("Snapshots: {}\n", words);
   if (level != SnapshotLevel::None) {

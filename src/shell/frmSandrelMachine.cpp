@@ -4,16 +4,12 @@
 #include <cstdlib>
 
 #include "common/clsError.h"
+#include "platform/machine/modMachineReport.h"
 #include "platform/qt/modBoxes.h"
 #include "shell/frmSandrel.h"
 
 namespace sandrel {
 namespace {
-
-std::string KindText(const clsMachine& machine) {
-  return machine.MachineKind() == clsMachine::Kind::WinePrefix ? "Wine prefix"
-                                                               : "offline Windows volume";
-}
 
 // The variable that names the machine of every new start; empty for none.
 std::string NamingVariable() {

@@ -84,7 +84,13 @@ class SandrelCli : public testing::Test {
 };
 
 TEST_F(SandrelCli, GoesTheWholeRoad) {
-  EXPECT_EQ(Run({"status"}).Out, "Machine:   " + m_machine + " (Wine prefix)\nHome:      " +
+  EXPECT_EQ(Run({"status"}).Out, "Machine:   " + m_machine + " (Wine prefix)\nDrive:     C: is " +
+                                     m_machine + "/drive_c\nWindows:   C:\\windows\n" +
+                                     "Hive:      HKEY_LOCAL_MACHINE is " + m_machine +
+                                     "/system.reg\nHive:      HKEY_CURRENT_USER is " + m_machine +
+                                     "/user.reg\nHive:      HKEY_USERS\\.DEFAULT is " + m_machine +
+                                     "/userdef.reg\nUser:      S-1-5-21-0-0-0-1000 is "
+                                     "HKEY_CURRENT_USER\nHome:      " +
                                      m_temp.Of("home") + "\nSnapshots: none\n");
   ExpectFailure({"after", File()}, 1, "There is no 'Before' snapshot");
   ExpectFailure({"replace"}, 1, "There is no 'After' snapshot");

@@ -40,14 +40,14 @@ FileState StateOf(const std::string& path) {
           status.st_mtim.tv_nsec};
 }
 
-struct HiveFile {
+struct PrefixHive {
   std::string path;
   FileState state;
   TextHive hive;
   bool changed = false;
 };
 
-void ReadHive(HiveFile& file) {
+void ReadHive(PrefixHive& file) {
   // The state is taken first: a file that changes while it is read counts as changed afterwards.
   file.state = StateOf(file.path);
   std::string content;
@@ -75,6 +75,9 @@ class clsPrefixRegistry : public clsTreeRegistry {
       ReadHive(m_files[i]);
     }
     m_currentUserSid = UserSid();
+    m_hiveFiles = {{"HKEY_LOCAL_MACHINE", m_files[System].path},
+                   {"HKEY_CURRENT_USER", m_files[User].path},
+                   {"HKEY_USERS\\.DEFAULT", m_files[DefaultUser].path}};
     FindRoots();
   }
 
@@ -97,10 +100,10 @@ class clsPrefixRegistry : public clsTreeRegistry {
   }
   std::string UserSid() const;
   std::int32_t LocateInHives(std::uint32_t root, std::string_view path, int hops, Place& place);
-  bool ReadAgainIfStale(HiveFile& file);
+  bool ReadAgainIfStale(PrefixHive& file);
 
   std::string m_folder;
-  std::array<HiveFile, 3> m_files;
+  std::array<PrefixHive, 3> m_files;
 };
 
 // The comment at the head of user.reg names the user's key.
@@ -133,7 +136,7 @@ clsRegistry::Handle clsPrefixRegistry::OpenRoot(std::uint32_t root) {
 // Writing to a view goes to the key that the view shows.
 std::int32_t clsPrefixRegistry::Locate(std::uint32_t root, std::string_view path,
                                        const std::string_view* name, Place& place) {
-  for (HiveFile& file : m_files) {
+  for (PrefixHive& file : m_files) {
     if (!file.changed && !ReadAgainIfStale(file)) return regstatus::AccessDenied;
   }
   if (root == hkey::ClassesRoot) {
@@ -192,14 +195,14 @@ std::int32_t clsPrefixRegistry::LocateInHives(std::uint32_t root, std::string_vi
 }
 
 void clsPrefixRegistry::Changed(const clsKeyTree& tree) {
-  for (HiveFile& file : m_files) {
+  for (PrefixHive& file : m_files) {
     if (file.hive.tree.get() == &tree) file.changed = true;
   }
   FindRoots();
 }
 
 // False when the file is stale and can't be read again.
-bool clsPrefixRegistry::ReadAgainIfStale(HiveFile& file) {
+bool clsPrefixRegistry::ReadAgainIfStale(PrefixHive& file) {
   if (StateOf(file.path) == file.state) return true;
   try {
     ReadHive(file);
@@ -214,7 +217,7 @@ bool clsPrefixRegistry::ReadAgainIfStale(HiveFile& file) {
 std::int32_t clsPrefixRegistry::Flush() {
   bool anyChanged = false;
   bool anyStale = false;
-  for (const HiveFile& file : m_files) {
+  for (const PrefixHive& file : m_files) {
     anyChanged = anyChanged || file.changed;
     anyStale = anyStale || (file.changed && !(StateOf(file.path) == file.state));
   }
@@ -223,10 +226,10 @@ std::int32_t clsPrefixRegistry::Flush() {
   // get lost.
   if (PrefixServerRuns(m_folder)) return regstatus::AccessDenied;
   if (anyStale) {
-    for (HiveFile& file : m_files) ReadAgainIfStale(file);
+    for (PrefixHive& file : m_files) ReadAgainIfStale(file);
     return regstatus::AccessDenied;
   }
-  for (HiveFile& file : m_files) {
+  for (PrefixHive& file : m_files) {
     if (!file.changed) continue;
     try {
       clsFileWorks::ReplaceWhole(file.path, WriteTextHive(file.hive));

@@ -54,6 +54,12 @@ inline constexpr std::int32_t MoreData = 234;
 inline constexpr std::int32_t NoMoreItems = 259;
 }  // namespace regstatus
 
+/// A file that a part of a registry was read from.
+struct HiveFile {
+  std::string Key;   ///< where it is found, as "HKEY_LOCAL_MACHINE\\SOFTWARE"
+  std::string Path;  ///< host path
+};
+
 /// Keys below this level are not given.
 inline constexpr std::size_t MaxKeyLevel = 512;
 
@@ -138,6 +144,9 @@ class clsRegistry {
   /// when there is none.
   const std::string& CurrentUserSid() const { return m_currentUserSid; }
 
+  /// The files that this registry was read from; none of one in memory.
+  const std::vector<HiveFile>& HiveFiles() const { return m_hiveFiles; }
+
   /// What was found in the hives that the user should know, one sentence each: a hive whose log was
   /// not applied, for instance.
   const std::vector<std::string>& Remarks() const { return m_remarks; }
@@ -169,6 +178,7 @@ class clsRegistry {
   Handle OpenView(std::uint32_t root);
 
   std::string m_currentUserSid;
+  std::vector<HiveFile> m_hiveFiles;
   std::vector<std::string> m_remarks;
   clsLeftOut m_leftOut;
 

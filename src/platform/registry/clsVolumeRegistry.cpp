@@ -52,7 +52,7 @@ class clsVolumeRegistry : public clsRegistry {
     std::shared_ptr<clsRegKey> Open() const;
   };
 
-  HivePointer OpenHive(const std::string& path);
+  HivePointer OpenHive(const std::string& key, const std::string& path);
   void OpenMachineHives(const std::string& folder);
   void FindControlSet();
   std::vector<VolumeProfile> OpenProfiles(const std::string& folder);
@@ -86,10 +86,11 @@ clsVolumeRegistry::~clsVolumeRegistry() {
   for (const HivePointer& hive : m_hives) hive->CountIn(nullptr);
 }
 
-HivePointer clsVolumeRegistry::OpenHive(const std::string& path) {
+HivePointer clsVolumeRegistry::OpenHive(const std::string& key, const std::string& path) {
   HivePointer hive = clsRegfHive::Open(path);
   hive->CountIn(&m_leftOut);
   m_hives.push_back(hive);
+  m_hiveFiles.push_back({key, path});
   if (hive->HasPendingLog()) {
     m_remarks.push_back(fmt::format(
         "The last changes to the registry hive {} stand in its log only and are not seen; "
@@ -104,7 +105,9 @@ void clsVolumeRegistry::OpenMachineHives(const std::string& folder) {
   for (const char* name : {"SAM", "SECURITY", "SOFTWARE", "SYSTEM", "DEFAULT"}) {
     const std::string path = config.empty() ? "" : FindHostPath(config, name);
     if (!path.empty()) {
-      m_machine[name] = OpenHive(path);
+      const bool isUsers = name == std::string_view("DEFAULT");
+      m_machine[name] = OpenHive(
+          isUsers ? "HKEY_USERS\\.DEFAULT" : fmt::format("HKEY_LOCAL_MACHINE\\{}", name), path);
     } else if (name == std::string_view("SOFTWARE") || name == std::string_view("SYSTEM")) {
       throw clsError(
           errnum::Hive,
@@ -158,8 +161,12 @@ std::vector<VolumeProfile> clsVolumeRegistry::OpenProfiles(const std::string& fo
       }
       continue;
     } else {
-      m_users.push_back({profile.sid, OpenHive(profile.userHive),
-                         profile.classesHive.empty() ? nullptr : OpenHive(profile.classesHive)});
+      const std::string key = "HKEY_USERS\\" + profile.sid;
+      const HivePointer hive = OpenHive(key, profile.userHive);
+      m_users.push_back({profile.sid, hive,
+                         profile.classesHive.empty()
+                             ? nullptr
+                             : OpenHive(key + "_Classes", profile.classesHive)});
     }
     opened.push_back(profile);
   }

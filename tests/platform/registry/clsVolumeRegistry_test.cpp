@@ -107,6 +107,12 @@ TEST_F(clsVolumeRegistryTest, PutsTheHivesBelowTheirRoots) {
   for (const char* link : {"SOFTWARE\\link", "SOFTWARE\\link text"})
     EXPECT_FALSE(Has(*registry, hkey::LocalMachine, link)) << link;
   EXPECT_TRUE(registry->Remarks().empty());
+  std::string hives;
+  for (const HiveFile& hive : registry->HiveFiles()) hives += hive.Key + "|";
+  EXPECT_EQ(hives, fmt::format("HKEY_LOCAL_MACHINE\\SOFTWARE|HKEY_LOCAL_MACHINE\\SYSTEM|"
+                               "HKEY_USERS\\.DEFAULT|HKEY_USERS\\S-1-5-19|HKEY_USERS\\{0}|"
+                               "HKEY_USERS\\{0}_Classes|HKEY_USERS\\{1}|",
+                               Ann, Bob));
   EXPECT_EQ(registry->RegCreateKeyEx(hkey::LocalMachine, "SOFTWARE\\x"), regstatus::AccessDenied);
 }
 
