@@ -7,6 +7,8 @@
 namespace sandrel {
 namespace {
 
+constexpr const char* Helpers = "libexec/sandrel";
+
 // The first of `name` beside `program` and in `folder` below the installation; empty when there is
 // none.
 std::filesystem::path FindFile(const std::string& name, const std::filesystem::path& program,
@@ -29,8 +31,15 @@ std::string ProgramPath() {
   return failure ? std::string() : program.string();
 }
 
+std::string ProgramFolder() {
+  const auto here = std::filesystem::path(ProgramPath()).parent_path();
+  std::error_code failure;
+  const bool spread = std::filesystem::is_directory(here.parent_path() / Helpers, failure);
+  return spread ? std::string() : here.string();
+}
+
 std::string HelperProgram(const std::string& name, const std::string& program) {
-  const auto found = FindFile(name, program, "libexec/sandrel");
+  const auto found = FindFile(name, program, Helpers);
   if (found.empty()) {
     throw clsError(errnum::FileNotFound,
                    "The program " + name + ", which belongs to Sandrel, is not installed.",

@@ -9,6 +9,10 @@ namespace sandrel {
 /// Host path of the running program; empty when the system can't tell.
 std::string ProgramPath();
 
+/// Host path of the folder that holds the program and all that comes with it; empty when they are
+/// spread over the folders of an installation, which are no place for a user's files.
+std::string ProgramFolder();
+
 /// Host path of a program that `program` starts, such as "sandrel-print". Raises
 /// errnum::FileNotFound when it isn't installed.
 std::string HelperProgram(const std::string& name, const std::string& program = ProgramPath());

@@ -35,7 +35,7 @@ std::string Absolute(const std::string& path) {
 clsHome clsHome::Find(const std::string& given) {
   std::string folder = given.empty() ? Variable("SANDREL_HOME") : given;
   if (folder.empty()) {
-    const std::string beside = std::filesystem::path(ProgramPath()).parent_path();
+    const std::string beside = ProgramFolder();
     if (!beside.empty() && access(beside.c_str(), W_OK) == 0) {
       folder = beside;
     } else {
