@@ -50,19 +50,25 @@ class frmEditingTest : public BrowserFixture {
     }
     return offered;
   }
+  /// A row with its icon and what an "All" page shows of its cells.
+  std::string Twin(const ListView& list, std::size_t row, const char* ending) {
+    std::string text = list.KeyText(row) + ending + ImageKeys[list.SmallIcon(row)];
+    for (std::size_t i = 0; i < list.Columns().size(); ++i) {
+      if (!list.Columns()[i].Text.starts_with("Old ")) text += "|" + std::string(list.Cell(row, i));
+    }
+    return text;
+  }
   /// The "All" pages and the statistics tell of the rows of the single pages.
   void ExpectTwins() {
     for (int all = 0; all < 3; ++all) {
       std::multiset<std::string> single, twins;
-      for (int kind = 0; kind < 3; ++kind) {
-        const ListView& list = List(all + 3 * kind);
-        const char* const ending[] = {"", "-2", "-3"};
-        for (std::size_t row = 0; row < list.RowCount(); ++row) {
-          single.insert(list.KeyText(row) + ending[kind]);
+      for (int page = all; page < page::Stats; page += 3) {
+        for (std::size_t row = 0; row < List(page).RowCount(); ++row) {
+          single.insert(Twin(List(page), row, page < 3 ? "" : page < 6 ? "-2" : "-3"));
         }
       }
       const ListView& list = List(page::AllRegistry + all);
-      for (std::size_t row = 0; row < list.RowCount(); ++row) twins.insert(list.KeyText(row));
+      for (std::size_t row = 0; row < list.RowCount(); ++row) twins.insert(Twin(list, row, ""));
       EXPECT_EQ(single, twins) << "page " << page::AllRegistry + all;
     }
     for (std::size_t row = 0; row < 9; ++row) {
@@ -88,22 +94,15 @@ class frmEditingTest : public BrowserFixture {
 };
 
 TEST_F(frmEditingTest, OffersWhatCanBeDone) {
-  Start();
-  EXPECT_EQ(Offered(), "");
-  Open(MakeSample());
-  EXPECT_EQ(PageShown(), page::Stats);
+  OpenSample();
   EXPECT_EQ(Offered(), "SelectAll");
   ClickNode("HKEY_CLASSES_ROOT_NewRegistry");
   EXPECT_EQ(Offered(), "");
-  for (const char* node : {"NewRegistry", "Ini", "DeletedFiles", Hklm}) {
+  for (const char* node : {"Ini", "DeletedFiles", Hklm}) {
     ClickNode(node);
     EXPECT_EQ(Offered(), "Copy Delete SelectAll") << node;
   }
-  Pick({});
-  m_form->UpdateCommandState();
-  EXPECT_EQ(Offered(), "SelectAll");
   ClickNode(Acme);
-  ASSERT_EQ(Column(0), "Data acme.exe read.me");
   ClickRow(page::FilteredPage, 0);  // a folder is no record
   EXPECT_EQ(Offered(), "SelectAll");
   ClickRow(page::FilteredPage, 1, Qt::ControlModifier);
@@ -118,7 +117,6 @@ TEST_F(frmEditingTest, AsksAndNoKeepsAllIncludingTheLastDelete) {
   const std::vector<Lines> before = AllRows();
   const std::string records = Records(path);
   EXPECT_EQ(Delete({1}, {"No"}), Lines{One});
-  EXPECT_EQ(Offered(), "Copy Delete SelectAll");
   EXPECT_TRUE(AllRows() == before && IsFree(path));
 
   EXPECT_EQ(Delete({0, 5}), Lines{Several});
@@ -127,22 +125,19 @@ TEST_F(frmEditingTest, AsksAndNoKeepsAllIncludingTheLastDelete) {
   EXPECT_FALSE(IsFree(path));
   EXPECT_EQ(Records(path), records);
   EXPECT_EQ(Offered(), "Undo Copy Delete SelectAll");
-  bool looked = false;
-  m_watch.During("Loading...", [&] {  // no other command comes in between
-    EXPECT_EQ(Commands(), "");
-    looked = true;
-  });
+  std::string meanwhile = "?";  // no other command comes in between
+  m_watch.During("Loading...", [&] { meanwhile = Commands(); });
   PressButton("Undo");
-  EXPECT_TRUE(looked);
+  EXPECT_EQ(meanwhile, "");
   EXPECT_EQ(AllRows(), before);
   EXPECT_EQ(PageShown(), page::NewRegistry);
   EXPECT_FALSE(IsEnabled("mnuEditUndo"));
   EXPECT_TRUE(IsFree(path));
-  ExpectTwins();
 }
 
 TEST_F(frmEditingTest, DeletesOnThePagesOfOneTable) {
   const std::string path = OpenSample();
+  ExpectTwins();
   for (int index = 0; index < 9; ++index) {
     SCOPED_TRACE(NodeOf(index));
     ClickNode(NodeOf(index));
@@ -153,9 +148,8 @@ TEST_F(frmEditingTest, DeletesOnThePagesOfOneTable) {
     ExpectTwins();
   }
   EXPECT_EQ(Tree().Find("x.mdb\\Files\\Deleted\\C:"), nullptr);
-  EXPECT_NE(Tree().Find("x.mdb\\Files\\New\\C:\\Zoo"), nullptr);
-  const std::vector<Lines> rows = AllRows();
   EXPECT_EQ(Records(path), "5 0 4 2 0 0 0 0 1 ");  // the last is pending
+  const std::vector<Lines> rows = AllRows();
   ASSERT_TRUE(Choose("mnuFileClose"));
   EXPECT_EQ(Records(path), "5 0 4 2 0 0 0 0 0 ");
   EXPECT_TRUE(IsWhole(path));
@@ -164,19 +158,20 @@ TEST_F(frmEditingTest, DeletesOnThePagesOfOneTable) {
 }
 
 TEST_F(frmEditingTest, DeletesOnThePagesOfThreeTables) {
-  const std::string path = OpenSample();
+  const std::string path = OpenSample(), deep = std::string(Acme) + "\\Data";
   ClickNode("Registry");
   Delete({0, 1, 7});
   ExpectTwins();
   ClickNode("Ini");
   Delete({0, 1, 2});
   EXPECT_EQ(Offered(), "Undo");
+  Tree().EnsureVisible(Tree().Item(deep));
   ClickNode("Files");
   Delete({1, 6});
   EXPECT_EQ(Column(1), "app.ini acme.exe read.me  a.dat");
   EXPECT_EQ(Tree().Find("x.mdb\\Files\\Deleted\\C:"), nullptr);
   EXPECT_EQ(Tree().Find("x.mdb\\Files\\New\\C:\\Zoo"), nullptr);
-  EXPECT_NE(Tree().Find("x.mdb\\Files\\Changed\\C:"), nullptr);
+  EXPECT_TRUE(Tree().Item(Acme).Expanded());
   EXPECT_EQ(SelectedNode(), "Files");
   ExpectTwins();
   ASSERT_TRUE(Choose("mnuEditUndo"));
@@ -192,19 +187,16 @@ TEST_F(frmEditingTest, DeletesInTheViewsOfAHiveAndAFolder) {
   Pick({0, 1, 5});
   ClickNode(Hklm);
   EXPECT_EQ(Delete({0, 2}), Lines{Several});
-  EXPECT_EQ(PageShown(), page::SharedPage);
   EXPECT_EQ(Column(1), "s u");
   EXPECT_EQ(SelectedNode(), Hklm);
   EXPECT_EQ(Selected(page::NewRegistry), (Numbers{0, 3}));  // what is left of its own selection
   ExpectTwins();
   ASSERT_TRUE(Choose("mnuEditUndo"));
-  EXPECT_EQ(PageShown(), page::SharedPage);
   EXPECT_EQ(Column(1), "new s t u");
 
   ClickNode(Acme);
   const std::vector<Lines> before = AllRows();
   EXPECT_EQ(Delete({0, 2}), Lines{One});  // the folder stays
-  EXPECT_EQ(SelectedNode(), Acme);
   EXPECT_EQ(Column(0), "Data acme.exe");
   ExpectTwins();
   ASSERT_TRUE(Choose("mnuEditUndo"));
@@ -215,13 +207,9 @@ TEST_F(frmEditingTest, DeletesInTheViewsOfAHiveAndAFolder) {
   ClickNode(Deep);
   Delete({0});  // the folder's last file
   EXPECT_EQ(Tree().Find(Deep), nullptr);
-  EXPECT_NE(Tree().Find(std::string(Acme) + "\\Data"), nullptr);
   EXPECT_EQ(SelectedNode(), "NewFiles");
   EXPECT_EQ(BoldPath(), Tree().Item("NewFiles").FullPath());
   ExpectTwins();
-  ASSERT_TRUE(Choose("mnuEditUndo"));
-  EXPECT_NE(Tree().Find(Deep), nullptr);
-  EXPECT_EQ(AllRows(), before);
 }
 
 TEST_F(frmEditingTest, ARowThatNamesNoOneRecordStays) {
@@ -254,34 +242,6 @@ TEST_F(frmEditingTest, ARowThatNamesNoOneRecordStays) {
   EXPECT_EQ(Records(path), "6 1 3 3 1 1 1 0 1 ");
 }
 
-TEST_F(frmEditingTest, OnlyTheLastDeleteCanBeUndone) {
-  const std::string path = OpenSample();
-  const auto pending = [&] {
-    ClickNode("NewRegistry");
-    Delete({0});
-    return Cell(path, "SELECT count(*) FROM tblNewRegistryEnteries");
-  };
-  EXPECT_EQ(pending(), "6");
-  EXPECT_EQ(pending(), "5");  // the first delete is final now
-  ASSERT_TRUE(Choose("mnuEditUndo"));
-  EXPECT_FALSE(Choose("mnuEditUndo"));
-  EXPECT_EQ(Column(2), "new s t u user");
-  EXPECT_EQ(pending(), "5");
-  Open(path);  // leaves the analysis, if only to open it anew
-  EXPECT_EQ(Cell(path, "SELECT count(*) FROM tblNewRegistryEnteries"), "4");
-  EXPECT_FALSE(IsEnabled("mnuEditUndo"));
-  EXPECT_EQ(pending(), "4");
-  m_boxes.Files = {m_temp.Of("y.mdb")};
-  ASSERT_TRUE(Choose("mnuSnapShotAfter"));
-  EXPECT_EQ(m_form->windowTitle(), "y.mdb - Sandrel");
-  EXPECT_EQ(Cell(path, "SELECT count(*) FROM tblNewRegistryEnteries"), "3");
-  Open(path);
-  pending();
-  ASSERT_TRUE(Choose("mnuFileExit"));
-  EXPECT_EQ(Cell(path, "SELECT count(*) FROM tblNewRegistryEnteries"), "2");
-  EXPECT_TRUE(IsWhole(path));
-}
-
 TEST_F(frmEditingTest, ACrashUndoesWhatIsPending) {
   const std::string path = MakeSample();
   test::Rows(
@@ -302,10 +262,6 @@ TEST_F(frmEditingTest, ACrashUndoesWhatIsPending) {
   }
   EXPECT_EQ(Records(crashed), "1006 1 5 3 1 1 1 1 1 ");
   EXPECT_TRUE(IsWhole(crashed));
-  ASSERT_TRUE(Choose("mnuEditUndo"));
-  EXPECT_EQ(Shown().RowCount(), 1006U);
-  Open(crashed);
-  EXPECT_EQ(List(page::NewRegistry).RowCount(), 1006U);
 }
 
 TEST_F(frmEditingTest, ADiskThatRefusesADeleteUndoesItAndTheNextOneWorks) {
@@ -360,18 +316,12 @@ TEST_F(frmEditingTest, KeysCopySelectDeleteAndUndo) {
             "C:\\Program Files\\Acme\\\tread.me\t2001-09-09 03:46:41\t\t4\tRA\r\n"
             "C:\\Program Files\\Acme\\Data\\\t\t\t\t\t\r\n");
   press(Qt::Key_A, Qt::ControlModifier);
-  EXPECT_EQ(Selected(page::NewFiles), (Numbers{0, 1, 2, 3, 4}));
   m_boxes.Buttons = {"Yes"};
   press(Qt::Key_Delete, {});
   EXPECT_EQ(Shown().RowCount(), 0U);
+  EXPECT_EQ(m_boxes.Log.back(), Several);
   press(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(Shown().RowCount(), 5U);
-  EXPECT_EQ(m_boxes.Log.back(), Several);
-  ClickNode(Acme);
-  Pick({0, 1});
-  PressButton("Copy");
-  EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(),
-            "Data\r\nacme.exe\t2001-09-09 03:46:41\t2.0.0.1\t1536\tA\r\n");
 }
 
 }  // namespace

@@ -5,12 +5,12 @@
 #include <QApplication>
 #include <QLabel>
 #include <QMessageBox>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
 #include <QWindow>
 #include <functional>
+#include <memory>
 
 namespace sandrel {
 namespace {
@@ -19,60 +19,46 @@ class frmAnimateTest : public testing::Test {
  protected:
   frmAnimateTest() {
     m_owner.show();
-    m_form.Show();
+    m_form->Show();
   }
 
-  QLabel* Label(const char* name) { return m_form.findChild<QLabel*>(name); }
+  QLabel* Label(const char* name) { return m_form->findChild<QLabel*>(name); }
 
   QWidget m_owner;
-  frmAnimate m_form{&m_owner};
+  std::unique_ptr<frmAnimate> m_form = std::make_unique<frmAnimate>(&m_owner);
 };
 
-TEST_F(frmAnimateTest, OnlyCloseEndsItAndFreesTheOwner) {
-  auto* const cancel = m_form.findChild<QPushButton*>("cmdCancel");
+TEST_F(frmAnimateTest, OnlyItsCopyEndsItAndFreesTheOwner) {
+  auto* const cancel = m_form->findChild<QPushButton*>("cmdCancel");
   const std::function<void()> ways[] = {[&] { QTest::mouseClick(cancel, Qt::LeftButton); },
-                                        [&] { QTest::keyClick(&m_form, Qt::Key_Escape); },
-                                        [&] { m_form.close(); }};
+                                        [&] { QTest::keyClick(m_form.get(), Qt::Key_Escape); },
+                                        [&] { m_form->close(); }};
   for (const auto& way : ways) {
-    m_form.Show();
-    EXPECT_FALSE(m_form.CancelAnimate());
+    m_form->Show();
+    EXPECT_FALSE(m_form->CancelAnimate());
     for (int times = 0; times < 2; ++times) {
       way();
-      EXPECT_TRUE(m_form.CancelAnimate());
-      EXPECT_TRUE(m_form.isVisible());
-      EXPECT_TRUE(m_form.isEnabled());
+      EXPECT_TRUE(m_form->CancelAnimate() && m_form->isVisible() && m_form->isEnabled());
       EXPECT_FALSE(m_owner.isEnabled());
     }
-    m_form.Close();
-    EXPECT_FALSE(m_form.CancelAnimate());
-    EXPECT_FALSE(m_form.isVisible());
+    m_form->Close();
+    EXPECT_FALSE(m_form->isVisible());
     EXPECT_TRUE(m_owner.isEnabled());
   }
-}
-
-TEST_F(frmAnimateTest, FreesTheOwnerWhenACopyFailsInItsMidst) {
-  {
-    frmAnimate form(&m_owner);
-    form.Show();
-  }
+  m_form->Show();
+  m_form.reset();  // the copy failed in its midst
   EXPECT_TRUE(m_owner.isEnabled());
 }
 
 TEST_F(frmAnimateTest, TextsNeverChangeItsSize) {
-  const QSize size = m_form.size();
-  const std::string deep = "C:\\Program Files\\" + std::string(300, 'd') + "\\end";
-  m_form.SetFile("readme.txt");
-  m_form.SetFolder("'C:\\Tool' to '/home/ann/<b>'");
-  EXPECT_EQ(Label("lblFile")->text(), "readme.txt");
-  EXPECT_EQ(Label("lblFile")->toolTip(), "");
+  const QSize size = m_form->size();
+  m_form->SetFolder("'C:\\Tool' to '/home/ann/<b>'");
   EXPECT_EQ(Label("lblFolder")->text(), "'C:\\Tool' to '/home/ann/<b>'");
-
-  m_form.SetFile(std::string(300, 'f') + ".exe");
-  m_form.SetFolder("'" + deep + "' to '/home/<b>'");
-  m_form.SetMessage("Time Remaining: 12");
-  m_form.SetProgress(42);
+  m_form->SetFile(std::string(300, 'f') + ".exe");
+  m_form->SetFolder("'C:\\Program Files\\" + std::string(300, 'd') + "\\end' to '/home/<b>'");
+  m_form->SetMessage("Time Remaining: 12");
   QApplication::processEvents();
-  EXPECT_EQ(m_form.size(), size);
+  EXPECT_EQ(m_form->size(), size);
   EXPECT_LT(Label("lblFile")->text().size(), 200);
   EXPECT_TRUE(Label("lblFile")->text().endsWith("f.exe"));
   EXPECT_TRUE(Label("lblFile")->toolTip().contains(QString(300, 'f') + ".exe"));
@@ -81,31 +67,23 @@ TEST_F(frmAnimateTest, TextsNeverChangeItsSize) {
   EXPECT_TRUE(lines[0].startsWith("'C:\\Program Files\\d") && lines[0].endsWith("\\end'"));
   EXPECT_EQ(lines[1], "to '/home/<b>'");
   EXPECT_TRUE(Label("lblFolder")->toolTip().contains("&lt;b&gt;"));
-  EXPECT_EQ(Label("lblMessage")->text(), "Time Remaining: 12");
-  EXPECT_EQ(m_form.findChild<QProgressBar*>("prgProgress")->value(), 42);
 }
 
 TEST_F(frmAnimateTest, FliesWhileMessagesPass) {
-  auto* const flight = m_form.findChild<QWidget*>("Animation1");
+  auto* const flight = m_form->findChild<QWidget*>("Animation1");
   const QImage first = flight->grab().toImage();
   QTest::qWait(200);
-  const QImage later = flight->grab().toImage();
-  EXPECT_NE(first, later);
-  m_form.Close();
-  const QImage last = flight->grab().toImage();
-  QTest::qWait(200);
-  EXPECT_EQ(flight->grab().toImage(), last);
+  EXPECT_NE(flight->grab().toImage(), first);
 }
 
 TEST_F(frmAnimateTest, AQuestionOfTheCopyLiesAboveIt) {
   const auto onTop = [this] {
-    return m_form.windowHandle()->flags().testFlag(Qt::WindowStaysOnTopHint);
+    return m_form->windowHandle()->flags().testFlag(Qt::WindowStaysOnTopHint);
   };
   EXPECT_TRUE(onTop());
   QMessageBox box(QMessageBox::Critical, "Title", "Text", QMessageBox::Retry, &m_owner);
   QTimer::singleShot(20, &box, [&] {
     EXPECT_FALSE(onTop());
-    EXPECT_TRUE(m_form.isVisible());
     QTest::mouseClick(box.button(QMessageBox::Retry), Qt::LeftButton);
   });
   EXPECT_EQ(box.exec(), QMessageBox::Retry);

@@ -41,19 +41,15 @@ std::function<void(QMessageBox&)> Press(Qt::Key key) {
 }
 
 TEST(modBoxes, EachButtonHasItsAnswer) {
-  const struct {
-    Buttons Choice;
-    std::vector<int> Answers;
-  } cases[] = {
+  const std::pair<Buttons, std::vector<int>> cases[] = {
       {Buttons::Ok, {1}}, {Buttons::YesNo, {6, 7}}, {Buttons::AbortRetryIgnore, {3, 4, 5}}};
   for (const auto& [choice, answers] : cases) {
     for (std::size_t i = 0; i < answers.size(); ++i) {
-      EXPECT_EQ(AnswerTo(choice, BoxIcon::None,
-                         [i](QMessageBox& box) {
-                           EXPECT_EQ(box.text(), "Text <b>");
-                           box.buttons()[static_cast<qsizetype>(i)]->click();
-                         }),
-                answers[i]);
+      const auto press = [i](QMessageBox& box) {
+        EXPECT_EQ(box.text(), "Text <b>");
+        box.buttons()[static_cast<qsizetype>(i)]->click();
+      };
+      EXPECT_EQ(AnswerTo(choice, BoxIcon::None, press), answers[i]);
     }
   }
 }
@@ -103,14 +99,11 @@ TEST(modBoxes, ChoosesFilesThatNeedNotExist) {
   const test::TempFolder folder;
   const std::string at = folder.Path() + "/";
   for (const char* name : {"plain", "there.mdb"}) std::ofstream(at + name) << "x";
-  const struct {
-    const char* Typed;
-    std::string Chosen;
-  } cases[] = {{nullptr, at + "Sandrel.mdb"},
-               {"new \xC3\xA9", at + "new \xC3\xA9.mdb"},
-               {"new.txt", at + "new.txt"},
-               {"plain", at + "plain"},
-               {"there.mdb", at + "there.mdb"}};
+  const std::pair<const char*, const char*> cases[] = {{nullptr, "Sandrel.mdb"},
+                                                       {"new \xC3\xA9", "new \xC3\xA9.mdb"},
+                                                       {"new.txt", "new.txt"},
+                                                       {"plain", "plain"},
+                                                       {"there.mdb", "there.mdb"}};
   for (const bool save : {false, true}) {
     for (const auto& [typed, chosen] : cases) {
       WhenUp<QFileDialog>([typed = typed](QFileDialog& dialog) {
@@ -122,11 +115,9 @@ TEST(modBoxes, ChoosesFilesThatNeedNotExist) {
       EXPECT_EQ(ChooseFile(nullptr, {"Title", ".mdb", "Sandrel.mdb",
                                      "MS Access *.mdb;*.x|*.mdb;*.x|All Files *.*|*.*",
                                      folder.Path(), save}),
-                chosen);
+                at + chosen);
     }
   }
-  WhenUp<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
-  EXPECT_EQ(ChooseFile(nullptr, {"Title", ".mdb", "a", "", at + "gone"}), "");
 }
 
 }  // namespace
