@@ -59,9 +59,9 @@ void clsGridLayout::MeasureHeights(const clsGridCells& cells, clsPrintDevice& de
       const TextPool::Id text = cells.Id(row, column);
       int& bottom = bottoms[text];
       if (bottom == 0) {
-        // The column is at least as wide as the widest word: one word is one line here too.
+        // The column is at least as wide as the widest word: one line stays one.
         const Narrow& narrow = NarrowOf(text, cells.Texts(), device);
-        bottom = narrow.IsOneWord ? narrow.Bottom
+        bottom = narrow.IsOneLine ? narrow.Bottom
                                   : SizeOf(cells.Texts().Text(text), width, device).Bottom;
       }
       int& height = heights[static_cast<std::size_t>(row) - 1];
@@ -84,9 +84,8 @@ const clsGridLayout::Narrow& clsGridLayout::NarrowOf(TextPool::Id text, const Te
   if (text >= m_narrow.size()) m_narrow.resize(texts.Count());
   Narrow& narrow = m_narrow[text];
   if (narrow.Right < 0) {
-    const std::string_view whole = texts.Text(text);
-    const PrintRect size = SizeOf(whole, 9, device);
-    narrow = {size.Right, size.Bottom, whole.find_first_of(" \r\n") == std::string_view::npos};
+    const PrintRect size = SizeOf(texts.Text(text), 9, device);
+    narrow = {size.Right, size.Bottom, size.Bottom - size.Top <= device.TextHeight()};
   }
   return narrow;
 }

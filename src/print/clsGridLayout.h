@@ -48,7 +48,7 @@ class clsGridLayout {
   struct Narrow {
     int Right = -1;  // of the widest word; -1 before it is measured
     int Bottom = 0;
-    bool IsOneWord = false;
+    bool IsOneLine = false;
   };
 
   void MeasureWidths(clsGridCells& cells, clsPrintDevice& device);

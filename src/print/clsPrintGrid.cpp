@@ -36,6 +36,7 @@ PrintFont ReadFont(clsSettings& settings) {
 void WriteFont(clsSettings& settings, const PrintFont& font) {
   settings.Together([&] {
     const auto write = [&](const char* key, const std::string& text) {
+      if (settings.GetSetting(FontSection, key) == text) return;
       settings.SaveSetting(FontSection, key, text);
     };
     write("Bold", text::BooleanText(font.Bold));
@@ -80,13 +81,11 @@ void Cut(float& margin, float& length, double begin, double printable, double de
 
 }  // namespace
 
-clsPrintGrid::clsPrintGrid(clsSettings& settings)
-    : Font(ReadFont(settings)), m_settings(settings), m_storedFont(Font) {
+clsPrintGrid::clsPrintGrid(clsSettings& settings) : Font(ReadFont(settings)), m_settings(settings) {
   SetNumColumns(1);
 }
 
 clsPrintGrid::~clsPrintGrid() {
-  if (Font == m_storedFont) return;
   try {
     WriteFont(m_settings, Font);
   } catch (const clsError&) {

@@ -20,8 +20,8 @@ namespace sandrel {
 
 /// Where on the sheet the grid goes, inches. `PrintGrid` corrects what the printer can't do.
 struct PrintArea {
-  float LeftMargin = 0.5F;
-  float TopMargin = 0.5F;
+  float LeftMargin = 0;
+  float TopMargin = 0;
   float PrintWidth = 0;
   float PrintHeight = 0;
 };
@@ -34,7 +34,7 @@ class clsPrintGrid {
 
   /// Takes the font from the settings, which must outlive the object.
   explicit clsPrintGrid(clsSettings& settings);
-  /// Saves the font when it is another one by now; settings that can't be written cost no more.
+  /// Saves the font, where the settings don't hold it; those that can't be written cost no more.
   ~clsPrintGrid();
   clsPrintGrid(const clsPrintGrid&) = delete;
   clsPrintGrid& operator=(const clsPrintGrid&) = delete;
@@ -52,6 +52,8 @@ class clsPrintGrid {
   std::string_view Value() const { return m_cells.Text(Row, Column); }
   void SetValue(std::string_view text) { m_cells.Set(Row, Column, text); }
 
+  // For who makes the area that `PrintGrid` is given, inches.
+  float PrintLeftMargin = 0.5F, PrintTopMargin = 0.5F;
   std::string Caption;  ///< the pages' heading
   clsMinColWidths MinColumnWidths;
   int VertPointsSpace = 2;   ///< points above and below each row's text
@@ -90,7 +92,6 @@ class clsPrintGrid {
   void Measure(clsPrintDevice& device, double scaleFactor);
 
   clsSettings& m_settings;
-  PrintFont m_storedFont;
   int m_numColumns = 1, m_numRows = 1;
   int m_numPages = 0;
   clsGridCells m_cells;

@@ -9,13 +9,13 @@
 
 namespace sandrel {
 
-PrintArea AreaOf(const clsPaper& paper) {
+PrintArea AreaOf(const clsPrintGrid& grid, const clsPaper& paper) {
   constexpr double TwipsPerInch = 1440;
   PrintArea area;
-  area.LeftMargin = 0.5F;
-  area.TopMargin = 0.5F;
-  area.PrintWidth = static_cast<float>(paper.Width() / TwipsPerInch - 1);
-  area.PrintHeight = static_cast<float>(paper.Height() / TwipsPerInch - 1);
+  area.LeftMargin = grid.PrintLeftMargin;
+  area.TopMargin = grid.PrintTopMargin;
+  area.PrintWidth = static_cast<float>(paper.Width() / TwipsPerInch - 2 * area.LeftMargin);
+  area.PrintHeight = static_cast<float>(paper.Height() / TwipsPerInch - 2 * area.TopMargin);
   return area;
 }
 
@@ -49,7 +49,7 @@ int clsPrintJob::Print(const PrintData& data, Widths widths) {
                                    : printdata::FillPrintGrid(data.Fields, m_grid);
   printdata::TellLeftOfPrint(m_shell, left);
   m_grid.Caption = data.Caption;
-  PrintArea area = AreaOf(m_printer);
+  PrintArea area = AreaOf(m_grid, m_printer);
   m_grid.PrintGrid(area, m_printer, Device());
   m_shell.DoEvents(false);
   m_document->EndDoc();

@@ -20,8 +20,8 @@ struct PrintData {
   std::string Caption;  ///< the heading
 };
 
-/// All of the sheet but half an inch at each side.
-PrintArea AreaOf(const clsPaper& paper);
+/// All of the sheet but the grid's margins, on both sides.
+PrintArea AreaOf(const clsPrintGrid& grid, const clsPaper& paper);
 
 /// Raises 75 for a file (a host path) that pages must not replace: one that is no regular file, and
 /// the analysis that is printed.

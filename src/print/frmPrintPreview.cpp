@@ -154,7 +154,7 @@ double frmPrintPreview::Zoom() const {
 
 void frmPrintPreview::cbxZoomList_Click() {
   std::string zoom = cbxZoomList->currentText().toStdString();
-  if (zoom.empty()) return;
+  if (zoom.empty() || zoom == "%") return;
   if (!zoom.ends_with('%')) zoom += '%';
   cbxZoomList->setEditText(QString::fromStdString(zoom));
   if (zoom == m_settings.GetSetting(ZoomSection, "ZoomPercent", "50%")) return;
@@ -202,7 +202,7 @@ void frmPrintPreview::Fill() {
   grid.ScalePicPreviewToPrinterInches(pictures.Item(0), m_printer, zoom);
   constexpr double FullSize = 1.0;
   do {
-    PrintArea area = AreaOf(m_printer);
+    PrintArea area = AreaOf(grid, m_printer);
     grid.PrintGrid(area, m_printer, pictures, FullSize, {m_block.FirstPage(), m_block.Size()});
   } while (m_block.SetTotalPages(grid.NumPages()));
 

@@ -278,7 +278,8 @@ TEST_F(PrintGridTest, ScalesAPictureByTheFontThatItTakes) {
 TEST_F(PrintGridTest, KeepsAChangedFontInTheSettings) {
   EXPECT_EQ(Grid.Font, PrintFont());
   { const clsPrintGrid unchanged(Settings); }
-  EXPECT_THAT(Settings.Keys("PrintGridFont"), IsEmpty());
+  EXPECT_EQ(Settings.Keys("PrintGridFont").size(), 6U);
+  EXPECT_EQ(Settings.GetSetting("PrintGridFont", "Size"), "8.25");
   const PrintFont font{"Courier", 10.5, true, false, true, false};
   { clsPrintGrid(Settings).Font = font; }
   EXPECT_EQ(clsPrintGrid(Settings).Font, font);

@@ -311,7 +311,7 @@ TEST_F(frmPrintPreviewTest, PagesAreThePrintedOnesAtEveryZoom) {
   Spy printed(document->Device());
   clsPrintGrid grid(m_settings);
   load(grid);
-  PrintArea area = AreaOf(m_printer);
+  PrintArea area = AreaOf(grid, m_printer);
   grid.PrintGrid(area, m_printer, printed);
   document->EndDoc();
   const int pages = grid.NumPages();
@@ -325,7 +325,7 @@ TEST_F(frmPrintPreviewTest, PagesAreThePrintedOnesAtEveryZoom) {
     clsQtPictures real(m_printer.Measure(), m_printer.Sheet(), 1.0);
     SpyPictures pictures(real);
     previewed.ScalePicPreviewToPrinterInches(pictures.Item(0), m_printer, zoom);
-    area = AreaOf(m_printer);
+    area = AreaOf(previewed, m_printer);
     previewed.PrintGrid(area, m_printer, pictures, 1.0, {1, pages});
     ASSERT_EQ(previewed.NumPages(), pages);
     for (int page = 0; page < pages; ++page) {

@@ -7,6 +7,7 @@
 
 int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  qputenv("CUPS_SERVER", "/none");  // no test prints on paper
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);

@@ -60,7 +60,7 @@ class clsPrintDevice {
   virtual const PrintFont& Font() const = 0;
   /// Height of a line in pixels; 0 when the device can't tell.
   virtual int TextHeight() const = 0;
-  /// Width of the text in one line, in the unit in force.
+  /// Width of the text's widest line, unbroken, in the unit in force.
   virtual double TextWidth(std::string_view text) const = 0;
 
   /// Draws the text into the rectangle, clipped by it unless NoClip is set. With CalcRect it gives

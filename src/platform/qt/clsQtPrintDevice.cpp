@@ -50,7 +50,7 @@ PrintRect clsPainterDevice::DrawText(std::string_view text, const PrintRect& rec
     painter.save();
     painter.setClipRect(rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top);
   }
-  DrawLines(text, rect, (flags & drawtext::Right) != 0);
+  DrawLines(text, lines, rect, (flags & drawtext::Right) != 0);
   if (clip) {
     painter.restore();
     m_fontIsSet = false;
@@ -58,14 +58,15 @@ PrintRect clsPainterDevice::DrawText(std::string_view text, const PrintRect& rec
   return rect;
 }
 
-void clsPainterDevice::DrawLines(std::string_view text, const PrintRect& rect, bool right) {
+void clsPainterDevice::DrawLines(std::string_view text,
+                                 const std::vector<clsTextMeasure::Line>& lines,
+                                 const PrintRect& rect, bool right) {
   QPainter& painter = Painter();
-  clsTextMeasure& measure = Measure();
+  const clsTextMeasure& measure = Measure();
   if (!m_fontIsSet) painter.setFont(measure.FontFor(FontDpi()));
   m_fontIsSet = true;
-  const double room = right ? 1e9 : rect.Right - rect.Left;
   double top = rect.Top;
-  for (const clsTextMeasure::Line& line : measure.Break(text, room)) {
+  for (const clsTextMeasure::Line& line : lines) {
     if (line.Length > 0) {
       const double left = right ? rect.Right - line.Width : rect.Left;
       painter.drawText(QPointF(left, top + measure.Ascent()),

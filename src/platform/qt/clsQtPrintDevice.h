@@ -54,7 +54,8 @@ class clsPainterDevice : public clsPrintDevice {
     return Mode == sandrel::ScaleMode::Pixels ? pixels : pixels / qt::PrintDpi;
   }
   clsTextMeasure& Measure() const;
-  void DrawLines(std::string_view text, const PrintRect& rect, bool right);
+  void DrawLines(std::string_view text, const std::vector<clsTextMeasure::Line>& lines,
+                 const PrintRect& rect, bool right);
 
   std::shared_ptr<clsTextMeasure> m_measure;
   PrintFont m_font;

@@ -12,9 +12,13 @@ namespace {
 constexpr double Tolerance = 1e-6;  // of a sum of widths
 constexpr std::size_t MostWords = 1 << 16;
 
+bool IsLineEnd(char c) {
+  return c == '\n' || c == '\r';
+}
+
 // Tabs and stray control characters stand for blanks: a printed cell has no use for them.
 bool IsBlank(char c) {
-  return (static_cast<unsigned char>(c) <= ' ' && c != '\n' && c != '\r') || c == '\x7F';
+  return (static_cast<unsigned char>(c) <= ' ' && !IsLineEnd(c)) || c == '\x7F';
 }
 
 }  // namespace
@@ -95,21 +99,23 @@ double clsTextMeasure::MeasureWord(std::string_view word) {
 }
 
 double clsTextMeasure::Width(std::string_view text) {
-  double width = 0;
+  double widest = 0, width = 0;
   for (std::size_t at = 0; at < text.size();) {
-    if (IsBlank(text[at]) || text[at] == '\n' || text[at] == '\r') {
+    if (IsLineEnd(text[at])) {
+      widest = std::max(widest, width);
+      width = 0;
+      ++at;
+    } else if (IsBlank(text[at])) {
       width += m_blank;
       ++at;
-      continue;
+    } else {
+      std::size_t end = at;
+      while (end < text.size() && !IsBlank(text[end]) && !IsLineEnd(text[end])) ++end;
+      width += MeasureWord(text.substr(at, end - at));
+      at = end;
     }
-    std::size_t end = at;
-    while (end < text.size() && !IsBlank(text[end]) && text[end] != '\n' && text[end] != '\r') {
-      ++end;
-    }
-    width += MeasureWord(text.substr(at, end - at));
-    at = end;
   }
-  return width;
+  return std::max(widest, width);
 }
 
 // Blanks in front of the first word belong to it; others go with a break.

@@ -36,7 +36,7 @@ class clsTextMeasure {
   /// Pixels from the top of a line to its base line, and to the next line.
   double Ascent() const { return m_ascent; }
   int LineHeight() const { return m_lineHeight; }
-  /// Width of the text in one line.
+  /// Width of the text's widest line, unbroken.
   double Width(std::string_view text);
   /// Lines break at blanks where they would be wider than `width`, and at line ends; a wider word
   /// has a line of its own. An empty text has one line. The result lives until the next call.

@@ -42,6 +42,7 @@ TEST(TextMeasure, BreaksAtBlanksAndLineEnds) {
   EXPECT_EQ(LinesOf("a\r\n\nb\rc\td", "a c d"), (Lines{"a", "", "b", "c\td"}));
   EXPECT_EQ(LinesOf("  in front", "  in"), (Lines{"  in", "front"}));
   EXPECT_EQ(LinesOf("", "x"), Lines{""});
+  EXPECT_EQ(LinesOf("ab cd", "ab\ncd\r\nab c"), (Lines{"ab", "cd"}));
 }
 
 // The quick sum over characters is what laying the text out gives.
@@ -120,11 +121,10 @@ TEST_F(Picture, TextsStayInTheirRectangle) {
   device.SetFont({"Arial", 20});
   device.DrawText("overwide", {100, 0, 200, device.TextHeight()}, drawtext::WordBreak);
   device.DrawText("right", {0, 300, 1000, 500}, drawtext::Right);
-  const QImage& image = device.Image();
-  const auto clipped = Inked(image, 0, 40);
+  const auto clipped = Inked(device.Image(), 0, 40);
   EXPECT_GE(clipped.front(), 15);
   EXPECT_LE(clipped.back(), 32);
-  EXPECT_NEAR(Inked(image, 48, 80).back(), 160, 3);
+  EXPECT_NEAR(Inked(device.Image(), 48, 80).back(), 160, 3);
 }
 
 TEST(PdfFile, IsReplacedWhenItIsWhole) {
