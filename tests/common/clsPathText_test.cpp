@@ -16,10 +16,10 @@ TEST(clsPathText, TakesPathsApart) {
 }
 
 TEST(clsPathText, PutsFoldersIntoOneForm) {
-  EXPECT_EQ(clsPathText::AddSeparator("C:\\a"), "C:\\a\\");
-  EXPECT_EQ(clsPathText::AddSeparator("C:\\a\\"), "C:\\a\\");
-  EXPECT_EQ(clsPathText::RemoveSeparator("C:\\"), "C:");
-  EXPECT_EQ(clsPathText::RemoveSeparator("C:\\a"), "C:\\a");
+  for (const char* path : {"C:\\a", "C:\\a\\"}) {
+    EXPECT_EQ(clsPathText::AddSeparator(path), "C:\\a\\");
+    EXPECT_EQ(clsPathText::RemoveSeparator(path), "C:\\a");
+  }
   EXPECT_EQ(clsPathText::NormaliseFolder("  C:/Program Files//x\\\\ "), "C:\\Program Files\\x\\");
   EXPECT_EQ(clsPathText::NormaliseFolder("C:"), "C:");
   EXPECT_EQ(clsPathText::NormaliseFolder("\\\\box\\\\share"), "\\\\box\\share");

@@ -44,8 +44,9 @@ class clsScanDriveTest : public test::ScanFixture {
   }
 
   void Exclude(const Lines& entries) {
-    for (std::size_t i = 0; i < entries.size(); ++i)
-      m_settings.SaveSetting("ExcludeFiles", std::to_string(i + 1), entries[i]);
+    int number = 0;
+    for (const std::string& entry : entries)
+      m_settings.SaveSetting("ExcludeFiles", std::to_string(++number), entry);
     const auto scanner = Scanner(true);
     scanner->StartDBTransaction(true);
     scanner->DeleteExcludes();
@@ -85,11 +86,9 @@ TEST_F(clsScanDriveTest, RecordsFoldersFilesAndDetails) {
   // A version's text that is too long costs that detail alone.
   EXPECT_EQ(File("long.dll", "Version, Size > 0"), "NULL|1");
   EXPECT_EQ(m_leftOut.Of(LeftOut::LongVersion), 1U);
-}
 
-TEST_F(clsScanDriveTest, LeavesDetailsOutThatAreNotWanted) {
-  m_settings.SaveSetting("Enabled", "SizeInfo", "0");
-  m_settings.SaveSetting("Enabled", "AttributeInfo", "no");
+  for (const char* off : {"VersionInfo", "SizeInfo", "AttributeInfo"})
+    m_settings.SaveSetting("Enabled", off, "no");
   Walk("C:\\Program Files\\");
   EXPECT_EQ(File("readme.txt", "Version, Size, Attributes"), "NULL|NULL|NULL");
 }
@@ -194,8 +193,10 @@ TEST_F(clsScanDriveTest, ACancelFinishesTheFolderAndIsAcknowledgedOnce) {
 }
 
 TEST_F(clsScanDriveTest, ErrorsNameWhatWasProcessed) {
-  EXPECT_TRUE(Raises(errnum::BadFileName, "clsScanDrive.DoXTree: ", [&] { Walk("C:\\None"); }));
-  EXPECT_TRUE(Raises(errnum::BadFileName, " - Processing: C:\\None\\", [&] { Walk("C:\\None"); }));
+  EXPECT_TRUE(Raises(errnum::BadFileName,
+                     "clsScanDrive.DoXTree: Bad file name or number: C:\\None\\ (No such file or "
+                     "directory) - Processing: C:\\None\\",
+                     [&] { Walk("C:\\None"); }));
   const auto scanner = Scanner();
   scanner->Database = m_temp.Of("none.zqd");
   EXPECT_EQ(NumberOf([&] { scanner->StartDBTransaction(false); }), errnum::DatabaseNotFound);
@@ -248,30 +249,19 @@ TEST_F(clsScanDriveTest, ExclusionsCanBeOffOrBuiltIn) {
 }
 
 TEST(MatchFileName, IsThePrograms) {
-  using Pair = std::pair<const char*, const char*>;
-  const auto matches = [](const Pair& pair) {
-    return clsScanDrive::MatchFileName(pair.first, pair.second);
-  };
-  for (const Pair& pair : {Pair("bat.txt", "b?t.txt"),
-                           {"BIT.TXT", "b?t.txt"},
-                           {"readme", "read?e"},
-                           {"readme.txt", "read?e"},
-                           {"readme.a.b", "readme.a.b"},
-                           {"ab*", "ab*"},
-                           {"a.txt", "a.t?t"},
-                           {"\u00C4a", "\u00E4?"},
-                           {"a.b", "a. b "},
-                           {"a\U0001F600", "a??"}})
-    EXPECT_TRUE(matches(pair)) << pair.first << " " << pair.second;
-  for (const Pair& pair : {Pair("bt.txt", "b?t.txt"),
-                           {"readme", "read?e.txt"},
-                           {"abc", "ab*"},
-                           {"zzb*x", "ab*x"},
-                           {"a", "??"},
-                           {"a\U0001F600", "a?"}})
-    EXPECT_FALSE(matches(pair)) << pair.first << " " << pair.second;
+  const std::tuple<const char*, const char*, bool> cases[] = {
+      {"bat.txt", "b?t.txt", true},   {"BIT.TXT", "b?t.txt", true},
+      {"bt.txt", "b?t.txt", false},   {"readme", "read?e.txt", false},
+      {"readme.txt", "read?e", true}, {"readme.a.b", "readme.a.b", true},
+      {"ab*", "ab*", true},           {"abc", "ab*", false},
+      {"zzb*x", "ab*x", false},       {"\u00C4a", "\u00E4?", true},
+      {"a.b", "a. b ", true},         {"a", "??", false},
+      {"a\U0001F600", "a??", true},   {"a\U0001F600", "a?", false}};
+  for (const auto& [name, pattern, matches] : cases)
+    EXPECT_EQ(clsScanDrive::MatchFileName(name, pattern), matches) << name << " " << pattern;
   for (const char* pattern : {"*.txt", "b.*"})
-    EXPECT_EQ(NumberOf([&] { matches({"a.txt", pattern}); }), errnum::InvalidArgument);
+    EXPECT_EQ(NumberOf([&] { clsScanDrive::MatchFileName("a.txt", pattern); }),
+              errnum::InvalidArgument);
 }
 
 }  // namespace

@@ -6,14 +6,11 @@
 #include <fstream>
 
 #include "common/clsFileWorks.h"
-#include "support/NumberOf.h"
 #include "support/SnapshotFixture.h"
 
 namespace sandrel {
 
-using test::Cell;
 using test::IsWhole;
-using test::NumberOf;
 
 namespace {
 
@@ -84,41 +81,19 @@ TEST_F(clsSnapshotsTest, ACancelledBeforeLeavesNoDatabase) {
   }
 }
 
-TEST_F(clsSnapshotsTest, ACancelledAfterFallsBackToBefore) {
-  Before();
-  const std::string files = Select("count(*) FROM tblFiles");
-  bool asked = false;
-  m_shell.OnEvents = [&] {
-    if (!asked && m_shell.State.Scanning) asked = m_snapshots.ConfirmCancelScan();
-  };
-  std::ofstream(m_analysisPath) << "an older analysis";
-  After();
-  EXPECT_EQ(Level(), SnapshotLevel::Before);
-  EXPECT_EQ(Select("count(*) FROM sqlite_master WHERE name LIKE '%2%'"), "0");
-  EXPECT_EQ(Select("count(*) FROM tblFiles"), files);
-  EXPECT_EQ(clsFileWorks::ReadWhole(m_analysisPath), "an older analysis");
-  EXPECT_TRUE(IsWhole(Working()));
-}
-
 TEST_F(clsSnapshotsTest, AnErrorInTheWalkCanBeRetriedIgnoredOrAborted) {
   m_settings.SaveSetting("ScanFolders", "1", "C:\\Program Files");
-  m_settings.SaveSetting("ScanFolders", "2", "C:\\Later");
-  m_sample.WriteFile("C:\\Later\\x.ini", "[s]\nk=1\nk=2\n");
-  std::filesystem::rename(m_sample.HostPath("C:\\Later"), m_sample.HostPath("C:\\Away"));
+  m_settings.SaveSetting("ScanFolders", "2", "C:\\Away");
   m_shell.Errors = {Answer::Retry, Answer::Ignore};
-  m_shell.OnEvents = nullptr;
   Before();
   EXPECT_TRUE(m_shell.Has(
       "You may wish to exclude file(s) or folder(s) using the Configuration option of Sandrels' "
       "Settings menu. [clsScanDrive.DoXTree] [frmSandrel.mnuSnapShotBefore]"));
   EXPECT_EQ(m_shell.Last(), "status: Before Snapshot Complete");
   EXPECT_EQ(Count("readme.txt"), "1");
-
-  m_shell.Log.clear();
   Before();  // aborted: cleaned up as after a cancel
   EXPECT_EQ(m_shell.Last(), "unload");
-  EXPECT_FALSE(HasWorking());
-  EXPECT_FALSE(m_shell.State.Scanning);
+  EXPECT_FALSE(HasWorking() || m_shell.State.Scanning);
 }
 
 // A commit in the middle of the walk meets a reader; what the walk had recorded before is
@@ -141,28 +116,25 @@ TEST_F(clsSnapshotsTest, ARetriedWalkGoesOnOverItsOwnRows) {
   sqlite3_close(reader);
   EXPECT_TRUE(m_shell.Has("error 3218"));
   EXPECT_EQ(m_shell.Last(), "status: Before Snapshot Complete");
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM tblFiles WHERE FileName = 'x.ini'"), "150");
-  EXPECT_EQ(Cell(Working(), "SELECT count(*) || ' ' || max(Occurance) FROM tblIniValues"), "300 1");
-  EXPECT_EQ(Cell(Working(),
-                 "SELECT count(*) FROM tblFiles WHERE PathId NOT IN (SELECT Id FROM tblPaths)"),
-            "0");
+  EXPECT_EQ(Count("x.ini"), "150");
+  EXPECT_EQ(Select("count(*), max(Occurance) FROM tblIniValues"), "300|1");
+  EXPECT_EQ(Select("count(*) FROM tblFiles WHERE PathId NOT IN (SELECT Id FROM tblPaths)"), "0");
 }
 
 TEST_F(clsSnapshotsTest, WhatIsMissingIsToldBeforeAnythingIsChanged) {
   Before();
-  const std::string files = Select("count(*) FROM tblFiles");
   m_sample.SetSystemReg("[Software\\\\Cut] 1\n\"a\"=hex:01,\\\n");
   m_machine->CloseRegistry();
   Before();
   EXPECT_TRUE(m_shell.Has("system.reg"));
   EXPECT_EQ(m_shell.Last(), "unload");
-  EXPECT_EQ(Select("count(*) FROM tblFiles"), files);
+  EXPECT_EQ(Count("readme.txt"), "1");
   EXPECT_FALSE(m_snapshots.AfterSnapshot());
   EXPECT_EQ(Level(), SnapshotLevel::Before);
   clsSnapshots none(m_shell, m_settings, m_home, nullptr);
   none.mnuSnapShotBefore_Click();
   EXPECT_TRUE(m_shell.Has("There is no machine to look at."));
-  EXPECT_EQ(Select("count(*) FROM tblFiles"), files);
+  EXPECT_EQ(Count("readme.txt"), "1");
 }
 
 TEST_F(clsSnapshotsTest, ASnapshotThatAnotherProgramWritesIsNotDeleted) {
@@ -175,7 +147,7 @@ TEST_F(clsSnapshotsTest, ASnapshotThatAnotherProgramWritesIsNotDeleted) {
   sqlite3_close(writer);
   EXPECT_TRUE(m_shell.Has("error 3218"));
   EXPECT_EQ(m_shell.Last(), "unload");
-  EXPECT_EQ(m_snapshots.GetSnapshotLevel(), SnapshotLevel::Before);
+  EXPECT_EQ(Level(), SnapshotLevel::Before);
 }
 
 TEST_F(clsSnapshotsTest, AsksWhenTheMachineIsAnother) {
@@ -190,8 +162,6 @@ TEST_F(clsSnapshotsTest, AsksWhenTheMachineIsAnother) {
   m_shell.Log.clear();
   EXPECT_TRUE(m_snapshots.AfterSnapshot());
   EXPECT_FALSE(m_shell.Has("ask: The 'Before' snapshot was taken"));
-  m_snapshots.mnuSnapShotRollUp_Click();
-  EXPECT_EQ(Level(), SnapshotLevel::Before);
 }
 
 TEST_F(clsSnapshotsTest, ARemoteComputerThatCannotBeReachedIsToldOnce) {
@@ -213,9 +183,7 @@ TEST_F(clsSnapshotsTest, ReplaceMakesAfterTheNewBefore) {
   EXPECT_EQ(Level(), SnapshotLevel::Before);
   EXPECT_EQ(m_shell.BeforeTime, "Last 'Before' Snapshot: then");
   EXPECT_EQ(m_settings.GetSetting("Snapshot Creation Time", "After"), "then");
-  EXPECT_EQ(Count("new.txt"), "1");
   EXPECT_EQ(Select("count(*) FROM sqlite_master WHERE name LIKE 'tbl%2%'"), "0");
-  EXPECT_TRUE(IsWhole(Working()));
   // Without an After snapshot it fails and leaves everything as it is.
   m_shell.Errors = {Answer::Retry, Answer::Ignore};
   m_snapshots.mnuSnapShotRollUp_Click();

@@ -30,18 +30,6 @@ class modSettingsChangeTest : public SnapshotFixture {
   }
 };
 
-TEST_F(modSettingsChangeTest, KnowsWhatScansRead) {
-  for (const auto& [section, key, scan] : {std::tuple("ScanFolders", "1", true),
-                                           {"excludefiles", "7", true},
-                                           {"RegScan", "RemoteName", true},
-                                           {"enabled", "FileExclude", true},
-                                           {"Enabled", "TOOLBAR", false},
-                                           {"Enabled", "Systray", false},
-                                           {"Main Form", "Left", false}}) {
-    EXPECT_EQ(IsScanSetting(section, key), scan) << section << " " << key;
-  }
-}
-
 TEST_F(modSettingsChangeTest, AsksByWhatWouldBeLost) {
   EXPECT_TRUE(Change("0"));
   EXPECT_TRUE(m_shell.Log.empty());

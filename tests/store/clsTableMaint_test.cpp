@@ -27,6 +27,9 @@ class clsTableMaintTest : public testing::Test {
 
 TEST_F(clsTableMaintTest, ExistingFilesStayAndExistingTablesAreEmptied) {
   EXPECT_EQ(ReadSnapshotLevel(m_path), SnapshotLevel::None);
+  EXPECT_TRUE(test::Raises(errnum::DatabaseNotFound, "clsTableMaint.CreateStatsTableErr: ", [&] {
+    m_maint.CreateStatsTable(m_path, "tblStats");
+  }));
   m_maint.DeleteDatabase(m_path);
   m_maint.CreateDatabase(m_path);
   m_maint.CreateTempRegValueTable(m_path, "tblRegValue");
@@ -45,13 +48,6 @@ TEST_F(clsTableMaintTest, ExistingFilesStayAndExistingTablesAreEmptied) {
   EXPECT_EQ(ReadSnapshotLevel(m_path), SnapshotLevel::None);
 }
 
-TEST_F(clsTableMaintTest, ErrorsCarryTheMethodsName) {
-  EXPECT_TRUE(test::Raises(errnum::DatabaseNotFound, "clsTableMaint.CreateStatsTableErr: ", [&] {
-    m_maint.CreateStatsTable(m_path, "tblStats");
-  }));
-  EXPECT_EQ(NumberOf([&] { m_maint.CreateDatabase(m_temp.Of("none/x")); }), errnum::InvalidPath);
-}
-
 // Every key compares text without regard to case, refuses what it must refuse, and no more.
 TEST_F(clsTableMaintTest, KeysAndRulesOfTheTables) {
   m_maint.CreateDatabase(m_path);
@@ -68,9 +64,6 @@ TEST_F(clsTableMaintTest, KeysAndRulesOfTheTables) {
   const auto ini = [](const char* path, const char* file, const char* section, const char* key) {
     return Fields{{"PathName", path}, {"FileName", file}, {"Section", section}, {"Parameter", key}};
   };
-  const auto entry = [](const char* key, int occurrence) {
-    return Fields{{"SectionId", 1}, {"Parameter", key}, {"Occurance", occurrence}};
-  };
   const struct {
     const char* Table;
     Fields Record;
@@ -81,19 +74,20 @@ TEST_F(clsTableMaintTest, KeysAndRulesOfTheTables) {
       {"tblPaths", {{"PathName", ""}}, errnum::ZeroLength},
       {"tblPaths", {}, errnum::FieldRequired},
       {"tblPaths", {{"PathName", std::string(256, 'x')}}, errnum::FieldTooLong},
-      {"tblFiles", {{"PathId", 1}, {"FileName", ""}}, 0},
-      {"tblFiles", {{"PathId", 1}, {"FileName", "a"}, {"Size", std::int64_t{1} << 40}}, 0},
-      {"tblFiles", {{"PathId", 1}, {"FileName", "A"}}, errnum::DuplicateKey},
+      {"tblFiles", {{"PathId", 1}, {"FileName", ""}, {"Size", std::int64_t{1} << 40}}, 0},
+      {"tblFiles", {{"PathId", 1}, {"FileName", ""}}, errnum::DuplicateKey},
       {"tblFiles", {{"FileName", "b"}}, errnum::FieldRequired},
       {"tblRegKey", {{"Hive", 1}, {"Branch", ""}}, 0},
-      {"tblRegKey", {{"Hive", 1}, {"Branch", "Software"}}, 0},
-      {"tblRegKey", {{"Hive", 1}, {"Branch", "SOFTWARE"}}, errnum::DuplicateKey},
+      {"tblRegKey", {{"Hive", 1}, {"Branch", "S"}}, 0},
+      {"tblRegKey", {{"Hive", 1}, {"Branch", "s"}}, errnum::DuplicateKey},
       {"tblIniSections", {{"FileId", 1}, {"Section", "Fonts"}}, 0},
       {"tblIniSections", {{"FileId", 1}, {"Section", "FONTS"}}, errnum::DuplicateKey},
       {"tblIniSections", {{"FileId", 1}, {"Section", ""}}, errnum::ZeroLength},
-      {"tblIniValues", entry("p", 0), 0},
-      {"tblIniValues", entry("p", 1), 0},
-      {"tblIniValues", entry("P", 1), errnum::DuplicateKey},
+      {"tblIniValues", {{"SectionId", 1}, {"Parameter", "p"}, {"Occurance", 0}}, 0},
+      {"tblIniValues", {{"SectionId", 1}, {"Parameter", "p"}, {"Occurance", 1}}, 0},
+      {"tblIniValues",
+       {{"SectionId", 1}, {"Parameter", "P"}, {"Occurance", 1}},
+       errnum::DuplicateKey},
       {"tblNewIniEnteries", ini("p", "", "s", "p"), 0},
       {"tblNewIniEnteries", ini("p", "", "s", "p"), 0},
       {"tblChangedIniEnteries", ini("p", "f", "s", "p"), 0},

@@ -73,7 +73,7 @@ TEST(Dialect, DeletesByRowIdThroughAJoin) {
 
 TEST(Dialect, RefusesWhatItDoesNotKnow) {
   for (const char* sql :
-       {"", "SELECT", "SELECT a FROM", "SELECT a FROM t; DROP TABLE t", "SELECT a FROM t -- x",
+       {"", "SELECT a FROM", "SELECT a FROM t; DROP TABLE t", "SELECT a FROM t -- x",
         "SELECT a FROM t ORDER BY a", "SELECT count(*) FROM t", "SELECT a FROM t WHERE a LIKE 'x'",
         "SELECT a FROM t, u", "SELECT a FROM t JOIN u ON t.a=u.a", "SELECT a FROM t WHERE 'x'='x'",
         "SELECT a FROM t WHERE \"open", "SELECT [a FROM t", "SELECT a FROM t WHERE a = 1x",

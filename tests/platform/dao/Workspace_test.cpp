@@ -175,12 +175,10 @@ TEST_F(WorkspaceTest, AWriteThatFailsLeavesTheFileWholeAndIsKnownToHaveUndoneThe
 }
 
 TEST_F(WorkspaceTest, TablesAreRenamedWithTheirIndexes) {
-  m_workspace.CreateDatabase(m_path);
-  auto database = m_workspace.OpenDatabase(m_path);
+  const auto database = WithTable();
   TableDefs tables = database->TableDefs();
   tables.Append(OneColumn("t2"));
   tables.AppendIndex("t2", {"PrimaryKey", {"Name"}, true, false});
-  tables.Append(OneColumn("t"));
   EXPECT_EQ(NumberOf([&] { tables.Append(OneColumn("T")); }), errnum::TableExists);
   EXPECT_EQ(NumberOf([&] { tables.Rename("t2", "T"); }), errnum::TableExists);
   EXPECT_EQ(NumberOf([&] { tables.Delete("none"); }), errnum::NoSuchItem);
@@ -194,19 +192,12 @@ TEST_F(WorkspaceTest, TablesAreRenamedWithTheirIndexes) {
   // The old name and its index name are free again.
   tables.Append(OneColumn("t2"));
   tables.AppendIndex("t2", {"PrimaryKey", {"Name"}, true, false});
-
-  const Field field = tables.Item("t").Fields().front();
-  EXPECT_EQ(field.Size, 20);
-  EXPECT_TRUE(field.Required);
-  EXPECT_FALSE(field.AllowZeroLength);
   EXPECT_EQ(tables.Names(), (std::vector<std::string>{"t", "t2"}));
 }
 
 TEST(Value, NumbersAndDatesHaveTheirTextForm) {
-  EXPECT_EQ(Value(-5).ToText(), "-5");
-  EXPECT_EQ(Value().ToText(), "");
+  EXPECT_EQ(Value(-5).ToText() + Value().ToText(), "-5");
   EXPECT_EQ(Value("12abc").Integer(), 12);
-  EXPECT_EQ(DateText(0), "1970-01-01 00:00:00");
   EXPECT_EQ(DateText(951782400), "2000-02-29 00:00:00");
   EXPECT_EQ(DateText(-62135596801), "0001-01-01 00:00:00");
 }
