@@ -68,7 +68,7 @@ void frmSandrel::Form_Load() {
 void frmSandrel::ActivatePreviousInstance() {
   if (!m_options.File.empty()) {
     // Who opens a file waits for something to happen.
-    Ask({"Sandrel is already running. Open the file there, with File > Open:\n\n" + m_options.File,
+    Ask({"Sandrel is already running. Its File menu opens this file:\n\n" + m_options.File,
          "Sandrel Manager", Buttons::Ok, BoxIcon::Information});
     modActivateApp::ActivateApp(m_windows, " - Sandrel", modActivateApp::MatchBy::Ends, true,
                                 false);

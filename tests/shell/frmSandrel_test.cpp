@@ -101,8 +101,8 @@ TEST_F(frmSandrelTest, ASecondInstanceHandsOverAndSavesNothing) {
   Start(options);
   EXPECT_TRUE(m_form->IsUnloaded());
   Stop();
-  EXPECT_EQ(m_boxes.Log, (Texts{"Sandrel Manager|Sandrel is already running. Open the file there, "
-                                "with File > Open:\n\n/analyses/setup.mdb"}));
+  EXPECT_EQ(m_boxes.Log, (Texts{"Sandrel Manager|Sandrel is already running. Its File menu opens "
+                                "this file:\n\n/analyses/setup.mdb"}));
   EXPECT_FALSE(clsFileWorks::FileExists(m_settings.Path()));
 }
 
