@@ -69,13 +69,6 @@ TEST_F(frmAnimateTest, TextsNeverChangeItsSize) {
   EXPECT_TRUE(Label("lblFolder")->toolTip().contains("&lt;b&gt;"));
 }
 
-TEST_F(frmAnimateTest, FliesWhileMessagesPass) {
-  auto* const flight = m_form->findChild<QWidget*>("Animation1");
-  const QImage first = flight->grab().toImage();
-  QTest::qWait(200);
-  EXPECT_NE(flight->grab().toImage(), first);
-}
-
 TEST_F(frmAnimateTest, AQuestionOfTheCopyLiesAboveIt) {
   const auto onTop = [this] {
     return m_form->windowHandle()->flags().testFlag(Qt::WindowStaysOnTopHint);

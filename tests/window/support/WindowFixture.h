@@ -134,12 +134,6 @@ class WindowFixture : public testing::Test {
     }
     return rows;
   }
-  std::vector<std::string> ColumnTexts(const ListView& list) {
-    std::vector<std::string> texts;
-    for (const ListColumn& column : list.Columns()) texts.push_back(column.Text);
-    return texts;
-  }
-
   /// Takes both snapshots round `install` and makes the analysis `path`, without the window.
   std::string MakeAnalysis(const std::string& name, const std::function<void()>& install);
 
