@@ -279,6 +279,16 @@ int Failed(std::string_view why) {
   return shell.ExitStatus();
 }
 
+// What is wrong with the words of a command line, in one sentence.
+std::string Complaint(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<std::string> unknown = app.remaining();
+  if (app.get_subcommands().empty() && !unknown.empty()) {
+    return fmt::format("{} is no command.", unknown.front());
+  }
+  const std::string text = error.what();
+  return text.ends_with('.') ? text : text + ".";
+}
+
 int Parse(int argc, char** argv) {
   Arguments arguments;
   CLI::App app(
@@ -381,7 +391,7 @@ int Parse(int argc, char** argv) {
   } catch (const CLI::Success& success) {
     return app.exit(success);  // --help, --version
   } catch (const CLI::ParseError& error) {
-    return Failed(fmt::format("{} See sandrel-cli --help.", error.what()));
+    return Failed(Complaint(app, error) + " See sandrel-cli --help.");
   }
   return status;
 }
