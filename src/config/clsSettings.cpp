@@ -302,6 +302,14 @@ void clsSettings::Write(Change&& change, const std::function<void()>& then) {
   }
 }
 
+void clsSettings::NeedWritable() {
+  Write([] {});
+  const std::string folder = std::filesystem::path(m_path).parent_path().string();
+  if (access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) != 0) {
+    throw ErrnoError(errno, "Can't write " + m_path);
+  }
+}
+
 void clsSettings::WriteFile() {
   clsFileWorks::ReplaceWhole(m_path, Format());
   m_stamp = Look();

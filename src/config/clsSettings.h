@@ -41,6 +41,9 @@ class clsSettings {
   /// written; when it raises, the file gets back what it held.
   void Together(const std::function<void()>& body, const std::function<void()>& then = {});
 
+  /// Raises now what `SaveSetting` would raise later, as far as that can be known.
+  void NeedWritable();
+
   std::vector<std::string> Sections();
   std::vector<std::string> Keys(std::string_view section);
 

@@ -64,9 +64,10 @@ bool clsSnapshots::NeedMachine(clsStatements& run) {
   return m_machine != nullptr;
 }
 
-// All hives are opened before anything is deleted: one that can't be read must not cost the
-// snapshot that exists.
-void clsSnapshots::CheckHives() {
+// Before anything is deleted: a hive that can't be read, or a time that can't be stored, must not
+// cost the snapshot that exists.
+void clsSnapshots::CheckNeeds() {
+  m_settings.NeedWritable();
   m_machine->CloseRegistry();
   clsScanSettings settings(m_settings);
   if (settings.ScansLocalRegistry()) m_machine->Registry();
@@ -166,7 +167,7 @@ void clsSnapshots::BeginScan(clsStatements& run) {
   run([&] { m_shell.SetMousePointer(pointer::ArrowHourglass); });
   m_shell.State.Scanning = true;
   run([&] { m_shell.UpdateCommandState(); });
-  run([&] { CheckHives(); });
+  run([&] { CheckNeeds(); });
   ForgetLeftOut();
 }
 

@@ -81,7 +81,7 @@ class clsSnapshots {
   bool SameMachine();
   void Before(clsStatements& run, std::optional<clsHomeLock>& lock);
   bool After(clsStatements& run, std::optional<clsHomeLock>& lock);
-  void CheckHives();
+  void CheckNeeds();
   void ScanFolder(clsStatements& run, const Tables& tables, const std::string& folder);
   void ScanDisk(clsStatements& run, const Tables& tables, bool storeDrive);
   void ScanRegistry(clsStatements& run, const Tables& tables);

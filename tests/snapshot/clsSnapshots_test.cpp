@@ -131,6 +131,12 @@ TEST_F(clsSnapshotsTest, WhatIsMissingIsToldBeforeAnythingIsChanged) {
   EXPECT_EQ(Count("readme.txt"), "1");
   EXPECT_FALSE(m_snapshots.AfterSnapshot());
   EXPECT_EQ(Level(), SnapshotLevel::Before);
+  m_sample.SetSystemReg(test::SampleMachine::SystemKeys());
+  std::filesystem::remove(m_settings.Path() + ".lock");
+  std::filesystem::create_directory(m_settings.Path() + ".lock");  // so they can't be written
+  Before();
+  EXPECT_EQ(m_shell.Last(), "unload");
+  EXPECT_EQ(Count("readme.txt"), "1");
   clsSnapshots none(m_shell, m_settings, m_home, nullptr);
   none.mnuSnapShotBefore_Click();
   EXPECT_TRUE(m_shell.Has("There is no machine to look at."));

@@ -123,7 +123,9 @@ clsError Connection::ErrorOf(int code, std::string_view about) {
                             about.empty() ? "" : fmt::format(", so it has no table '{}'", about))};
       case SQLITE_CORRUPT:
         return {errnum::CorruptDatabase,
-                fmt::format("The database {} is damaged: {}.", m_path, reason)};
+                fmt::format("The database {} is damaged: {}. Put a good copy in its place, or make "
+                            "it anew.",
+                            m_path, reason)};
       case SQLITE_NOMEM:
         return {errnum::OutOfMemory, "Out of memory"};
       case SQLITE_ERROR:
