@@ -8,6 +8,7 @@
 #include "common/clsError.h"
 #include "common/clsPathText.h"
 #include "common/text.h"
+#include "config/clsFolderSource.h"
 #include "platform/machine/modWildcard.h"
 
 namespace sandrel {
@@ -100,15 +101,19 @@ void clsConfigModel::SelectHives(bool scanned) {
   for (const ScanHive& hive : ShownHives()) m_scanned[hive.Name] = scanned;
 }
 
+std::string clsConfigModel::PathOf(std::string_view text) const {
+  return m_machine != nullptr ? MachinePath(*m_machine, text) : clsPathText::NormaliseFolder(text);
+}
+
 bool clsConfigModel::AddFolder(std::string_view folder) {
-  std::string path = clsPathText::NormaliseFolder(folder);
+  std::string path = PathOf(folder);
   if (path.empty() || !MayAdd(Folders, path, "scanning")) return false;
   Folders.push_back(std::move(path));
   return true;
 }
 
 bool clsConfigModel::AddExcludeFolder(std::string_view folder) {
-  const std::string path = clsPathText::NormaliseFolder(folder);
+  const std::string path = PathOf(folder);
   if (path.empty() || !MayAdd(Excludes, path, "excluding")) return false;
   Excludes.push_back(Branch(path));
   return true;
@@ -131,7 +136,7 @@ bool clsConfigModel::MayAdd(const std::vector<std::string>& list, const std::str
 }
 
 bool clsConfigModel::AddExclude(std::string_view entry) {
-  std::string path = clsPathText::NormaliseFolder(entry);
+  std::string path = PathOf(entry);
   if (path.empty()) return false;
   // Without the backslash it would stand for a file of that name and exclude nothing.
   if (m_machine != nullptr && m_machine->FolderExists(path)) path = Branch(path);

@@ -56,6 +56,7 @@ class clsConfigModel {
   bool AddExcludeFile(const std::string& hostPath);
 
  private:
+  std::string PathOf(std::string_view text) const;
   bool MayAdd(const std::vector<std::string>& list, const std::string& folder, const char* doing);
   bool IsThere(const std::string& entry);
   void SaveList(const char* section, const std::vector<std::string>& entries);

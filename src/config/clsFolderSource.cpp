@@ -81,10 +81,7 @@ class clsMachineFolders final : public clsFolderSource {
   bool IsFolder(const std::string& path) override { return m_machine->FolderExists(path); }
 
   std::string Normalise(std::string_view text) const override {
-    std::string path = clsPathText::NormaliseFolder(text);
-    if (path.starts_with('\\') && !path.starts_with("\\\\"))
-      path = m_machine->CurrentDrive() + path;
-    path = clsPathText::RemoveSeparator(path);
+    std::string path = clsPathText::RemoveSeparator(MachinePath(*m_machine, text));
     if (path.size() == 2 && path[1] == ':') path = text::Upper(path) + '\\';
     return path;
   }
@@ -192,6 +189,12 @@ std::optional<std::vector<std::string>> clsFolderSource::PartsBelow(const std::s
 
 bool clsFolderSource::SameName(std::string_view a, std::string_view b) const {
   return m_matchCase ? a == b : text::EqualNoCase(a, b);
+}
+
+std::string MachinePath(const clsMachine& machine, std::string_view text) {
+  std::string path = clsPathText::NormaliseFolder(text);
+  const bool noDrive = path.starts_with('\\') && !path.starts_with("\\\\");
+  return noDrive ? machine.CurrentDrive() + path : path;
 }
 
 std::unique_ptr<clsFolderSource> HostFolders() {

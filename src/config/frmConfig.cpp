@@ -103,10 +103,12 @@ void frmConfig::Connect() {
 }
 
 void frmConfig::ConnectList(QListWidget* list, QLineEdit* text, std::vector<std::string>& entries) {
-  connect(list, &QListWidget::currentItemChanged, this, [text](const QListWidgetItem* item) {
-    if (item != nullptr) text->setText(item->text());
+  // Not the current entry, which is there as soon as the focus comes: a typed text would be lost.
+  connect(list, &QListWidget::itemSelectionChanged, this, [list, text] {
+    const QList<QListWidgetItem*> selected = list->selectedItems();
+    if (selected.size() == 1) text->setText(selected.front()->text());
   });
-  // The current entry can be selected too, when the text has gone on from it.
+  // The selected entry can be clicked too, when the text has gone on from it.
   connect(list, &QListWidget::itemClicked, this,
           [text](const QListWidgetItem* item) { text->setText(item->text()); });
   const auto remove = [this, list, &entries] { RemoveSelected(list, entries); };
@@ -159,10 +161,9 @@ void frmConfig::ShowMachine() {
 void frmConfig::ShowList(QListWidget* list, const std::vector<std::string>& entries) {
   if (static_cast<std::size_t>(list->count()) == entries.size()) return;
   const QSignalBlocker quiet(list);
-  const bool grown = static_cast<std::size_t>(list->count()) < entries.size();
   list->clear();
   for (const std::string& entry : entries) list->addItem(FromText(entry));
-  if (grown) list->scrollToBottom();
+  list->scrollToBottom();
 }
 
 void frmConfig::ShowHives() {
@@ -199,10 +200,12 @@ void frmConfig::chkFileExclude_Click() {
 }
 
 void frmConfig::RemoveSelected(QListWidget* list, std::vector<std::string>& entries) {
+  const QSignalBlocker quiet(list);
   for (int row = list->count() - 1; row >= 0; --row) {
-    if (list->item(row)->isSelected()) entries.erase(entries.begin() + row);
+    if (!list->item(row)->isSelected()) continue;
+    entries.erase(entries.begin() + row);
+    delete list->takeItem(row);
   }
-  ShowList(list, entries);
 }
 
 // The chosen path; empty when the user cancelled. The picker stays open while `add` refuses.

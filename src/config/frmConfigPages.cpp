@@ -14,7 +14,26 @@
 #include "platform/qt/clsCellDelegate.h"
 
 namespace sandrel {
+namespace {
 
+class clsTickDelegate final : public clsCellDelegate {
+ public:
+  using clsCellDelegate::clsCellDelegate;
+
+ protected:
+  // Styles frame a box in a shade of the window's ground, which a dark list swallows.
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    clsCellDelegate::initStyleOption(option, index);
+    QPalette& palette = option->palette;
+    if (palette.color(QPalette::Base).lightness() < 128) {
+      palette.setColor(QPalette::Window, palette.color(QPalette::Text));
+    }
+  }
+};
+
+}  // namespace
+
+// In the order of the Tab key.
 void frmConfig::MakeControls() {
   tabStrip = new QTabWidget(this);
   tabStrip->setObjectName("tabStrip");
@@ -51,10 +70,10 @@ QWidget* frmConfig::DiskScanPage() {
   chkEnableDiskScan =
       NewCheckBox("chkEnableDiskScan", "&Enable Disk Scanning", &clsConfigModel::DiskScan, page);
   lstDrives = NewList("lstDrives", "Folders to scan", page);
-  txtDSZoom = NewText("txtDSZoom", "Folder to add", page);
-  cmdDSAdd = NewButton("cmdDSAdd", "A&dd", "Add the typed folder", page);
   cmdAddFolder = NewButton("cmdAddFolder", "&Browse...", "Choose a folder to add", page);
   cmdRemoveFolder = NewButton("cmdRemoveFolder", "Re&move", "Remove the selected folders", page);
+  txtDSZoom = NewText("txtDSZoom", "Folder to add", page);
+  cmdDSAdd = NewButton("cmdDSAdd", "A&dd", "Add the typed folder", page);
 
   fraInclude = new QGroupBox("&Include", page);
   fraInclude->setObjectName("fraInclude");
@@ -85,6 +104,7 @@ QWidget* frmConfig::RegistryScanPage() {
       NewCheckBox("chkEnableRegScan", "&Enable Registry Scanning", &clsConfigModel::RegScan, page);
   lstRegHives = NewList("lstRegHives", "Registry hives to scan", page);
   lstRegHives->setSelectionMode(QListWidget::SingleSelection);
+  lstRegHives->setItemDelegate(new clsTickDelegate(lstRegHives));
   cmdSelectAll = NewButton("cmdSelectAll", "Select &All", "Scan every hive", page);
   cmdSelectNone = NewButton("cmdSelectNone", "Select &None", "Scan no hive", page);
   chkRemote = NewCheckBox("chkRemote", "&Remote:", &clsConfigModel::RemoteRegistry, page);
@@ -111,12 +131,12 @@ QWidget* frmConfig::ExcludedFilesPage() {
   chkFileExclude =
       NewCheckBox("chkFileExclude", "&Enable File(s) Exclude", &clsConfigModel::FileExclude, page);
   lstFileExclude = NewList("lstFileExclude", "Files and folders to exclude", page);
-  txtZoom = NewText("txtZoom", "File, pattern or folder to exclude", page);
-  cmdAddCustom = NewButton("cmdAddCustom", "A&dd", "Add the typed file, pattern or folder", page);
   cmdAddFile = NewButton("cmdAddFile", "Add F&iles...", "Choose files to exclude", page);
   cmdExcludeAddFile = NewButton("cmdExcludeAddFile", "Add F&older...",
                                 "Choose a folder to exclude with everything below it", page);
   cmdRemoveFile = NewButton("cmdRemoveFile", "Re&move", "Remove the selected entries", page);
+  txtZoom = NewText("txtZoom", "File, pattern or folder to exclude", page);
+  cmdAddCustom = NewButton("cmdAddCustom", "A&dd", "Add the typed file, pattern or folder", page);
 
   auto* const grid = new QGridLayout(page);
   grid->addWidget(chkFileExclude, 0, 0, 1, 2);
