@@ -23,9 +23,7 @@ std::string Variable(const char* name) {
 }
 
 std::string Absolute(const std::string& path) {
-  std::error_code failure;
-  const auto absolute = std::filesystem::absolute(path, failure).lexically_normal();
-  std::string result = failure ? path : absolute.string();
+  std::string result = clsFileWorks::Absolute(path);
   while (result.size() > 1 && result.ends_with('/')) result.pop_back();
   return result;
 }

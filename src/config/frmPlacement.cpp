@@ -40,10 +40,13 @@ void Load(QWidget& window, clsSettings& settings, const char* section) {
   const double left = qt::ToTwips(screen.x()) + (screenWidth - qt::ToTwips(window.width())) / 2;
   const double top = qt::ToTwips(screen.y()) + (screenHeight - qt::ToTwips(window.height())) / 2;
   window.move(number("Left", left), number("Top", top));
-  // The screen that it stood on may be gone.
-  if (QApplication::screenAt(window.geometry().center()) == nullptr) {
-    window.move(screen.center() - window.rect().center());
-  }
+  // The screen that it stood on may be gone, or have become too small for it.
+  const QScreen* const on = QApplication::screenAt(window.geometry().center());
+  const QRect room = on == nullptr ? screen : on->availableVirtualGeometry();
+  const bool fits = window.width() <= room.width() && window.height() <= room.height();
+  if (fits && on != nullptr) return;
+  window.resize(window.size().boundedTo(room.size()));
+  window.move(room.center() - window.rect().center());
 }
 
 void Save(const QWidget& window, clsSettings& settings, const char* section) {
