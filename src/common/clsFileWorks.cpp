@@ -155,6 +155,12 @@ void clsFileWorks::MakeFolders(const std::string& path) {
   if (failure) throw ErrnoError(failure.value(), "Can't make the folder " + path);
 }
 
+std::string clsFileWorks::Absolute(const std::string& path) {
+  std::error_code failure;
+  const auto absolute = std::filesystem::absolute(path, failure).lexically_normal();
+  return failure ? path : absolute.string();
+}
+
 std::string clsFileWorks::Join(std::string_view folder, std::string_view name) {
   std::string result(folder);
   if (!result.ends_with('/')) result += '/';

@@ -32,6 +32,10 @@ class clsFileWorks {
   /// Makes the folder and those above it that are missing.
   static void MakeFolders(const std::string& path);
 
+  /// The host path from the root on, without "." and ".." in it; `path` itself when the folder that
+  /// is current has gone.
+  static std::string Absolute(const std::string& path);
+
   /// The host path with exactly one "/" between the two.
   static std::string Join(std::string_view folder, std::string_view name);
 };

@@ -111,10 +111,14 @@ void frmSandrel::clsWizardSide::Wait(std::int32_t seconds) {
 void frmSandrel::clsWizardSide::StoreRunOnce() {
   std::vector<std::string> variables = {"SANDREL_MACHINE=" + m_form.MachineToOpen(),
                                         "SANDREL_HOME=" + m_form.m_home.Path()};
-  for (const char* name : {"SANDREL_SETTINGS", "SANDREL_USER", "SANDREL_NETWORK"}) {
+  const auto keep = [&](const char* name, auto&& text) {
     const char* const value = std::getenv(name);
-    if (value != nullptr) variables.push_back(std::string(name) + "=" + value);
-  }
+    if (value != nullptr && *value != '\0')
+      variables.push_back(std::string(name) + "=" + text(value));
+  };
+  keep("SANDREL_SETTINGS", clsFileWorks::Absolute);
+  keep("SANDREL_NETWORK", clsFileWorks::Absolute);
+  keep("SANDREL_USER", [](const char* value) { return value; });
   const std::string& program = m_form.m_options.Program;
   clsRunOnce().SetValue(clsRunOnce::WizardEntry,
                         {HelperProgram("AsyncStartup", program), program, "/wizard", "page4"},

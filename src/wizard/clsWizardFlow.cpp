@@ -190,9 +190,9 @@ void clsWizardFlow::WaitLonger(std::int16_t& page) {
 }
 
 bool clsWizardFlow::CreateAnalysis(std::int16_t& page) {
-  if (txtViewName.find('/') == std::string::npos) {
-    txtViewName = clsFileWorks::Join(m_commands.Folder(), txtViewName);
-  }
+  txtViewName = txtViewName.find('/') == std::string::npos
+                    ? clsFileWorks::Join(m_commands.Folder(), txtViewName)
+                    : clsFileWorks::Absolute(txtViewName);
   const auto ask = [&](std::string text, Buttons buttons, BoxIcon icon, const char* title) {
     return m_commands.Ask({std::move(text), title, buttons, icon});
   };
@@ -265,7 +265,7 @@ void clsWizardFlow::txtViewName_Change(std::string text) {
 }
 
 void clsWizardFlow::txtViewName_LostFocus() {
-  if (txtViewName.empty() || text::EqualNoCase(clsPathText::ExtensionOf(txtViewName), "mdb")) {
+  if (IsBlank(txtViewName) || text::EqualNoCase(clsPathText::ExtensionOf(txtViewName), "mdb")) {
     return;
   }
   txtViewName += ".mdb";

@@ -5,7 +5,6 @@
 
 #include <cctype>
 #include <cstdlib>
-#include <filesystem>
 
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
@@ -44,12 +43,6 @@ std::string FindOnPath(const std::string& name) {
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
   return {};
-}
-
-std::string Absolute(const std::string& path) {
-  std::error_code failure;
-  const auto absolute = std::filesystem::absolute(path, failure).lexically_normal();
-  return failure ? path : absolute.string();
 }
 
 }  // namespace
@@ -93,7 +86,8 @@ std::optional<clsHostCommands::Program> clsHostCommands::Find(const std::string&
   }
   if (name.find('/') == std::string::npos) return FindByName(name);
   if (!clsFileWorks::FileExists(name)) return std::nullopt;
-  return Program{Absolute(name), Absolute(name)};
+  const std::string path = clsFileWorks::Absolute(name);
+  return Program{path, path};
 }
 
 // A bare name is looked for where the platform does: in the folder that is current, on the path, in
@@ -101,7 +95,8 @@ std::optional<clsHostCommands::Program> clsHostCommands::Find(const std::string&
 std::optional<clsHostCommands::Program> clsHostCommands::FindByName(const std::string& name) const {
   if (name.empty()) return std::nullopt;
   if (IsWindowsProgram(name) && clsFileWorks::FileExists(name)) {
-    return Program{Absolute(name), Absolute(name)};
+    const std::string path = clsFileWorks::Absolute(name);
+    return Program{path, path};
   }
   if (std::string host = FindOnPath(name); !host.empty()) return Program{host, host};
   if (m_machine == nullptr) return std::nullopt;
