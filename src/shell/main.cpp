@@ -4,13 +4,12 @@
 #include <QApplication>
 #include <clocale>
 #include <cstdio>
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "common/clsError.h"
+#include "common/clsFileWorks.h"
 #include "common/text.h"
 #include "config/clsHome.h"
 #include "config/clsSettings.h"
@@ -72,7 +71,7 @@ Arguments Parse(const std::vector<std::string>& words) {
   std::string command(sandrel::text::Trim(fmt::to_string(fmt::join(rest, " "))));
   if (rest.size() == 1 && !command.empty() && command != sandrel::WizardCommand &&
       !command.starts_with('-')) {
-    arguments.Start.File = std::filesystem::absolute(rest.front()).lexically_normal().string();
+    arguments.Start.File = sandrel::clsFileWorks::Absolute(rest.front());
   } else {
     arguments.Start.Command = std::move(command);
   }
