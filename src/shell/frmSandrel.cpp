@@ -28,6 +28,8 @@
 #include "platform/qt/modMenus.h"
 #include "platform/qt/modPump.h"
 #include "platform/qt/modTwips.h"
+#include "shell/frmAbout.h"
+#include "shell/frmHelp.h"
 #include "shell/frmSplash.h"
 #include "wizard/frmWizard.h"
 
@@ -139,6 +141,7 @@ void frmSandrel::SetCommands() {
   SetExportCommands();
   SetPrintCommands();
   SetWizardCommands();
+  SetHelpCommands();
   SetTrayEvents();
 }
 
@@ -187,6 +190,9 @@ void frmSandrel::Form_Resize() {
   const QRect place = tlbarMain->PlaceHolder();
   txtLastBeforeSnapshot->setGeometry(
       place.adjusted(qt::ToPixels(BeforeTimeIndent), 0, 0, 0).translated(tlbarMain->pos()));
+  // A time whose end is cut off would be another time.
+  txtLastBeforeSnapshot->setText(txtLastBeforeSnapshot->fontMetrics().elidedText(
+      m_beforeTime, Qt::ElideRight, txtLastBeforeSnapshot->width()));
   txtLastBeforeSnapshot->setVisible(m_controls.tlbarMain.Visible());
   txtLastBeforeSnapshot->raise();
 
@@ -276,7 +282,7 @@ void frmSandrel::DoEvents(bool often) {
 }
 
 void frmSandrel::ShowBeforeTime(std::string_view text) {
-  txtLastBeforeSnapshot->setText(FromText(text));
+  m_beforeTime = FromText(text);
   Form_Resize();
 }
 

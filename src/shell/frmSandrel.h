@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QString>
 #include <array>
 #include <functional>
 #include <memory>
@@ -34,6 +35,8 @@ class clsStatusBarWidget;
 class clsToolbarWidget;
 class clsTreeWidget;
 class clsWizardCommands;
+class frmAbout;
+class frmHelp;
 class frmSplash;
 class frmWizard;
 
@@ -42,9 +45,10 @@ inline constexpr std::string_view WizardCommand = "/wizard page4";
 
 /// What the program was started with.
 struct StartOptions {
-  std::string Machine;  ///< host path of the machine's folder; empty for the one the settings name
-  std::string File;     ///< host path of the analysis to open; empty for the last one
-  std::string Command;  ///< the rest of the command line
+  std::string Machine;   ///< host path of the machine's folder; empty for the one the settings name
+  std::string File;      ///< host path of the analysis to open; empty for the last one
+  std::string Command;   ///< the rest of the command line
+  std::string HelpFile;  ///< host path; empty for the one that comes with the program
   bool PrevInstance = false;  ///< the program runs on this home folder already
   std::string Program;        ///< host path of the executable that a restart goes on with
 };
@@ -60,6 +64,8 @@ class frmSandrel final : public QMainWindow, public clsShell {
   void Form_Load();
   /// Makes final and stores what the end of the program would; the program goes on.
   void Save();
+  /// The help viewer; null until it was asked for.
+  frmHelp* Help() const { return m_help.get(); }
   /// True when the window is gone for good: the program is to end.
   bool IsUnloaded() const { return m_unloaded; }
 
@@ -136,6 +142,12 @@ class frmSandrel final : public QMainWindow, public clsShell {
   void GoOnWithWizard();
   // frmSandrelConfig.cpp
   void mnuSettingsConfig_Click();
+  // frmSandrelHelp.cpp
+  void SetHelpCommands();
+  void SetHelpFile();
+  void ShowHelp(int command);
+  void mnuHelpAbout_Click();
+  void UnloadHelp();
 
   clsSettings& m_settings;
   const clsHome& m_home;
@@ -153,6 +165,7 @@ class frmSandrel final : public QMainWindow, public clsShell {
   QWidget* m_client = nullptr;  // what the layout divides
   clsToolbarWidget* tlbarMain = nullptr;
   QLabel* txtLastBeforeSnapshot = nullptr;
+  QString m_beforeTime;  // what it shows, whole
   clsTreeWidget* treeView = nullptr;
   std::array<clsListWidget*, page::Count> listView{};
   clsSplitBar* picSplit = nullptr;
@@ -162,8 +175,11 @@ class frmSandrel final : public QMainWindow, public clsShell {
   std::unique_ptr<frmSplash> m_splash;
   std::unique_ptr<clsWizardCommands> m_wizardCommands;
   std::unique_ptr<frmWizard> m_wizard;
+  std::unique_ptr<frmHelp> m_help;
+  std::unique_ptr<frmAbout> m_about;
 
-  std::string m_notes;          // to be told when no scan runs
+  std::string m_notes;  // to be told when no scan runs
+  std::string m_helpFile;
   std::string m_machineFolder;  // what was chosen in this session; empty for none
   bool m_noAutoLoadDatabase = false;
   bool m_trayMenuPending = false;

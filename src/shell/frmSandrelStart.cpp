@@ -56,6 +56,7 @@ void frmSandrel::Form_Load() {
         bool checkBeforeSnapshot = false;
         run([&] { ReopenLast(checkBeforeSnapshot); });
         if (m_unloaded) return;
+        run([&] { SetHelpFile(); });
         if (checkBeforeSnapshot) run([&] { AskForBefore(); });
         if (m_unloaded) return;
         if (m_options.Command == WizardCommand) run([&] { GoOnWithWizard(); });
@@ -171,6 +172,7 @@ bool frmSandrel::Form_Unload() {
   }
   m_unloaded = true;
   UnloadSplash();
+  UnloadHelp();
   m_controls.FormReady = false;
   SetMousePointer(pointer::Default);
   hide();

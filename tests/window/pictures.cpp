@@ -17,6 +17,7 @@
 #include <QThread>
 #include <QTimer>
 #include <QTreeView>
+#include <QTreeWidget>
 #include <algorithm>
 #include <cstdio>
 #include <memory>
@@ -25,6 +26,8 @@
 #include "config/clsFolderSource.h"
 #include "config/frmFolderTreeview.h"
 #include "export/frmAnimate.h"
+#include "platform/qt/clsMarkdownPage.h"
+#include "shell/frmHelp.h"
 #include "shell/frmSplash.h"
 #include "window/support/BoxAnswerer.h"
 #include "window/support/SampleDesk.h"
@@ -101,6 +104,7 @@ class Session {
     TakeCopy();
     TakePrinting();
     TakeWizard();
+    TakeHelp();
     TakeScan();
     Stop();
   }
@@ -298,6 +302,38 @@ class Session {
       m_camera.Take(*wizard, QString("wizard-%1").arg(number));
     }
     wizard->Unload();
+  }
+
+  void TakeHelp() {
+    m_form->Controls().Menus.Run("mnuHelpAbout");
+    QDialog* const about = m_form->findChild<QDialog*>("frmAbout");
+    QTest::qWait(20);
+    m_camera.Take(*about, "about");
+    about->close();
+    m_desk.Settings.SaveSetting("Help Form", "Width", "15000");
+    m_desk.Settings.SaveSetting("Help Form", "Height", "9300");
+    m_form->Controls().Menus.Run("mnuHelpIndex");
+    frmHelp& help = *m_form->Help();
+    const auto take = [&](const QString& name) {
+      QTest::qWait(50);
+      m_camera.Take(help, name);
+    };
+    QTest::keyClicks(help.findChild<QLineEdit*>("txtIndex"), "ex");
+    QTest::keyClick(help.findChild<QLineEdit*>("txtIndex"), Qt::Key_Return);
+    take("help-index");
+    auto* const search = help.findChild<QLineEdit*>("txtSearch");
+    help.findChild<QTabWidget*>("tabStrip")->setCurrentWidget(search->parentWidget());
+    QTest::keyClicks(search, "registry key");
+    QTest::keyClick(search, Qt::Key_Return);
+    take("help-search");
+    m_form->Controls().Menus.Run("mnuHelpContents");
+    auto* const page = help.findChild<clsMarkdownPage*>();
+    auto* const contents = help.findChild<QTreeWidget*>("treeContents");
+    for (int chapter = 0; chapter < contents->topLevelItemCount(); ++chapter) {
+      page->Show(contents->topLevelItem(chapter)->data(0, Qt::UserRole).toString());
+      take(QString("help-%1").arg(chapter + 1, 2, 10, QChar('0')));
+    }
+    help.close();
   }
 
   // The picture is taken when messages are let through, with the panel about half full.

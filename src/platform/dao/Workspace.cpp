@@ -152,6 +152,10 @@ void Workspace::Rollback() {
   for (const auto& connection : connections) connection->Rollback();
 }
 
+std::string DBEngine::Version() {
+  return std::string("SQLite ") + sqlite3_libversion();
+}
+
 bool DBEngine::IsOpen(std::uint64_t device, std::uint64_t inode) {
   return Connection::IsOpen(device, inode);
 }

@@ -97,6 +97,8 @@ class Workspace {
 
 class DBEngine {
  public:
+  /// The engine's name and version, "SQLite 3.40.1".
+  static std::string Version();
   /// The first workspace, which always exists.
   static Workspace& FirstWorkspace();
   static std::shared_ptr<Workspace> CreateWorkspace(std::string name,

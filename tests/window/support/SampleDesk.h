@@ -49,6 +49,7 @@ class SampleDesk {
   std::unique_ptr<frmSandrel> MakeWindow() {
     StartOptions options;
     options.Machine = MachineFolder();
+    options.HelpFile = SANDREL_HELP_FILE;
     return std::make_unique<frmSandrel>(Settings, Home, Windows, options);
   }
 
