@@ -13,7 +13,7 @@ cli=$work/usr/bin/sandrel-cli
 installed=$(cd "$work/usr" && find . | sort)
 
 for file in bin/sandrel libexec/sandrel/AsyncStartup libexec/sandrel/sandrel-print share/applications/sandrel.desktop \
-  share/icons/hicolor/48x48/apps/sandrel.png share/man/man1/sandrel-cli.1.gz; do
+  share/sandrel/sandrel.hlp share/icons/hicolor/48x48/apps/sandrel.png share/man/man1/sandrel-cli.1.gz; do
   [ -s "$work/usr/$file" ] || { echo "not installed: $file"; exit 1; }
 done
 if ldd "$cli" | grep -E 'Qt|libX'; then
