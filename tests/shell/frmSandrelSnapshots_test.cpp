@@ -1,7 +1,6 @@
 // The snapshot commands, run from the main window: what is locked and shown meanwhile, how they
 // are stopped, and what an error leaves behind.
 #include <QLabel>
-#include <algorithm>
 #include <deque>
 #include <filesystem>
 #include <set>
@@ -34,9 +33,6 @@ class frmSandrelSnapshotsTest : public WindowFixture {
   }
   std::string Title() { return m_form->windowTitle().toStdString(); }
   std::string TimeText() { return Find<QLabel>("txtLastBeforeSnapshot")->text().toStdString(); }
-  std::string Time(const char* which) {
-    return m_settings.GetSetting("Snapshot Creation Time", which);
-  }
   bool HasBefore() const { return clsFileWorks::FileExists(Working()); }
 };
 
@@ -44,12 +40,10 @@ TEST_F(frmSandrelSnapshotsTest, BeforeShowsItsProgressAndLocksTheCommands) {
   StartWith("No");
   EXPECT_EQ(Commands(), "Before Menus");
   EXPECT_EQ(TimeText(), "Last 'Before' Snapshot: None");
-  std::set<std::string> percentages;
-  std::set<std::string> states;
-  auto* const panel = Find<QLabel>("stbrStatus.Progress");
+  std::set<std::string> percentages, states;
   QTimer look;
   QObject::connect(&look, &QTimer::timeout, &look, [&] {
-    percentages.insert(panel->text().toStdString());
+    percentages.insert(Find<QLabel>("stbrStatus.Progress")->text().toStdString());
     states.insert(Commands() + (QGuiApplication::overrideCursor() != nullptr ? " busy" : ""));
   });
   look.start(0);
@@ -62,15 +56,14 @@ TEST_F(frmSandrelSnapshotsTest, BeforeShowsItsProgressAndLocksTheCommands) {
                    "Scanning Registry - HKEY_CURRENT_USER...",
                    "Scanning Registry - HKEY_LOCAL_MACHINE...", "Scanning Registry - HKEY_USERS...",
                    "Before Snapshot Complete"}));
-  const Texts& told = m_watch.Progresses;
-  EXPECT_EQ(std::count(told.begin(), told.end(), "100% " + std::string(25, '\x01')), 1);
-  EXPECT_EQ(told.back(), "");
+  EXPECT_EQ(m_watch.Progresses.back(), "");
   EXPECT_EQ(percentages.count("100%"), 1);
   EXPECT_GE(percentages.size(), 5U);
   EXPECT_EQ(states, std::set<std::string>{"Stop busy"});
   EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
   EXPECT_EQ(Commands(), "Before After Menus");
-  EXPECT_EQ(TimeText(), "Last 'Before' Snapshot: " + Time("Before"));
+  EXPECT_EQ(TimeText(),
+            "Last 'Before' Snapshot: " + m_settings.GetSetting("Snapshot Creation Time", "Before"));
 }
 
 TEST_F(frmSandrelSnapshotsTest, StopAsksAndLeavesNoSnapshot) {

@@ -188,38 +188,32 @@ class Walk {
   }
 
   // Through the window system's queue, which knows of popups, boxes and grabs.
-  void Press(QWidget& widget, QPoint at, Qt::MouseButton button, Qt::KeyboardModifiers keys) {
-    SendMouse(widget, at, [&](QWindow* window, QPoint place) {
-      QTest::mousePress(window, button, keys, place);
-    });
-  }
-  template <class Send>
-  void SendMouse(QWidget& widget, QPoint at, const Send& send) {
-    QWindow* const window = widget.window()->windowHandle();
+  enum class Mouse { Press, Move, Release, DoubleClick };
+  static void Send(const QPointer<QWidget>& widget, QPoint at, Mouse what,
+                   Qt::MouseButton button = Qt::LeftButton, Qt::KeyboardModifiers keys = {}) {
+    QWindow* const window = widget == nullptr ? nullptr : widget->window()->windowHandle();
     if (window == nullptr || !window->isVisible()) return;
-    const QPoint place = widget.mapTo(widget.window(), at);
-    if (QRect(QPoint(), window->size()).contains(place)) send(window, place);
+    const QPoint place = widget->mapTo(widget->window(), at);
+    if (!QRect(QPoint(), window->size()).contains(place)) return;
+    if (what == Mouse::Press) QTest::mousePress(window, button, keys, place);
+    if (what == Mouse::Move) QTest::mouseMove(window, place);
+    if (what == Mouse::Release) QTest::mouseRelease(window, button, keys, place);
+    if (what == Mouse::DoubleClick) QTest::mouseDClick(window, button, keys, place);
   }
-  void Click(QWidget& widget, QPoint at, Qt::MouseButton button, Qt::KeyboardModifiers keys) {
+  void Click(QWidget& widget, QPoint at, Qt::MouseButton button = Qt::LeftButton,
+             Qt::KeyboardModifiers keys = {}) {
     Note(button == Qt::LeftButton ? "click" : "right click", widget, at);
     const QPointer<QWidget> held(&widget);
-    Press(widget, at, button, keys);
-    if (held) Release(widget, at, button, keys);
-  }
-  void Release(QWidget& widget, QPoint at, Qt::MouseButton button, Qt::KeyboardModifiers keys) {
-    SendMouse(widget, at, [&](QWindow* window, QPoint place) {
-      QTest::mouseRelease(window, button, keys, place);
-    });
+    Send(held, at, Mouse::Press, button, keys);
+    Send(held, at, Mouse::Release, button, keys);
   }
   void Drag(QWidget& widget, QPoint from, QPoint to) {
     Note("drag", widget, from);
     const QPointer<QWidget> held(&widget);
-    Press(widget, from, Qt::LeftButton, {});
-    for (const QPoint place : {(from + to) / 2, to}) {
-      if (!held) return;
-      SendMouse(widget, place, [](QWindow* window, QPoint at) { QTest::mouseMove(window, at); });
-    }
-    if (held) Release(widget, to, Qt::LeftButton, {});
+    Send(held, from, Mouse::Press);
+    Send(held, (from + to) / 2, Mouse::Move);
+    Send(held, to, Mouse::Move);
+    Send(held, to, Mouse::Release);
   }
   void Key(QWidget& widget, int key, Qt::KeyboardModifiers keys = {}) {
     QWindow* const window = widget.window()->windowHandle();
@@ -232,7 +226,7 @@ class Walk {
     static const std::vector<int> Keys = {Qt::Key_Down, Qt::Key_Up,     Qt::Key_Right,
                                           Qt::Key_Left, Qt::Key_Return, Qt::Key_Escape};
     if (Chance(50)) {
-      Click(popup, PlaceIn(popup), Qt::LeftButton, {});
+      Click(popup, PlaceIn(popup));
     } else {
       Key(popup, OneOf(Keys));
     }
@@ -242,7 +236,7 @@ class Walk {
     const QList<QAbstractButton*> buttons = box.buttons();
     QAbstractButton* const button = OneOf(buttons);
     if (Chance(10)) return Key(box, Chance(50) ? Qt::Key_Escape : Qt::Key_Return);
-    if (Chance(10)) return Click(box, PlaceIn(box), Qt::LeftButton, {});
+    if (Chance(10)) return Click(box, PlaceIn(box));
     if (button->text() == "&Abort" && Chance(70)) return;
     Note("box \"" + box.text().left(60).simplified().toStdString() +
          "\": " + button->text().toStdString());
@@ -277,7 +271,7 @@ class Walk {
       if (control->isVisible() && control->isEnabled()) controls.push_back(control);
     }
     QWidget* const control = OneOf(controls);
-    Click(*control, PlaceIn(*control), Qt::LeftButton, {});
+    Click(*control, PlaceIn(*control));
   }
 
   void ActOnWindow() {
@@ -300,32 +294,28 @@ class Walk {
     }
   }
 
-  QWidget* SomeView() {
-    std::vector<QWidget*> views;
-    for (QTreeView* const view : m_form->findChildren<QTreeView*>()) {
-      if (view->isVisible()) views.push_back(view->viewport());
+  template <class View>
+  View* SomeVisible() {
+    std::vector<View*> views;
+    for (View* const view : m_form->findChildren<View*>()) {
+      if (view->isVisible() && view->model()->columnCount() > 0) views.push_back(view);
     }
     return views.empty() ? nullptr : OneOf(views);
   }
-  QHeaderView* SomeHeader() {
-    std::vector<QHeaderView*> headers;
-    for (QHeaderView* const header : m_form->findChildren<QHeaderView*>()) {
-      if (header->isVisible() && header->count() > 0) headers.push_back(header);
-    }
-    return headers.empty() ? nullptr : OneOf(headers);
+  QWidget* SomeView() {
+    auto* const view = SomeVisible<QTreeView>();
+    return view == nullptr ? nullptr : view->viewport();
   }
 
   void ClickSomewhere() {
-    QWidget* widget = Chance(60) ? SomeView() : nullptr;
+    QPointer<QWidget> widget = Chance(60) ? SomeView() : nullptr;
     if (widget == nullptr) widget = m_form.get();
     const QPoint place = PlaceIn(*widget);
     const auto button = Chance(90) ? Qt::LeftButton : Qt::RightButton;
     Click(*widget, place, button, Modifiers());
     if (!Chance(25)) return;
     Note("double click");
-    SendMouse(*widget, place, [&](QWindow* window, QPoint at) {
-      QTest::mouseDClick(window, Qt::LeftButton, {}, at);
-    });
+    Send(widget, place, Mouse::DoubleClick);
   }
 
   void PressKey() {
@@ -368,7 +358,7 @@ class Walk {
   }
 
   void ChangeColumns() {
-    QHeaderView* const header = SomeHeader();
+    auto* const header = SomeVisible<QHeaderView>();
     if (header == nullptr) return;
     const int place = Below(header->count());
     const int left = header->sectionViewportPosition(header->logicalIndex(place));
@@ -409,7 +399,7 @@ class Walk {
     QMenuBar& bar = *m_form->menuBar();
     const QList<QAction*> menus = bar.actions();
     const QRect place = bar.actionGeometry(OneOf(menus));
-    if (place.isValid()) Click(bar, place.center(), Qt::LeftButton, {});
+    if (place.isValid()) Click(bar, place.center());
   }
 
   // What the next snapshot finds.
@@ -424,7 +414,7 @@ class Walk {
   void ClickSplash() {
     for (QWidget* const widget : QApplication::topLevelWidgets()) {
       if (widget->objectName() != "frmSplash" || !widget->isVisible()) continue;
-      return Click(*widget, PlaceIn(*widget), Qt::LeftButton, {});
+      return Click(*widget, PlaceIn(*widget));
     }
   }
 

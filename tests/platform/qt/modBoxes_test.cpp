@@ -14,7 +14,6 @@
 #include <fstream>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "support/TempFolder.h"
 
@@ -38,20 +37,6 @@ int AnswerTo(Buttons choice, BoxIcon icon, std::function<void(QMessageBox&)> act
 
 std::function<void(QMessageBox&)> Press(Qt::Key key) {
   return [key](QMessageBox& box) { QTest::keyClick(&box, key); };
-}
-
-TEST(modBoxes, EachButtonHasItsAnswer) {
-  const std::pair<Buttons, std::vector<int>> cases[] = {
-      {Buttons::Ok, {1}}, {Buttons::YesNo, {6, 7}}, {Buttons::AbortRetryIgnore, {3, 4, 5}}};
-  for (const auto& [choice, answers] : cases) {
-    for (std::size_t i = 0; i < answers.size(); ++i) {
-      const auto press = [i](QMessageBox& box) {
-        EXPECT_EQ(box.text(), "Text <b>");
-        box.buttons()[static_cast<qsizetype>(i)]->click();
-      };
-      EXPECT_EQ(AnswerTo(choice, BoxIcon::None, press), answers[i]);
-    }
-  }
 }
 
 TEST(modBoxes, EscapeAndEnterAreTheCarefulAnswers) {
