@@ -5,7 +5,7 @@
 
 #include <QBuffer>
 #include <QFile>
-#include <QFontDatabase>
+#include <QFont>
 #include <QPdfWriter>
 #include <QPrinter>
 #include <QPrinterInfo>
@@ -28,7 +28,7 @@ clsError DeviceError(std::string description) {
 }
 
 void NeedFonts() {
-  if (!QFontDatabase::families().isEmpty()) return;
+  if (clsTextMeasure::IsThere(QFont())) return;
   throw clsError(errnum::FileNotFound,
                  "No fonts are installed, so that no text can be printed. Install a font package, "
                  "such as fonts-liberation.",

@@ -1,6 +1,6 @@
 #include "platform/qt/clsTextMeasure.h"
 
-#include <QFontDatabase>
+#include <QFontInfo>
 #include <algorithm>
 #include <cmath>
 
@@ -46,13 +46,17 @@ void clsTextMeasure::SetFont(const PrintFont& font, double dpi) {
   m_font.setKerning(false);
   m_metrics = QFontMetricsF(m_font, &m_device);
   m_ascent = m_metrics.ascent();
-  m_lineHeight = QFontDatabase::families().isEmpty()
-                     ? 0
-                     : static_cast<int>(std::ceil(m_metrics.ascent() + m_metrics.descent()));
+  m_lineHeight =
+      IsThere(m_font) ? static_cast<int>(std::ceil(m_metrics.ascent() + m_metrics.descent())) : 0;
   m_characters.fill(-1);
   m_words.clear();
   m_blank = m_metrics.horizontalAdvance(' ');
   m_addsUp = AddsUp();
+}
+
+// The toolkit lists generic families even then, and draws boxes in a font without a name.
+bool clsTextMeasure::IsThere(const QFont& font) {
+  return !QFontInfo(font).family().isEmpty();
 }
 
 QFont clsTextMeasure::FontFor(double dpi) const {

@@ -28,6 +28,9 @@ class clsTextMeasure {
 
   clsTextMeasure();
 
+  /// False where no fonts are installed, so that not even another one can stand in for `font`.
+  static bool IsThere(const QFont& font);
+
   /// At `dpi` pixels to the inch. Costs nothing for the font that is set.
   void SetFont(const PrintFont& font, double dpi);
   /// The font for a painter with this many pixels to the inch.
