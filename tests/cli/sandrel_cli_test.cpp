@@ -249,18 +249,6 @@ TEST_F(SandrelCliStopped, AFullDiskIsToldAndLeavesNothingHalf) {
   EXPECT_TRUE(IsWhole(Working()));
 }
 
-TEST_F(SandrelCliStopped, TwoCommandsDoNotWorkOnOneHome) {
-  const pid_t first = Start({"before"});
-  for (int i = 0; i < 2000 && !clsFileWorks::FileExists(Working()); ++i) usleep(1000);
-  kill(first, SIGSTOP);
-  std::filesystem::rename(m_temp.Of("out"), m_temp.Of("out1"));
-  std::filesystem::rename(m_temp.Of("err"), m_temp.Of("err1"));
-  ExpectFailure({"before", "--yes"}, 2, "Another snapshot command works on");
-  kill(first, SIGCONT);
-  EXPECT_EQ(Finish(first).Status, 0);
-  EXPECT_EQ(ReadSnapshotLevel(Working()), SnapshotLevel::Before);
-}
-
 TEST_F(SandrelCli, WatchesACommand) {
   const std::string added = m_sample.HostPath("C:\\New\\a.txt");
   const auto watch = [&](std::vector<std::string> command, std::vector<std::string> first = {}) {

@@ -1,7 +1,5 @@
 #include "scan/clsScanReg.h"
 
-#include <filesystem>
-
 #include "support/ScanFixture.h"
 
 namespace sandrel {
@@ -33,12 +31,11 @@ class clsScanRegTest : public test::ScanFixture {
     return scanner;
   }
 
-  void Walk(std::uint32_t hive, bool after = false, const std::string& branch = "",
-            const std::string& computer = "") {
+  void Walk(std::uint32_t hive, bool after = false, const std::string& branch = "") {
     const auto scanner = Scanner(after);
     scanner->StartDBTransaction();
-    scanner->SetBranchCount(branch, hive, computer);
-    scanner->DoXTreeBranch(branch, hive, computer);
+    scanner->SetBranchCount(branch, hive, "");
+    scanner->DoXTreeBranch(branch, hive, "");
     scanner->CommitDBTransaction();
   }
 
@@ -151,16 +148,6 @@ TEST_F(clsScanRegTest, NamesThatDoNotFitAreLeftOutAndCounted) {
   EXPECT_EQ(Values("Software\\L\\after").size(), 1U);
   EXPECT_EQ(m_leftOut.Of(LeftOut::LongKey), 1U);
   EXPECT_EQ(m_leftOut.Of(LeftOut::LongValueName), 1U);
-}
-
-TEST_F(clsScanRegTest, ReadsARemoteMachine) {
-  test::SampleMachine remote;
-  remote.SetSystemReg("[Software\\\\There] 1\n\"x\"=\"remote\"\n\n");
-  std::filesystem::create_directory_symlink(remote.Folder(), m_temp.Of("Box"));
-  setenv("SANDREL_NETWORK", m_temp.Path().c_str(), 1);
-  Walk(hkey::LocalMachine, false, "", "box");
-  unsetenv("SANDREL_NETWORK");
-  EXPECT_EQ(Values("Software\\There"), Lines{"x|1|remote"});
 }
 
 TEST_F(clsScanRegTest, ExclusionsTakeValuesFirstAndKeysInTheSecondPass) {

@@ -161,6 +161,7 @@ TEST_F(clsAnalysisTest, AnUnreadableRegistryMattersOnlyWhereItIsScanned) {
   Before();
   After();
   EXPECT_EQ(m_shell.Last(), "status: Analysis Created");
+  EXPECT_EQ(Select("count(*) FROM tblRegValue2 WHERE Value = 'C:\\windows'"), "1");
   std::ofstream(far.Folder() + "/user.reg") << "no registry";
   After();
   unsetenv("SANDREL_NETWORK");

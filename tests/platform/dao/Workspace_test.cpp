@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 #include <csignal>
 #include <filesystem>
@@ -114,18 +113,6 @@ TEST_F(WorkspaceTest, ATransactionKeptInMemoryLetsOthersRead) {
   EXPECT_EQ(Count(m_path), 0);
   keeping.Rollback();
   EXPECT_EQ(Count(m_path), 0);
-}
-
-TEST_F(WorkspaceTest, KnowsWhichFilesAreOpen) {
-  m_workspace.CreateDatabase(m_path);
-  struct stat status {};
-  ASSERT_EQ(stat(m_path.c_str(), &status), 0);
-  {
-    const auto database = m_workspace.OpenDatabase(m_path);
-    const auto again = Workspace("Other").OpenDatabase(m_path);
-    EXPECT_TRUE(DBEngine::IsOpen(status.st_dev, status.st_ino));
-  }
-  EXPECT_FALSE(DBEngine::IsOpen(status.st_dev, status.st_ino));
 }
 
 TEST_F(WorkspaceTest, ALockedFileIsTold) {

@@ -37,12 +37,10 @@ struct Prefix {
 };
 
 TEST(clsServerWait, EndsWithTheServerTheFilesOrTheTime) {
-  for (const seconds end : {seconds(0), seconds(3)}) {
-    Prefix ends;
-    ends.ServerEnds = end;
-    EXPECT_TRUE(ends.Wait());
-    EXPECT_EQ(ends.Slept, end);
-  }
+  Prefix ends;
+  ends.ServerEnds = seconds(3);
+  EXPECT_TRUE(ends.Wait());
+  EXPECT_EQ(ends.Slept, seconds(3));
   Prefix idle;
   EXPECT_TRUE(idle.Wait());
   EXPECT_EQ(idle.Slept, seconds(35));

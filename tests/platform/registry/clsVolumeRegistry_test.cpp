@@ -123,10 +123,8 @@ TEST_F(clsVolumeRegistryTest, ChoosesTheCurrentUser) {
     return has;
   };
   EXPECT_FALSE(isBob(*Open()));  // the first person, no service
-  for (const std::string& user : {Bob, std::string("BOB.HOST"), std::string("bob"),
-                                  std::string("HOST\\Bob"), std::string(".\\bob")}) {
+  for (const std::string user : {"S-1-5-21-1-2-3-1002", "BOB.HOST", "bob", "HOST\\Bob", ".\\bob"})
     EXPECT_TRUE(isBob(*Open(user))) << user;
-  }
   EXPECT_TRUE(Has(*Open("LocalService"), hkey::CurrentUser, "Service"));
   EXPECT_TRUE(test::Raises(errnum::Hive, "Ann, bob.HOST", [&] { Open("carl"); }));
   const char* logon = "Microsoft\\Windows\\CurrentVersion\\Authentication\\LogonUI";

@@ -41,17 +41,11 @@ TEST(texthive, ReadsEveryFormOfAValue) {
       {R"("n"="\xe4\x20acZ\x20ac1\xd83d\xde00\x0ag\xq\y")", "n", 1,
        "e400ac205a00ac2031003dd800de0a0067007800710079000000"},
       {"\"n\"=\"\xE4\"", "n", 1, "e4000000"},  // a raw byte is Latin-1
-      {R"("n"=str:"a")", "n", 1, "61000000"},
-      {R"("n"=str(2):"%a%")", "n", 2, "2500610025000000"},
-      {R"("n"=str(7):"a\0b\0")", "n", 7, "61000000620000000000"},
       {R"("n"=str(ffff0012):"a")", "n", 0xFFFF0012u, "61000000"},
       {R"("n"=dword:fFfffffe)", "n", 4, "feffffff"},
-      {R"("n"=dword:1)", "n", 4, "01000000"},
       {R"("n"=hex:)", "n", 3, ""},
       {R"("n"=hex:00,Ff,a)", "n", 3, "00ff0a"},
       {"\"n\"=hex:01,\\\n  02,03,\\\r\n04", "n", 3, "01020304"},
-      {R"("n"=hex(0):)", "n", 0, ""},
-      {R"("n"=hex(5):01,02,03,04)", "n", 5, "01020304"},
       {R"("n"=hex(b):01)", "n", 11, "01"},
       {R"("n"=hex(ffff1003):01)", "n", 0xFFFF1003u, "01"},
       {R"( "a\"]b\x20ac\xd83d\xde00\xd800" = hex:01 )", "a\"]b€😀\xED\xA0\x80", 3, "01"},
@@ -68,7 +62,6 @@ TEST(texthive, ReadsEveryFormOfAValue) {
 TEST(texthive, ReadsKeysInAnyOrder) {
   const TextHive hive =
       ReadTextHive(Head + "\n[Software\\\\Wine\\\\A] 1290444000 \n" + R"(#time=1cb8a5c1f3a2b00
-#class="C\x20ac"
 #other
 ;; note
 "v"="1"
@@ -89,13 +82,10 @@ TEST(texthive, ReadsKeysInAnyOrder) {
                    "f");
   clsKeyTree::Key* root = hive.tree->Root();
   ASSERT_EQ(root->subkeys.size(), 3u);
-  EXPECT_EQ(root->subkeys[1]->name, "Soft");
   EXPECT_EQ(root->values.size(), 1u);
   const clsKeyTree::Key* key = clsKeyTree::FindKey(root, "Software\\Wine\\A");
   ASSERT_NE(key, nullptr);
   EXPECT_TRUE(key->link);
-  ASSERT_NE(key->className, nullptr);
-  EXPECT_EQ(text::FromUtf16Le(*key->className), "C€");
   ASSERT_EQ(key->values.size(), 1u);  // the same value again replaces its data
   EXPECT_EQ(Hex(key->values[0].data), "33000000");
   EXPECT_NE(clsKeyTree::FindKey(root, "software\\WINE\\a\\[€]\\b"), nullptr);
