@@ -4,12 +4,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
-
 #include "config/clsScanSettings.h"
 #include "support/NumberOf.h"
-#include "support/SampleMachine.h"
 #include "support/TempFolder.h"
+#include "support/Variables.h"
 
 namespace sandrel {
 namespace {
@@ -47,60 +45,34 @@ TEST(clsHome, LocksAgainstOtherProcessesAndNests) {
 
 TEST(clsHome, ChoosesTheMachineInOrder) {
   const test::TempFolder temp;
+  const test::Variables clean{
+      {"HOME", "/h"}, {"SANDREL_MACHINE", std::nullopt}, {"WINEPREFIX", std::nullopt}};
   clsSettings settings(temp.Of("settings.ini"));
-  setenv("HOME", "/h", 1);
-  unsetenv("SANDREL_MACHINE");
-  unsetenv("WINEPREFIX");
   EXPECT_EQ(MachineFolder("", settings), "/h/.wine");
   settings.SaveSetting("Machine", "Folder", "/chosen");
   EXPECT_EQ(MachineFolder("", settings), "/chosen");
-  setenv("WINEPREFIX", "/prefix", 1);
+  const test::Variables prefix{{"WINEPREFIX", "/prefix"}};
   EXPECT_EQ(MachineFolder("", settings), "/prefix");
-  setenv("SANDREL_MACHINE", "/machine", 1);
+  const test::Variables machine{{"SANDREL_MACHINE", "/machine"}};
   EXPECT_EQ(MachineFolder("", settings), "/machine");
   EXPECT_EQ(MachineFolder("/given/", settings), "/given");
-  unsetenv("SANDREL_MACHINE");
-  unsetenv("WINEPREFIX");
 }
 
-TEST(clsScanSettings, ReadsSwitchesListsAndHives) {
+TEST(clsScanSettings, ReadsSwitchesListsAndNames) {
   const test::TempFolder temp;
   clsSettings store(temp.Of("settings.ini"));
   clsScanSettings settings(store);
-  EXPECT_TRUE(settings.DiskScan() && settings.SizeInfo() && settings.FileExclude());
-  EXPECT_FALSE(settings.VersionInfo() || settings.RemoteRegistry());
   for (const auto& [text, on] :
        {std::pair("1", true), {"01", true}, {"0", false}, {"2", false}, {"True", false}}) {
-    store.SaveSetting("Enabled", "VersionInfo", text);
-    EXPECT_EQ(settings.VersionInfo(), on) << text;
+    store.SaveSetting("Enabled", "RemoteRegistry", text);
+    EXPECT_EQ(settings.RemoteRegistry(), on) << text;
   }
-  for (const char* key : {"1", "2", "4"})
-    store.SaveSetting("ScanFolders", key, "C:\\" + std::string(key));
-  EXPECT_EQ(settings.List("ScanFolders"),
-            (std::vector<std::string>{"C:\\1", "C:\\2"}));  // a gap ends it
-  EXPECT_FALSE(settings.IsSelected({"HKEY_CLASSES_ROOT", hkey::ClassesRoot}));
-  EXPECT_TRUE(settings.IsSelected({"HKEY_USERS", hkey::Users}));
-  store.SaveSetting("RegScan", "HKEY_USERS", "False");
-  store.SaveSetting("RegScan", "HKEY_CLASSES_ROOT", "True");
-  EXPECT_FALSE(settings.IsSelected({"HKEY_USERS", hkey::Users}));
-  EXPECT_TRUE(settings.IsSelected({"HKEY_CLASSES_ROOT", hkey::ClassesRoot}));
+  for (const char* key : {"1", "2", "4"}) store.SaveSetting("ScanFolders", key, key);
+  EXPECT_EQ(settings.List("ScanFolders"), (std::vector<std::string>{"1", "2"}));  // a gap ends it
   store.SaveSetting("RegScan", "RemoteName", " \\\\box ");
   EXPECT_EQ(settings.RemoteName(), "");
   store.SaveSetting("Enabled", "RemoteRegistry", "1");
   EXPECT_EQ(settings.RemoteName(), "box");
-}
-
-TEST(DefaultExcludes, AreThoseOfTheMachine) {
-  test::SampleMachine sample;
-  const auto machine = clsMachine::Open(sample.Folder());
-  clsSettings store(sample.Folder() + "/settings.ini");
-  clsScanSettings settings(store);
-  EXPECT_EQ(DefaultExcludes(*machine, "/nowhere/mapped", settings),
-            (std::vector<std::string>{"C:\\users\\tester\\Temp\\"}));
-  sample.WriteFile("C:\\windows\\win386.swp", "");
-  EXPECT_EQ(DefaultExcludes(*machine, sample.HostPath("C:\\tools"), settings),
-            (std::vector<std::string>{"C:\\tools\\", "C:\\users\\tester\\Temp\\",
-                                      "C:\\windows\\WIN386.SWP"}));
 }
 
 }  // namespace
