@@ -111,10 +111,10 @@ class Session {
 
  private:
   void Start() {
-    m_desk.Settings.SaveSetting("Main Form", "Width", "15000");
-    m_desk.Settings.SaveSetting("Main Form", "Height", "9300");
+    m_desk.Settings.SaveSetting("Main Form", "SplitPos", "3750");
     m_form = m_desk.MakeWindow();
     m_form->Form_Load();
+    m_form->resize(1000, 620);  // more than the screen here would allow a start
     m_form->move(0, 0);  // where menus have room on a small screen
     m_form->activateWindow();
     QTest::qWait(50);
@@ -310,10 +310,9 @@ class Session {
     QTest::qWait(20);
     m_camera.Take(*about, "about");
     about->close();
-    m_desk.Settings.SaveSetting("Help Form", "Width", "15000");
-    m_desk.Settings.SaveSetting("Help Form", "Height", "9300");
     m_form->Controls().Menus.Run("mnuHelpIndex");
     frmHelp& help = *m_form->Help();
+    help.resize(1000, 620);
     const auto take = [&](const QString& name) {
       QTest::qWait(50);
       m_camera.Take(help, name);
