@@ -115,7 +115,7 @@ class Session {
     m_form = m_desk.MakeWindow();
     m_form->Form_Load();
     m_form->resize(1000, 620);  // more than the screen here would allow a start
-    m_form->move(0, 0);  // where menus have room on a small screen
+    m_form->move(0, 0);         // where menus have room on a small screen
     m_form->activateWindow();
     QTest::qWait(50);
   }
