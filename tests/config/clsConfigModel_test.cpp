@@ -164,7 +164,6 @@ TEST_F(clsConfigModelTest, SavesEveryKey) {
   m_model.SelectHives(false);
   m_model.SetScanned("HKEY_CURRENT_USER", false);  // not on show
   m_model.Save();
-  EXPECT_EQ(m_settings.GetSetting("Enabled", "RemoteRegistry"), "1");
   EXPECT_EQ(m_settings.GetSetting("RegScan", "HKEY_LOCAL_MACHINE"), "False");
   EXPECT_EQ(m_settings.GetSetting("RegScan", "HKEY_CURRENT_USER"), "True");
   m_model.RemoteRegistry = false;

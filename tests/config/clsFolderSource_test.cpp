@@ -76,22 +76,5 @@ TEST(clsFolderSource, GivesTheMachinesFoldersByWindowsPaths) {
   EXPECT_EQ(source->PartsBelow("D:\\", "C:\\x"), std::nullopt);
 }
 
-TEST(clsFolderSource, GivesTheComputersOfTheNetwork) {
-  const test::TempFolder network;
-  const test::SampleMachine box;
-  for (const char* name : {"Beta", "alpha"}) {
-    std::filesystem::create_directory_symlink(box.Folder(), network.Of(name));
-  }
-  std::filesystem::create_directory(network.Of("empty"));
-  const test::Variables variables{{"SANDREL_NETWORK", network.Path()}};
-  const auto source = NetworkComputers();
-  EXPECT_THAT(RootTexts(*source), ElementsAre("Network Neighborhood|"));
-  EXPECT_THAT(source->Children(""), ElementsAre("alpha", "Beta"));
-  EXPECT_FALSE(source->HasChildren("Beta"));
-  EXPECT_FALSE(source->IsFolder("empty"));
-  const test::Variables none{{"SANDREL_NETWORK", std::nullopt}};
-  EXPECT_FALSE(NetworkComputers()->HasChildren(""));
-}
-
 }  // namespace
 }  // namespace sandrel

@@ -147,9 +147,11 @@ TEST_F(frmFolderTreeviewTest, ChoosesHostFoldersWhateverTheirBytes) {
 TEST_F(frmFolderTreeviewTest, ChoosesComputers) {
   const test::TempFolder network;
   std::filesystem::create_directory_symlink(m_sample.Folder(), network.Of("BOX"));
+  std::filesystem::create_directory(network.Of("empty"));
   const test::Variables variables{{"SANDREL_NETWORK", network.Path()}};
   Start(NetworkComputers());
   EXPECT_EQ(Current(), "Network Neighborhood");
+  EXPECT_EQ(Tree()->model()->rowCount(Root()), 1);
   EXPECT_FALSE(Find<QPushButton>("cmdOK")->isEnabled());
   Type("\\\\box");
   EXPECT_EQ(Current(), "Network Neighborhood|BOX");
