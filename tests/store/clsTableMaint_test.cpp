@@ -64,6 +64,9 @@ TEST_F(clsTableMaintTest, KeysAndRulesOfTheTables) {
   const auto ini = [](const char* path, const char* file, const char* section, const char* key) {
     return Fields{{"PathName", path}, {"FileName", file}, {"Section", section}, {"Parameter", key}};
   };
+  const auto entry = [](const char* key, int occurrence) {
+    return Fields{{"SectionId", 1}, {"Parameter", key}, {"Occurance", occurrence}};
+  };
   const struct {
     const char* Table;
     Fields Record;
@@ -76,18 +79,15 @@ TEST_F(clsTableMaintTest, KeysAndRulesOfTheTables) {
       {"tblPaths", {{"PathName", std::string(256, 'x')}}, errnum::FieldTooLong},
       {"tblFiles", {{"PathId", 1}, {"FileName", ""}, {"Size", std::int64_t{1} << 40}}, 0},
       {"tblFiles", {{"PathId", 1}, {"FileName", ""}}, errnum::DuplicateKey},
-      {"tblFiles", {{"FileName", "b"}}, errnum::FieldRequired},
       {"tblRegKey", {{"Hive", 1}, {"Branch", ""}}, 0},
       {"tblRegKey", {{"Hive", 1}, {"Branch", "S"}}, 0},
       {"tblRegKey", {{"Hive", 1}, {"Branch", "s"}}, errnum::DuplicateKey},
       {"tblIniSections", {{"FileId", 1}, {"Section", "Fonts"}}, 0},
       {"tblIniSections", {{"FileId", 1}, {"Section", "FONTS"}}, errnum::DuplicateKey},
       {"tblIniSections", {{"FileId", 1}, {"Section", ""}}, errnum::ZeroLength},
-      {"tblIniValues", {{"SectionId", 1}, {"Parameter", "p"}, {"Occurance", 0}}, 0},
-      {"tblIniValues", {{"SectionId", 1}, {"Parameter", "p"}, {"Occurance", 1}}, 0},
-      {"tblIniValues",
-       {{"SectionId", 1}, {"Parameter", "P"}, {"Occurance", 1}},
-       errnum::DuplicateKey},
+      {"tblIniValues", entry("p", 0), 0},
+      {"tblIniValues", entry("P", 0), errnum::DuplicateKey},
+      {"tblIniValues", entry("p", 1), 0},
       {"tblNewIniEnteries", ini("p", "", "s", "p"), 0},
       {"tblNewIniEnteries", ini("p", "", "s", "p"), 0},
       {"tblChangedIniEnteries", ini("p", "f", "s", "p"), 0},

@@ -23,12 +23,7 @@ inline std::string SampleProgram(std::uint32_t versionMS, std::uint32_t versionL
   put(headers + 4, wide ? 0x8664 : 0x14C, 2);
   put(headers + 6, 1, 2);  // sections
   put(headers + 20, optionalSize, 2);
-  put(headers + 22, 0x2102, 2);  // a library
   put(optional, wide ? 0x20B : 0x10B, 2);
-  put(optional + 32, 0x1000, 4);  // section alignment
-  put(optional + 36, 0x200, 4);   // file alignment
-  put(optional + 56, 0x2000, 4);  // image size
-  put(optional + 60, 0x400, 4);   // headers' size
   const std::size_t directories = optional + (wide ? 112 : 96);
   put(directories - 4, 16, 4);
   put(directories + 16, 0x1000, 4);  // resources: address, size

@@ -97,10 +97,7 @@ TEST_F(clsPrefixRegistry, PutsTheHivesBelowTheirRoots) {
             "1:75007300650072000000");
   // The user's own SID stands in the file.
   Write("user.reg", "User\\\\S-1-5-21-1-2-3-4", "[K] 1\n");
-  clsRegistry::Handle key;
-  const auto other = OpenPrefixRegistry(m_folder.Path());
-  EXPECT_EQ(other->CurrentUserSid(), "S-1-5-21-1-2-3-4");
-  EXPECT_EQ(other->RegOpenKeyEx(hkey::Users, "s-1-5-21-1-2-3-4\\k", key), regstatus::Success);
+  EXPECT_EQ(OpenPrefixRegistry(m_folder.Path())->CurrentUserSid(), "S-1-5-21-1-2-3-4");
 }
 
 TEST_F(clsPrefixRegistry, FollowsLinksOnce) {
