@@ -89,7 +89,6 @@ QLineEdit* frmWizard::AddEdit(const char* name) {
 QPushButton* frmWizard::AddButton(const char* name, const char* text) {
   auto* const button = new QPushButton(text, this);
   button->setObjectName(name);
-  button->setAutoDefault(false);
   return button;
 }
 
