@@ -191,6 +191,7 @@ void clsAnalysisBrowser::mnuFileClose_Click() {
   if (!m_shell.State.AnalysisPath.empty()) LeavePages();
   run([&] { Editing.CommitPendingDeletes(); });
   m_controls.HideLists();
+  Layout.EnableResets(false);
   m_shell.State.AnalysisPath.clear();
   Tree.ClearAll();
   run([&] { Files.UpdateRecentFileMenu(); });

@@ -59,7 +59,9 @@ void ForEachSharedSection(Each&& each) {
 }  // namespace
 
 clsColumnLayout::clsColumnLayout(clsShell& shell, clsSettings& settings, clsMainControls& controls)
-    : m_shell(shell), m_settings(settings), m_controls(controls) {}
+    : m_shell(shell), m_settings(settings), m_controls(controls) {
+  EnableResets(false);
+}
 
 int clsColumnLayout::EvenWidth(const ListView& list, std::size_t columns) {
   return std::max(0, list.Width - ScrollBarRoom) / std::max(1, static_cast<int>(columns));
@@ -138,7 +140,7 @@ void clsColumnLayout::GetColumns(clsStatements& run, ListView& list, const std::
 void clsColumnLayout::GetColumnPositions(clsStatements& run) {
   const std::string& tag = m_controls.PageTag();
   GetColumns(run, m_controls.ListOfTag(tag), tag);
-  EnableResets();
+  EnableResets(true);
 }
 
 void clsColumnLayout::GetSharedColumns(clsStatements& run) {
@@ -146,9 +148,9 @@ void clsColumnLayout::GetSharedColumns(clsStatements& run) {
   GetColumns(run, list, list.Tag);
 }
 
-void clsColumnLayout::EnableResets() {
-  m_controls.Menus["mnuSettingsColumnsResetWidths"].SetEnabled(true);
-  m_controls.Menus["mnuSettingsColumnsResetOrder"].SetEnabled(true);
+void clsColumnLayout::EnableResets(bool enabled) {
+  m_controls.Menus["mnuSettingsColumnsResetWidths"].SetEnabled(enabled);
+  m_controls.Menus["mnuSettingsColumnsResetOrder"].SetEnabled(enabled);
 }
 
 void clsColumnLayout::GetSortOrder() {

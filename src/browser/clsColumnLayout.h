@@ -25,8 +25,8 @@ class clsColumnLayout {
   /// Gives the columns of the page on show their stored order and widths. A stored number that no
   /// column can have is reported through `run`.
   void GetColumnPositions(clsStatements& run);
-  /// Lets the columns be reset.
-  void EnableResets();
+  /// Columns can be reset while a page is on show.
+  void EnableResets(bool enabled);
 
   /// Remembers a sort; only the view of a hive does.
   void SaveSortOrder(std::size_t sortKey);

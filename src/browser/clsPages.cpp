@@ -89,7 +89,7 @@ void clsPages::FillList() {
       return;
     }
   }
-  m_layout.EnableResets();
+  m_layout.EnableResets(true);
   for (ListView& other : m_controls.listView) {
     m_controls.ListOfTag(other.Tag).SetHideColumnHeaders(false);
   }
@@ -230,7 +230,7 @@ void clsPages::FillSharedPage(std::string_view hive, int source, const char* ico
   }
   list.EndUpdate();
   ShowOnly(page::SharedPage);
-  m_layout.EnableResets();
+  m_layout.EnableResets(true);
   m_shell.UpdateCommandState();
 }
 

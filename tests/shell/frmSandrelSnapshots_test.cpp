@@ -56,7 +56,7 @@ TEST_F(frmSandrelSnapshotsTest, BeforeShowsItsProgressAndLocksTheCommands) {
                    "Scanning Registry - HKEY_CURRENT_USER...",
                    "Scanning Registry - HKEY_LOCAL_MACHINE...", "Scanning Registry - HKEY_USERS...",
                    "Before Snapshot Complete"}));
-  EXPECT_EQ(m_watch.Progresses.back(), "");
+  EXPECT_EQ(Controls().stbrStatus.Progress(), "");
   EXPECT_EQ(percentages.count("100%"), 1);
   EXPECT_GE(percentages.size(), 5U);
   EXPECT_EQ(states, std::set<std::string>{"Stop busy"});

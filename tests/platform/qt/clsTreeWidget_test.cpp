@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <QAbstractItemModelTester>
-#include <QLineEdit>
 #include <QTest>
 
 #include "platform/qt/clsTreeModel.h"
@@ -24,8 +23,6 @@ class TreeWidgetTest : public testing::Test {
     tree.Click = [this] { events.push_back("Click " + tree.SelectedItem()->Key()); };
     tree.Collapse = [this](Node& node) { events.push_back("Collapse " + node.Key()); };
     tree.KeyUp = [this](int code) { events.push_back("KeyUp " + std::to_string(code)); };
-    tree.GotFocus = [this] { events.push_back("GotFocus"); };
-    tree.LostFocus = [this] { events.push_back("LostFocus"); };
     widget.setGeometry(0, 0, 240, 300);
     window.resize(300, 400);
     tree.SetExpanded(tree.Item("Root"), true);
@@ -122,16 +119,6 @@ TEST_F(TreeWidgetTest, TheWidestNodeFits) {
     const QModelIndex index = IndexOf(tree.Item("Wide"));
     EXPECT_GE(widget.visualRect(index).width(), widget.sizeHintForIndex(index).width());
   }
-}
-
-TEST_F(TreeWidgetTest, FocusComesAndGoesButNotForAMenu) {
-  QLineEdit other(&window);
-  other.show();
-  other.setFocus(Qt::PopupFocusReason);
-  EXPECT_THAT(events, IsEmpty());
-  widget.setFocus();
-  other.setFocus(Qt::TabFocusReason);
-  EXPECT_THAT(events, ElementsAre("GotFocus", "LostFocus"));
 }
 
 TEST_F(TreeWidgetTest, ARebuiltBranchKeepsItsNeighboursAndItsOwnExpansion) {

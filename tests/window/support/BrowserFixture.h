@@ -242,7 +242,7 @@ class BrowserFixture : public WindowFixture {
     for (int i = 0; i < page::Count; ++i) {
       EXPECT_TRUE(List(i).RowCount() == 0 && List(i).Columns().empty()) << i;
     }
-    EXPECT_FALSE(IsEnabled("mnuFileClose"));
+    EXPECT_FALSE(IsEnabled("mnuFileClose") || IsEnabled("mnuSettingsColumnsResetOrder"));
     EXPECT_FALSE(Find<QToolButton>("tlbarMain.Close")->isEnabled());
   }
 

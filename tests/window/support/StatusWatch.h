@@ -14,8 +14,8 @@ namespace sandrel::test {
 
 class StatusWatch {
  public:
-  /// What the two panels were told, in order.
-  std::vector<std::string> Statuses, Progresses;
+  /// What the status panel was told, in order.
+  std::vector<std::string> Statuses;
   /// Milliseconds to wait at every change: a scan of a small machine is over before it lets window
   /// messages through, which it does every 15.
   unsigned Pause = 0;
@@ -23,12 +23,12 @@ class StatusWatch {
   /// The bar must outlive what is done to it from now on, the watch the bar.
   void Follow(StatusBar& bar) {
     Statuses.clear();
-    Progresses.clear();
     bar.Changed = [this, &bar, show = std::move(bar.Changed)] {
       if (show) show();
       QThread::msleep(Pause);
-      Note(Progresses, bar.Progress());
-      if (Note(Statuses, bar.Status())) Act(bar.Status());
+      if (bar.Status() == (Statuses.empty() ? "" : Statuses.back())) return;
+      Statuses.push_back(bar.Status());
+      Act(bar.Status());
     };
   }
 
@@ -40,12 +40,6 @@ class StatusWatch {
   }
 
  private:
-  static bool Note(std::vector<std::string>& texts, const std::string& text) {
-    if (text == (texts.empty() ? "" : texts.back())) return false;
-    texts.push_back(text);
-    return true;
-  }
-
   void Act(const std::string& status) {
     if (!m_action || !status.starts_with(m_status)) return;
     QThread::msleep(20);
