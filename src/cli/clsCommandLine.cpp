@@ -1,8 +1,10 @@
 #include "cli/clsCommandLine.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <filesystem>
 #include <memory>
 
@@ -15,6 +17,7 @@
 #include "common/clsError.h"
 #include "common/modOverwrite.h"
 #include "config/clsHome.h"
+#include "config/clsScanSettings.h"
 #include "config/clsSettings.h"
 #include "platform/machine/modMachineReport.h"
 #include "platform/process/clsHostCommands.h"
@@ -67,6 +70,7 @@ class clsCommands {
   template <class Body>
   auto OfAnalysis(Body&& body);
   std::shared_ptr<clsMachine> OpenMachine();
+  std::shared_ptr<clsMachine> OpenScannedMachine();
   void PrintSection(const std::string& section);
   int Print(const std::string& line) const;
 
@@ -86,8 +90,22 @@ int clsCommands::Print(const std::string& line) const {
   return m_shell.ExitStatus();
 }
 
+// The window tells of a computer that can't be reached and goes on without its registry; a script
+// would take that snapshot for a whole one.
+std::shared_ptr<clsMachine> clsCommands::OpenScannedMachine() {
+  auto machine = OpenMachine();
+  clsScanSettings settings(m_settings);
+  const std::string remote = settings.RegScan() ? settings.RemoteName() : "";
+  if (!remote.empty() && machine->Connect(remote) == nullptr) {
+    throw clsError(errnum::Machine, "The remote registry on " + remote +
+                                        " cannot be accessed: $SANDREL_NETWORK names no folder "
+                                        "that holds a machine of that name.");
+  }
+  return machine;
+}
+
 int clsCommands::Before() {
-  clsSnapshots snapshots(m_shell, m_settings, m_home, OpenMachine());
+  clsSnapshots snapshots(m_shell, m_settings, m_home, OpenScannedMachine());
   m_shell.OnInterrupt = [&] { snapshots.ConfirmCancelScan(); };
   clsCliShell::CatchInterrupts();
   snapshots.mnuSnapShotBefore_Click();
@@ -95,7 +113,7 @@ int clsCommands::Before() {
 }
 
 int clsCommands::After() {
-  const auto machine = OpenMachine();
+  const auto machine = OpenScannedMachine();
   clsSnapshots snapshots(m_shell, m_settings, m_home, machine);
   if (snapshots.GetSnapshotLevel() == SnapshotLevel::None) {
     m_shell.Refuse(
@@ -216,11 +234,14 @@ int clsCommands::Copy() {
 
 // What would stop it is found out first: the command changes the machine, and can't be run twice.
 int clsCommands::Watch() {
-  const auto machine = OpenMachine();
+  const auto machine = OpenScannedMachine();
   const HostCommand command = clsHostCommands(machine.get()).Make(m_arguments.Command);
   const std::string& name = m_arguments.Command.front();
   if (command.Words.empty()) {
     throw clsError(errnum::FileNotFound, fmt::format("There is no program {} to run.", name));
+  }
+  if (access(command.Words[0].c_str(), X_OK) != 0) {
+    throw ErrnoError(errno, fmt::format("Can't start {}", name));
   }
   const clsHomeLock lock(m_home);
   clsSnapshots snapshots(m_shell, m_settings, m_home, machine);

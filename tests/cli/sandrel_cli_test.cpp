@@ -270,8 +270,10 @@ TEST_F(SandrelCli, WatchesACommand) {
   const std::string marker = m_temp.Of("marker");
   ExpectFailure(watch({"touch", marker}), 1, "Overwrite the existing file?");
   ExpectFailure(watch({"no-such-program"}, {"--yes"}), 2, "There is no program no-such-program");
+  ExpectFailure(watch({File()}, {"--yes"}), 2, "Can't start " + File());
   ExpectFailure({"watch", m_temp.Of("none/x.mdb"), "--", "touch", marker}, 2, "there is no folder");
   EXPECT_FALSE(clsFileWorks::FileExists(marker));
+  EXPECT_EQ(Run({"replace"}).Status, 0) << "both snapshots are still there";
   ExpectFailure(watch({"sh", "-c", "kill -INT $PPID"}, {"--yes"}), 1, "Stopped");
   EXPECT_EQ(Run(watch({"touch", marker}, {"--yes"})).Status, 0);
   EXPECT_EQ(Cell(File(), "SELECT count(*) FROM tblNewFiles"), "0");
