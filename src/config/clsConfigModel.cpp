@@ -107,30 +107,60 @@ std::string clsConfigModel::PathOf(std::string_view text) const {
 
 bool clsConfigModel::AddFolder(std::string_view folder) {
   std::string path = PathOf(folder);
-  if (path.empty() || !MayAdd(Folders, path, "scanning")) return false;
+  const auto walked = [this](const std::string& above, const std::string& below) {
+    return IsWalked(above, below);
+  };
+  if (path.empty() || !MayAdd(Folders, path, "scanning", walked)) return false;
   Folders.push_back(std::move(path));
   return true;
 }
 
 bool clsConfigModel::AddExcludeFolder(std::string_view folder) {
   const std::string path = PathOf(folder);
-  if (path.empty() || !MayAdd(Excludes, path, "excluding")) return false;
+  const auto all = [](const std::string&, const std::string&) { return true; };
+  if (path.empty() || !MayAdd(Excludes, path, "excluding", all)) return false;
   Excludes.push_back(Branch(path));
   return true;
 }
 
-bool clsConfigModel::MayAdd(const std::vector<std::string>& list, const std::string& folder,
-                            const char* doing) {
+bool clsConfigModel::MayAdd(
+    const std::vector<std::string>& list, const std::string& folder, const char* doing,
+    const std::function<bool(const std::string& above, const std::string& below)>& covers) {
   const std::string added = Branch(folder);
   for (const std::string& entry : list) {
     const std::string known = Branch(entry);
-    const char* const part = text::StartsWithNoCase(added, known)   ? "parent folder"
-                             : text::StartsWithNoCase(known, added) ? "subfolders"
-                                                                    : nullptr;
+    const char* part = nullptr;
+    if (text::StartsWithNoCase(added, known)) {
+      if (covers(known, added)) part = "parent folder";
+    } else if (text::StartsWithNoCase(known, added)) {
+      if (covers(added, known)) part = "subfolders";
+    }
     if (part == nullptr) continue;
     m_shell.Ask({fmt::format("You are already {} this folder or one of it's {}", doing, part),
                  ManagerTitle, Buttons::Ok, BoxIcon::Exclamation});
     return false;
+  }
+  return true;
+}
+
+// Whether a walk that begins in the folder `from` gets to the folder `to` below it. It enters no
+// hidden or system folders and no linked ones, so these can be scanned beside what they lie in.
+// Folders that can't be looked at count as walked.
+bool clsConfigModel::IsWalked(const std::string& from, const std::string& to) {
+  if (m_machine == nullptr) return true;
+  try {
+    std::size_t start = from.size();
+    for (std::size_t end; (end = to.find('\\', start)) != std::string::npos; start = end + 1) {
+      const std::string_view name = std::string_view(to).substr(start, end - start);
+      clsDirSearch search = m_machine->Dir(to.substr(0, start), fileattr::Directory);
+      bool entered = false;
+      for (std::string each; !entered && search.Next(each);) {
+        entered = search.IsFolder() && text::EqualNoCase(each, name);
+      }
+      if (!entered) return !m_machine->FolderExists(to.substr(0, end));
+    }
+  } catch (const clsError&) {
+    // Told by the scan.
   }
   return true;
 }

@@ -2,6 +2,7 @@
 // with their rules. Nothing is stored before `Save`, but for the lists' defaults.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -47,6 +48,8 @@ class clsConfigModel {
 
   /// Add an entry at the list's end. False when nothing was added: the text is empty, or it is
   /// refused, which the user was told.
+  ///
+  /// A folder to scan is refused where a listed one's scan gets to it, or its own to a listed one.
   bool AddFolder(std::string_view folder);
   /// A folder with all below it.
   bool AddExcludeFolder(std::string_view folder);
@@ -57,7 +60,10 @@ class clsConfigModel {
 
  private:
   std::string PathOf(std::string_view text) const;
-  bool MayAdd(const std::vector<std::string>& list, const std::string& folder, const char* doing);
+  bool MayAdd(
+      const std::vector<std::string>& list, const std::string& folder, const char* doing,
+      const std::function<bool(const std::string& above, const std::string& below)>& covers);
+  bool IsWalked(const std::string& from, const std::string& to);
   bool IsThere(const std::string& entry);
   void SaveList(const char* section, const std::vector<std::string>& entries);
 

@@ -59,9 +59,12 @@ class clsScanDrive {
   void ReportProgress();
 
   /// Deletes the rows of excluded folders and files from both snapshots: `FileTable` holds the
-  /// After files, `FirstFileTable` the Before files. Raises 5 for a pattern whose base begins with
-  /// "*".
+  /// After files, `FirstFileTable` the Before files. Raises 5 for a pattern whose base or extension
+  /// begins with "*".
   void DeleteExcludes();
+
+  /// Raises 5, naming the exclusion, where `DeleteExcludes` would over the folders that there are.
+  static void CheckExcludes(clsSettings& settings, const clsMachine& machine);
 
   /// The program's own match of a file's name against a pattern with "?" and "*"; raises 5 for a
   /// base or an extension of the pattern that begins with "*".

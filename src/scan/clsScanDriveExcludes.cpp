@@ -6,6 +6,7 @@
 #include "common/clsPathText.h"
 #include "common/text.h"
 #include "config/clsScanSettings.h"
+#include "config/clsSettings.h"
 #include "scan/clsScanDrive.h"
 
 namespace sandrel {
@@ -62,6 +63,13 @@ bool Matches(std::u16string name, const std::u16string& pattern) {
   return name == pattern;
 }
 
+// All files of the folder.
+constexpr std::string_view AllFiles = "*.*";
+
+bool IsPattern(std::string_view name) {
+  return name.find_first_of("?*") != std::string::npos;
+}
+
 }  // namespace
 
 bool clsScanDrive::MatchFileName(std::string_view name, std::string_view pattern) {
@@ -72,6 +80,22 @@ bool clsScanDrive::MatchFileName(std::string_view name, std::string_view pattern
   // A pattern without an extension matches names with any.
   return Matches(names.Base, patterns.Base) &&
          (patterns.Extension.empty() || Matches(names.Extension, patterns.Extension));
+}
+
+void clsScanDrive::CheckExcludes(clsSettings& stored, const clsMachine& machine) {
+  clsScanSettings settings(stored);
+  if (!settings.FileExclude()) return;
+  for (const std::string& entry : settings.List("ExcludeFiles")) {
+    const std::string last = clsPathText::TextAfterLast(entry, "\\");
+    if (last == AllFiles || !IsPattern(last)) continue;
+    if (!machine.FolderExists(clsPathText::TextBeforeLast(entry, "\\"))) continue;
+    try {
+      MatchFileName("", last);
+    } catch (const clsError& error) {
+      throw clsError(error.Number(), entry + "\n\n" + error.Description(),
+                     "clsScanDrive.CheckExcludes");
+    }
+  }
 }
 
 void clsScanDrive::DeleteExcludes() {
@@ -124,9 +148,9 @@ void clsScanDrive::ExcludeFiles(const std::string& entry) {
   for (const std::int64_t pathId : FindFolders(clsPathText::TextBeforeLast(entry, "\\") + "\\")) {
     for (dao::Recordset* files : {m_files.get(), m_firstFiles.get()}) {
       if (files == nullptr || (files->Bof() && files->Eof())) continue;
-      if (last == "*.*") {
+      if (last == AllFiles) {
         DeleteFilesOf(*files, pathId);
-      } else if (last.find_first_of("?*") != std::string::npos) {
+      } else if (IsPattern(last)) {
         DeleteMatches(*files, pathId, last);
       } else {
         DeleteFile(*files, pathId, last);

@@ -65,9 +65,10 @@ bool clsSnapshots::NeedMachine(clsStatements& run) {
 }
 
 // Before anything is deleted: a hive that can't be read, or a time that can't be stored, must not
-// cost the snapshot that exists.
+// cost the snapshot that exists; nor an exclusion the whole scan whose analysis it would end.
 void clsSnapshots::CheckNeeds() {
   m_settings.NeedWritable();
+  clsScanDrive::CheckExcludes(m_settings, *m_machine);
   m_machine->CloseRegistry();
   clsScanSettings settings(m_settings);
   if (settings.ScansLocalRegistry()) m_machine->Registry();

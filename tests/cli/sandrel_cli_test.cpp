@@ -165,6 +165,10 @@ TEST_F(SandrelCli, TellsWhatIsWrongInOneLine) {
   ExpectFailure({}, 2, "--help");
   ExpectFailure({"export", File(), "x.reg", "ShowNewFiles"}, 2, "holds no registry values");
   ExpectFailure({"copy", m_temp.Of("junk.mdb"), m_temp.Of("to")}, 2, "corrupt Sandrel Database");
+  Run({"settings", "RegScan", "RemoteName", "far"});
+  Run({"settings", "Enabled", "RemoteRegistry", "1"});
+  ExpectFailure({"before"}, 2, "The remote registry on far cannot be accessed");
+  Run({"settings", "Enabled", "RemoteRegistry", "0"});
   std::filesystem::remove(m_machine + "/system.reg");
   ExpectFailure({"before"}, 2, "system.reg");
   m_machine = m_temp.Of("nowhere");

@@ -100,6 +100,18 @@ TEST_F(clsConfigModelTest, ParentsAndSubfoldersAreRefused) {
   }
 }
 
+TEST_F(clsConfigModelTest, FoldersThatAScanDoesNotEnterAreScannedBesideIt) {
+  m_sample.MakeFolder("C:\\.hidden\\in");
+  for (const auto& [known, added] : {std::pair("C:", "C:\\.Hidden\\in"), {"C:\\.hidden", "C:"}}) {
+    m_model.Folders = {known};
+    EXPECT_TRUE(m_model.AddFolder(added)) << added;
+  }
+  m_model.Folders = {"C:\\.hidden"};
+  EXPECT_FALSE(m_model.AddFolder("C:\\.hidden\\in"));
+  m_model.Excludes = {"C:\\"};
+  EXPECT_FALSE(m_model.AddExcludeFolder("C:\\.hidden"));
+}
+
 TEST_F(clsConfigModelTest, AnExclusionThatIsNotThereIsAskedAbout) {
   const auto question = [](const std::string& entry) {
     return "ask: " + entry + "\n\nIs not a valid file specification or folder...\n\n Add anyway?";

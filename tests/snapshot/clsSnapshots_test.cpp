@@ -137,6 +137,11 @@ TEST_F(clsSnapshotsTest, WhatIsMissingIsToldBeforeAnythingIsChanged) {
   Before();
   EXPECT_EQ(m_shell.Last(), "unload");
   EXPECT_EQ(Count("readme.txt"), "1");
+  std::filesystem::remove(m_settings.Path() + ".lock");
+  m_settings.SaveSetting("ExcludeFiles", "1", "C:\\windows\\*.ini");
+  Before();
+  EXPECT_TRUE(m_shell.Has("C:\\windows\\*.ini\n\nInvalid procedure call or argument"));
+  EXPECT_EQ(Count("readme.txt"), "1");
   clsSnapshots none(m_shell, m_settings, m_home, nullptr);
   none.mnuSnapShotBefore_Click();
   EXPECT_TRUE(m_shell.Has("There is no machine to look at."));
