@@ -76,7 +76,6 @@ void clsAnalysisBrowser::Command(const char* method, const std::function<void()>
 
 void clsAnalysisBrowser::SetEvents() {
   TreeView& tree = m_controls.treeView;
-  const auto focus = [this](Pane pane) { m_controls.CurrentPane = pane; };
   tree.Click = [this] { Command("frmSandrel.treeView_Click", [this] { Tree.treeView_Click(); }); };
   tree.NodeClick = [this](Node& node) {
     Command("frmSandrel.treeView_NodeClick", [&] { Tree.treeView_NodeClick(node); });
@@ -87,8 +86,6 @@ void clsAnalysisBrowser::SetEvents() {
   tree.KeyUp = [this](int code) {
     Command("frmSandrel.treeView_KeyUp", [&] { Tree.treeView_KeyUp(code); });
   };
-  tree.GotFocus = [focus] { focus(Pane::Tree); };
-  tree.LostFocus = [focus] { focus(Pane::None); };
   for (int index = 0; index < page::Count; ++index) {
     ListView& list = m_controls.List(index);
     list.ColumnClick = [this, index](std::size_t column) {
@@ -101,13 +98,7 @@ void clsAnalysisBrowser::SetEvents() {
     list.KeyUp = [this](int code) {
       Command("frmSandrel.listView_KeyUp", [&] { Tree.listView_KeyUp(code); });
     };
-    list.ItemClick = [this] { m_shell.UpdateCommandState(); };
-    const auto listFocus = [this](Pane pane) {
-      m_controls.CurrentPane = pane;
-      m_shell.UpdateCommandState();
-    };
-    list.GotFocus = [listFocus] { listFocus(Pane::List); };
-    list.LostFocus = [listFocus] { listFocus(Pane::None); };
+    list.ItemClick = list.GotFocus = list.LostFocus = [this] { m_shell.UpdateCommandState(); };
   }
 }
 

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -20,9 +19,6 @@
 #include "platform/dao/Workspace.h"
 
 namespace sandrel {
-
-/// Which pane has the focus.
-enum class Pane : std::uint8_t { None = 0, List = 1, Tree = 2 };
 
 class clsMainControls {
  public:
@@ -55,8 +51,7 @@ class clsMainControls {
   /// Hides all lists.
   void HideLists();
 
-  bool FormReady = false;  ///< menus may be refreshed, pages may show themselves
-  Pane CurrentPane = Pane::None;
+  bool FormReady = false;          ///< menus may be refreshed, pages may show themselves
   bool SuppressTreeClick = false;  ///< while nodes are collapsed by a command
 
   /// Holds the open analysis and the transaction of the deletes that can still be undone.

@@ -219,14 +219,12 @@ void clsTreeWidget::focusInEvent(QFocusEvent* event) {
   }
   SelectionChanged();
   viewport()->update();
-  if (m_tree.GotFocus) m_tree.GotFocus();
 }
 
 void clsTreeWidget::focusOutEvent(QFocusEvent* event) {
   QTreeView::focusOutEvent(event);
   m_keys.Forget();
   viewport()->update();
-  if (!qt::KeepsFocus(event->reason()) && m_tree.LostFocus) m_tree.LostFocus();
 }
 
 void clsTreeWidget::resizeEvent(QResizeEvent* event) {
