@@ -40,6 +40,14 @@ std::vector<std::string> EnvironmentWith(const std::vector<std::string>& variabl
   return all;
 }
 
+// Processes that outlived their objects. Each leaves an entry in the system's table until it is
+// asked for.
+std::vector<pid_t> theForgotten;
+
+void ReapForgotten() {
+  std::erase_if(theForgotten, [](pid_t pid) { return waitpid(pid, nullptr, WNOHANG) != 0; });
+}
+
 }  // namespace
 
 clsProcess::clsProcess(clsProcess&& other) noexcept
@@ -48,7 +56,12 @@ clsProcess::clsProcess(clsProcess&& other) noexcept
       m_exitStatus(other.m_exitStatus),
       m_ended(other.m_ended) {}
 
+clsProcess::~clsProcess() {
+  if (!IsNull() && !m_ended) theForgotten.push_back(m_pid);
+}
+
 clsProcess clsProcess::Start(const HostCommand& command) {
+  ReapForgotten();
   clsProcess process;
   if (command.Words.empty()) return process;
   std::vector<std::string> words = command.Words;

@@ -10,7 +10,8 @@
 
 namespace sandrel {
 
-/// Owns the handle, not the process, which goes on when the object ends.
+/// Owns the handle, not the process, which goes on when the object ends. What the system keeps of
+/// one that ends after its object is taken away when the next one is started.
 class clsProcess {
  public:
   /// Starts a command with this process' environment, folder, and standard streams. One that can't
@@ -18,6 +19,7 @@ class clsProcess {
   static clsProcess Start(const HostCommand& command);
 
   clsProcess() = default;
+  ~clsProcess();
   clsProcess(const clsProcess&) = delete;
   clsProcess& operator=(const clsProcess&) = delete;
   clsProcess(clsProcess&& other) noexcept;
