@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -130,8 +131,11 @@ clsSandrelFileCopy::Next clsSandrelFileCopy::CopyOne(clsTargetFolder& target,
   if (!parts.empty()) parts.pop_back();
   Next next = Try([&] {
     if (target.MakeFolder(parts)) return;
+    // As it was asked for: a name that no folder can have would be missing in `parts`.
+    std::string folder = clsPathText::TextBeforeLast(below, "\\");
+    std::replace(folder.begin(), folder.end(), '\\', '/');
     throw clsError(CannotCreateDirectory,
-                   "Cannot create directory " + clsPathText::TextBeforeLast(below, "\\"),
+                   "Cannot create directory " + clsFileWorks::Join(m_destination, folder),
                    "clsSandrelFileCopy.CopyFiles");
   });
   if (next != Next::Done) return next;

@@ -37,6 +37,13 @@ bool IsName(const std::string& part) {
          part.find('\0') == std::string::npos;
 }
 
+// That the system has no such file means the source alone. Of a target it says that nothing can be
+// made there.
+clsError TargetError(clsError error) {
+  if (error.Number() != errnum::FileNotFound) return error;
+  return {errnum::PathNotFound, error.Description()};
+}
+
 void CopyBytes(int from, int to, const std::string& source, const std::string& target) {
   std::vector<char> buffer(std::size_t{1} << 18);
   for (;;) {
@@ -60,9 +67,13 @@ void CopyBytes(int from, int to, const std::string& source, const std::string& t
 }  // namespace
 
 clsTargetFolder::clsTargetFolder(const std::string& path) : m_path(path), m_folder(-1) {
-  clsFileWorks::MakeFolders(path);
+  try {
+    clsFileWorks::MakeFolders(path);
+  } catch (const clsError& error) {
+    throw TargetError(error);
+  }
   m_folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (m_folder < 0) throw ErrnoError(errno, "Can't open the folder " + path);
+  if (m_folder < 0) throw TargetError(ErrnoError(errno, "Can't open the folder " + path));
 }
 
 clsTargetFolder::~clsTargetFolder() {
@@ -108,14 +119,14 @@ void clsTargetFolder::Copy(const std::string& source, const std::vector<std::str
   unlinkat(folder.Get(), temporary.c_str(), 0);
   clsFile to(openat(folder.Get(), temporary.c_str(),
                     O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-  if (to.Get() < 0) throw ErrnoError(errno, "Can't write " + target);
+  if (to.Get() < 0) throw TargetError(ErrnoError(errno, "Can't write " + target));
   try {
     CopyBytes(from.Get(), to.Get(), source, target);
     const std::array<timespec, 2> times = {status.st_atim, status.st_mtim};
     futimens(to.Get(), times.data());
     if (!to.Close()) throw ErrnoError(errno, "Can't write " + target);
     if (renameat(folder.Get(), temporary.c_str(), folder.Get(), name.c_str()) != 0) {
-      throw ErrnoError(errno, "Can't replace " + target);
+      throw TargetError(ErrnoError(errno, "Can't replace " + target));
     }
   } catch (...) {
     unlinkat(folder.Get(), temporary.c_str(), 0);

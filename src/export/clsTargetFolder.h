@@ -10,7 +10,7 @@ namespace sandrel {
 class clsTargetFolder {
  public:
   /// Opens the folder at the host path, made with those above it when it is missing. Raises the
-  /// number of the failure.
+  /// number of the failure, never 53.
   explicit clsTargetFolder(const std::string& path);
   ~clsTargetFolder();
   clsTargetFolder(const clsTargetFolder&) = delete;
@@ -22,7 +22,7 @@ class clsTargetFolder {
 
   /// Copies the file at the host path `source` into the folder `parts`, which exists, as `name`; a
   /// file there is replaced in one step. The copy has the modification time of `source`. Raises 53
-  /// when `source` has gone, else the number of the failure; no part of a file is left then.
+  /// only when `source` has gone, else the number of the failure; no part of a file is left then.
   void Copy(const std::string& source, const std::vector<std::string>& parts,
             const std::string& name);
 
