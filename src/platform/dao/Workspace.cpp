@@ -84,7 +84,12 @@ void Workspace::CreateDatabase(const std::string& path) {
 std::unique_ptr<Database> Workspace::OpenDatabase(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) {
-    throw clsError(errnum::DatabaseNotFound, fmt::format("Couldn't find file '{}'.", path));
+    const bool isLink = lstat(path.c_str(), &status) == 0;
+    throw clsError(errnum::DatabaseNotFound,
+                   fmt::format("Couldn't find file '{}'.{}", path,
+                               isLink ? " A link of that name leads to a file that isn't there: "
+                                        "bring that file back, or delete the link."
+                                      : ""));
   }
   if (S_ISDIR(status.st_mode)) {
     throw clsError(errnum::CannotOpen,
