@@ -27,10 +27,11 @@ namespace {
 
 constexpr int Failed = 2;
 
-constexpr const char* Help =
-    "sandrel - finds out what a software installation does to a Windows machine\n\n"
-    "Usage: sandrel [--machine DIR] [--home DIR] [FILE]\n\n"
-    "  FILE           The analysis to open (else the last one)\n"
+constexpr const char* Purpose =
+    "sandrel - finds out what a software installation does to a Windows machine\n\n";
+constexpr const char* Usage = "Usage: sandrel [--machine DIR] [--home DIR] [FILE]\n";
+constexpr const char* Words =
+    "\n  FILE           The analysis to open (else the last one)\n"
     "  --machine DIR  Folder of the machine to look at (else $SANDREL_MACHINE, $WINEPREFIX, the\n"
     "                 choice in the Settings menu, ~/.wine)\n"
     "  --home DIR     Folder of the snapshots (else $SANDREL_HOME)\n"
@@ -41,6 +42,7 @@ constexpr const char* Help =
 struct Arguments {
   sandrel::StartOptions Start;
   std::string Home;
+  std::string Complaint;  // about an option; empty for none
   bool Help = false, Version = false;
 };
 
@@ -51,8 +53,12 @@ Arguments Parse(const std::vector<std::string>& words) {
   for (std::size_t i = 0; i < words.size(); ++i) {
     const std::string_view word = words[i];
     const auto value = [&](std::string_view option, std::string& target) {
-      if (word == option && i + 1 < words.size()) {
-        target = words[++i];
+      if (word == option) {
+        if (i + 1 < words.size()) {
+          target = words[++i];
+        } else {
+          arguments.Complaint = words[i] + " needs a folder.";
+        }
         return true;
       }
       if (!word.starts_with(std::string(option) + "=")) return false;
@@ -64,13 +70,14 @@ Arguments Parse(const std::vector<std::string>& words) {
       arguments.Help = true;
     } else if (word == "--version") {
       arguments.Version = true;
+    } else if (word.starts_with('-')) {
+      arguments.Complaint = words[i] + " is no option.";
     } else {
       rest.emplace_back(word);
     }
   }
   std::string command(sandrel::text::Trim(fmt::to_string(fmt::join(rest, " "))));
-  if (rest.size() == 1 && !command.empty() && command != sandrel::WizardCommand &&
-      !command.starts_with('-')) {
+  if (rest.size() == 1 && !command.empty() && command != sandrel::WizardCommand) {
     arguments.Start.File = sandrel::clsFileWorks::Absolute(rest.front());
   } else {
     arguments.Start.Command = std::move(command);
@@ -81,7 +88,11 @@ Arguments Parse(const std::vector<std::string>& words) {
 int Run(int argc, char** argv) {
   Arguments arguments = Parse({argv + 1, argv + argc});
   if (arguments.Help || arguments.Version) {
-    fmt::print("{}", arguments.Help ? Help : "sandrel " SANDREL_VERSION "\n");
+    if (arguments.Version) {
+      fmt::print("sandrel " SANDREL_VERSION "\n");
+    } else {
+      fmt::print("{}{}{}", Purpose, Usage, Words);
+    }
     return 0;
   }
   if (const std::string problem = sandrel::DisplayProblem(); !problem.empty()) {
@@ -90,6 +101,10 @@ int Run(int argc, char** argv) {
   }
   QApplication application(argc, argv);
   arguments = Parse({argv + 1, argv + argc});  // without the words that the application took
+  if (!arguments.Complaint.empty()) {
+    fmt::print(stderr, "sandrel: {}\n{}", arguments.Complaint, Usage);
+    return Failed;
+  }
   // Dates follow the user's format; numbers stay as files hold them.
   std::setlocale(LC_NUMERIC, "C");
   QApplication::setApplicationName("sandrel");

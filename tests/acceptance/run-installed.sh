@@ -31,6 +31,7 @@ python3 "$repository/scripts/sample-installation" "$work/machine" >>"$work/machi
 QT_QPA_PLATFORM=offscreen "$cli" print "$work/analysis.mdb" "$work/page.pdf" ShowNewFiles
 [ "$(head -c 5 "$work/page.pdf")" = %PDF- ] || { echo "nothing was printed"; exit 1; }
 must_fail 2 "$work/usr/libexec/sandrel/AsyncStartup"
+QT_QPA_PLATFORM=offscreen must_fail 2 "$work/usr/bin/sandrel" --frob
 if [ "$(cd "$work/usr" && find . | sort)" != "$installed" ]; then
   echo "a program wrote into its own folders"
   exit 1
