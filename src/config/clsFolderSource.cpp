@@ -1,5 +1,7 @@
 #include "config/clsFolderSource.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -140,6 +142,24 @@ class clsNetworkComputers final : public clsFolderSource {
   std::string m_network;
 };
 
+// A path without its parts "." and "..", which lead no higher than the drive.
+std::string WithoutSteps(const std::string& path) {
+  const std::size_t root = path.find_first_not_of('\\', path.find(":\\") == 1 ? 2 : 0);
+  if (root == std::string::npos) return path;
+  std::vector<std::string_view> parts;
+  for (std::string_view rest = std::string_view(path).substr(root); !rest.empty();) {
+    const std::string_view part = rest.substr(0, rest.find('\\'));
+    if (part != "." && part != "..") {
+      parts.push_back(part);
+    } else if (part == ".." && !parts.empty()) {
+      parts.pop_back();
+    }
+    rest.remove_prefix(std::min(part.size() + 1, rest.size()));
+  }
+  const char* const end = path.ends_with('\\') && !parts.empty() ? "\\" : "";
+  return fmt::format("{}{}{}", path.substr(0, root), fmt::join(parts, "\\"), end);
+}
+
 }  // namespace
 
 std::vector<std::string> clsFolderSource::Children(const std::string& path) {
@@ -194,7 +214,7 @@ bool clsFolderSource::SameName(std::string_view a, std::string_view b) const {
 std::string MachinePath(const clsMachine& machine, std::string_view text) {
   std::string path = clsPathText::NormaliseFolder(text);
   const bool noDrive = path.starts_with('\\') && !path.starts_with("\\\\");
-  return noDrive ? machine.CurrentDrive() + path : path;
+  return WithoutSteps(noDrive ? machine.CurrentDrive() + path : path);
 }
 
 std::unique_ptr<clsFolderSource> HostFolders() {

@@ -58,8 +58,8 @@ class clsFolderSource {
 /// is the home, and what doesn't begin with "/" lies below it.
 std::unique_ptr<clsFolderSource> HostFolders();
 
-/// The Windows path that a typed text means on `machine`: with backslashes, and with the current
-/// drive where it begins at a drive's root. Nothing says that it is there.
+/// The Windows path that a typed text means on `machine`: with backslashes, without "." and "..",
+/// and with the current drive where it begins at a drive's root. Nothing says that it is there.
 std::string MachinePath(const clsMachine& machine, std::string_view text);
 
 /// The machine's folders that a search of it gives, hidden ones too, by Windows paths: "C:\" and

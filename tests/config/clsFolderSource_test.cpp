@@ -72,7 +72,9 @@ TEST(clsFolderSource, GivesTheMachinesFoldersByWindowsPaths) {
                         {"c:", "C:\\"},
                         {" c:\\ ", "C:\\"},
                         {"C:/Program Files//", "C:\\Program Files"},
-                        {"\\windows", "C:\\windows"}});
+                        {"\\windows", "C:\\windows"},
+                        {"c:\\a\\..\\.\\b..\\c\\..", "c:\\b.."},
+                        {"\\x\\..\\..\\", "C:\\"}});
   EXPECT_EQ(source->PartsBelow("D:\\", "C:\\x"), std::nullopt);
 }
 
