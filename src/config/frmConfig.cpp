@@ -13,17 +13,10 @@
 
 #include "config/frmFolderTreeview.h"
 #include "platform/qt/modBoxes.h"
+#include "platform/qt/modText.h"
 #include "snapshot/clsStatements.h"
 
 namespace sandrel {
-namespace {
-
-QString FromText(const std::string& text) {
-  return QString::fromStdString(text);
-}
-
-}  // namespace
-
 frmConfig::frmConfig(clsShell& shell, clsConfigModel& model, std::shared_ptr<clsMachine> machine,
                      std::string missing, QWidget* parent)
     : QDialog(parent),
@@ -81,7 +74,7 @@ void frmConfig::Connect() {
           [this](const QString& name) { m_model.RemoteName = name.toStdString(); });
   click(cmdAddRemote, [this] {
     const std::string name = Pick(NetworkComputers(), "Please select a remote computer", {});
-    if (!name.empty()) txtRemote->setText(FromText(name));
+    if (!name.empty()) txtRemote->setText(qt::FromText(name));
   });
 
   toggle(chkFileExclude, &frmConfig::chkFileExclude_Click);
@@ -144,7 +137,7 @@ void frmConfig::ShowModel() {
         std::pair(chkFileExclude, m_model.FileExclude)}) {
     box->setChecked(on);
   }
-  txtRemote->setText(FromText(m_model.RemoteName));
+  txtRemote->setText(qt::FromText(m_model.RemoteName));
   ShowList(lstDrives, m_model.Folders);
   ShowList(lstFileExclude, m_model.Excludes);
   chkEnableDiskScan_Click();
@@ -154,7 +147,7 @@ void frmConfig::ShowModel() {
 
 // A path is one word; zero-width spaces let it break behind each folder.
 void frmConfig::ShowMachine() {
-  QString text = FromText(m_machine != nullptr ? "Machine: " + m_machine->Folder() : m_missing);
+  QString text = qt::FromText(m_machine != nullptr ? "Machine: " + m_machine->Folder() : m_missing);
   lblMachine->setText(text.replace('/', QString('/') + QChar(0x200B)));
 }
 
@@ -162,7 +155,7 @@ void frmConfig::ShowList(QListWidget* list, const std::vector<std::string>& entr
   if (static_cast<std::size_t>(list->count()) == entries.size()) return;
   const QSignalBlocker quiet(list);
   list->clear();
-  for (const std::string& entry : entries) list->addItem(FromText(entry));
+  for (const std::string& entry : entries) list->addItem(qt::FromText(entry));
   list->scrollToBottom();
 }
 
@@ -170,7 +163,7 @@ void frmConfig::ShowHives() {
   const QSignalBlocker quiet(lstRegHives);
   lstRegHives->clear();
   for (const ScanHive& hive : m_model.ShownHives()) {
-    auto* const item = new QListWidgetItem(FromText(hive.Name), lstRegHives);
+    auto* const item = new QListWidgetItem(qt::FromText(hive.Name), lstRegHives);
     item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
     item->setCheckState(m_model.IsScanned(hive.Name) ? Qt::Checked : Qt::Unchecked);
   }

@@ -197,21 +197,21 @@ std::vector<HelpHit> clsHelpBook::Search(std::string_view words) const {
   const std::vector<std::string> wanted = Words(words);
   std::vector<HelpHit> inTitles, inTexts;
   if (wanted.empty()) return {};
-  const auto holds = [&](const std::string& folded) {
+  const auto hold = [&](const std::string& title, const std::string& body) {
     return std::all_of(wanted.begin(), wanted.end(), [&](const std::string& word) {
-      return folded.find(word) != std::string::npos;
+      return title.find(word) != std::string::npos || body.find(word) != std::string::npos;
     });
   };
   for (std::size_t chapter = 0; chapter < m_chapters.size(); ++chapter) {
     const std::vector<HelpSection>& sections = m_chapters[chapter].Sections;
     for (std::size_t i = 0; i < sections.size(); ++i) {
       const std::string title = text::Fold(sections[i].Title), body = text::Fold(sections[i].Text);
-      if (!holds(title + " " + body)) continue;
+      if (!hold(title, body)) continue;
       // Folding may change a text's length: the place is then not exact, but near.
       const std::size_t place = body.find(wanted.front());
       HelpHit hit{{chapter, i},
                   ExcerptAt(sections[i].Text, place == std::string::npos ? 0 : place)};
-      (holds(title) ? inTitles : inTexts).push_back(std::move(hit));
+      (hold(title, {}) ? inTitles : inTexts).push_back(std::move(hit));
     }
   }
   inTitles.insert(inTitles.end(), std::make_move_iterator(inTexts.begin()),

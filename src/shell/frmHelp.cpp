@@ -6,7 +6,6 @@
 #include <QBoxLayout>
 #include <QCloseEvent>
 #include <QDesktopServices>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QShortcut>
 #include <QSplitter>
@@ -22,6 +21,8 @@
 #include "config/modKeep.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/clsMarkdownPage.h"
+#include "platform/qt/modInput.h"
+#include "platform/qt/modText.h"
 
 namespace sandrel {
 namespace {
@@ -30,11 +31,6 @@ constexpr const char* Section = "Help Form";
 constexpr const char* MachinePage = "machine";
 constexpr const char* TroublePage = "trouble";
 constexpr int Link = Qt::UserRole;  // of an item: where it leads
-constexpr int DefaultZoom = 100, ZoomStep = 10;
-
-QString FromText(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 // Every sign of Markdown's as itself.
 std::string Literal(std::string_view text) {
@@ -180,7 +176,7 @@ QTreeWidget* frmHelp::AddList(QWidget& tab, const char* name, QLineEdit* box) {
   column->setSpacing(4);
   if (box != nullptr) {
     box->setClearButtonEnabled(true);
-    box->installEventFilter(this);
+    qt::MoveThrough(*box, *list);
     column->addWidget(box);
     connect(box, &QLineEdit::returnPressed, list, [this, list] { ShowPlace(list->currentItem()); });
   }
@@ -203,10 +199,10 @@ void frmHelp::MakeKeys() {
     txtSearch->selectAll();
   });
   for (const auto keys : {Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal}) {
-    on(keys, [this] { page->SetZoom(page->Zoom() + ZoomStep); });
+    on(keys, [this] { page->SetZoom(page->Zoom() + clsMarkdownPage::ZoomStep); });
   }
-  on(Qt::CTRL | Qt::Key_Minus, [this] { page->SetZoom(page->Zoom() - ZoomStep); });
-  on(Qt::CTRL | Qt::Key_0, [this] { page->SetZoom(DefaultZoom); });
+  on(Qt::CTRL | Qt::Key_Minus, [this] { page->SetZoom(page->Zoom() - clsMarkdownPage::ZoomStep); });
+  on(Qt::CTRL | Qt::Key_0, [this] { page->SetZoom(clsMarkdownPage::DefaultZoom); });
 }
 
 bool frmHelp::WinHelpA(WindowHandle /*window*/, const std::string& file, int command,
@@ -227,7 +223,7 @@ bool frmHelp::WinHelpA(WindowHandle /*window*/, const std::string& file, int com
   if (box == nullptr) {
     treeContents->setFocus();
   } else {
-    box->setText(FromText(key));
+    box->setText(qt::FromText(key));
     box->setFocus();
     box->selectAll();
   }
@@ -257,7 +253,8 @@ bool frmHelp::Load(const std::string& file) {
   FillIndex();
   FillSearch();
   page->clearHistory();
-  page->Show(m_trouble.empty() ? FromText(m_book.Chapters().front().Name) : QString(TroublePage));
+  page->Show(m_trouble.empty() ? qt::FromText(m_book.Chapters().front().Name)
+                               : QString(TroublePage));
   return m_trouble.empty();
 }
 
@@ -273,8 +270,8 @@ void frmHelp::FillContents() {
       if (level > 3 || (i > 0 && level == 1)) continue;
       QTreeWidgetItem* parent = nullptr;
       for (int higher = level - 1; parent == nullptr; --higher) parent = above[higher];
-      auto* const item = new QTreeWidgetItem(parent, {FromText(sections[i].Title)});
-      item->setData(0, Link, FromText(m_book.LinkTo({chapter, i})));
+      auto* const item = new QTreeWidgetItem(parent, {qt::FromText(sections[i].Title)});
+      item->setData(0, Link, qt::FromText(m_book.LinkTo({chapter, i})));
       above[level] = item;
       std::fill(above + level + 1, above + 4, nullptr);
     }
@@ -291,12 +288,12 @@ void frmHelp::FillIndex() {
   for (const HelpTerm& term : m_book.Terms()) {
     const std::size_t found = text::Fold(term.Text).find(typed);
     if (found == std::string::npos) continue;
-    auto* const item = new QTreeWidgetItem(treeIndex, {FromText(term.Text)});
-    item->setData(0, Link, FromText(m_book.LinkTo(term.Places.front())));
+    auto* const item = new QTreeWidgetItem(treeIndex, {qt::FromText(term.Text)});
+    item->setData(0, Link, qt::FromText(m_book.LinkTo(term.Places.front())));
     for (const HelpPlace& place : term.Places) {
       if (term.Places.size() < 2) break;
-      auto* const below = new QTreeWidgetItem(item, {FromText(m_book.Section(place).Title)});
-      below->setData(0, Link, FromText(m_book.LinkTo(place)));
+      auto* const below = new QTreeWidgetItem(item, {qt::FromText(m_book.Section(place).Title)});
+      below->setData(0, Link, qt::FromText(m_book.LinkTo(place)));
     }
     item->setExpanded(true);
     if (found == 0 && current == nullptr) current = item;
@@ -309,13 +306,14 @@ void frmHelp::FillIndex() {
 void frmHelp::FillSearch() {
   treeSearch->clear();
   for (const HelpHit& hit : m_book.Search(txtSearch->text().toStdString())) {
-    auto* const item = new QTreeWidgetItem(treeSearch, {FromText(m_book.Section(hit.Place).Title)});
+    auto* const item =
+        new QTreeWidgetItem(treeSearch, {qt::FromText(m_book.Section(hit.Place).Title)});
     QFont bold = item->font(0);
     bold.setBold(true);
     item->setFont(0, bold);
-    item->setToolTip(0, FromText(m_book.Chapters()[hit.Place.Chapter].Title()));
-    item->setData(0, Link, FromText(m_book.LinkTo(hit.Place)));
-    auto* const below = new QTreeWidgetItem(item, {FromText(hit.Excerpt)});
+    item->setToolTip(0, qt::FromText(m_book.Chapters()[hit.Place.Chapter].Title()));
+    item->setData(0, Link, qt::FromText(m_book.LinkTo(hit.Place)));
+    auto* const below = new QTreeWidgetItem(item, {qt::FromText(hit.Excerpt)});
     below->setData(0, Link, item->data(0, Link));
     below->setToolTip(0, below->text(0));
     item->setExpanded(true);
@@ -328,12 +326,13 @@ void frmHelp::FillSearch() {
 }
 
 void frmHelp::ShowPlace(const QTreeWidgetItem* item) {
-  const QString link = item == nullptr ? QString() : item->data(0, Link).toString();
+  if (item == nullptr) return;
+  const QString link = item->data(0, Link).toString();
   if (link.isEmpty()) return;
   QStringList marked;
   if (item->treeWidget() == treeSearch) {
     for (const std::string& word : clsHelpBook::Words(txtSearch->text().toStdString())) {
-      marked += FromText(word);
+      marked += qt::FromText(word);
     }
   }
   page->Show(link, marked);
@@ -351,16 +350,17 @@ void frmHelp::FollowPage(const QString& link) {
 }
 
 MarkdownText frmHelp::TextOf(const QString& name) const {
-  if (name == MachinePage) return {FromText(MachineMarkdown(m_machine())), {}};
-  if (name == TroublePage) return {FromText(TroubleMarkdown(m_trouble)), {}};
+  if (name == MachinePage) return {qt::FromText(MachineMarkdown(m_machine())), {}};
+  if (name == TroublePage) return {qt::FromText(TroubleMarkdown(m_trouble)), {}};
   for (const HelpChapter& chapter : m_book.Chapters()) {
-    if (FromText(chapter.Name) != name) continue;
-    MarkdownText text{FromText(chapter.Markdown), {}};
-    for (const HelpSection& section : chapter.Sections) text.Anchors += FromText(section.Anchor);
+    if (qt::FromText(chapter.Name) != name) continue;
+    MarkdownText text{qt::FromText(chapter.Markdown), {}};
+    for (const HelpSection& section : chapter.Sections)
+      text.Anchors += qt::FromText(section.Anchor);
     return text;
   }
   return {"# There is no such page\n\nThe manual has no chapter " +
-              FromText(Literal(name.toStdString())) + ".",
+              qt::FromText(Literal(name.toStdString())) + ".",
           {}};
 }
 
@@ -377,20 +377,6 @@ void frmHelp::closeEvent(QCloseEvent* event) {
     placement::Save(*this, m_settings, Section);
     m_settings.SaveSetting(Section, "Zoom", fmt::to_string(page->Zoom()));
   });
-}
-
-// The arrows in a box move through its list.
-bool frmHelp::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::KeyPress) {
-    const int key = static_cast<QKeyEvent*>(event)->key();
-    if (key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_PageUp ||
-        key == Qt::Key_PageDown) {
-      QTreeWidget* const list = watched == txtIndex ? treeIndex : treeSearch;
-      QCoreApplication::sendEvent(list, event);
-      return true;
-    }
-  }
-  return QWidget::eventFilter(watched, event);
 }
 
 }  // namespace sandrel

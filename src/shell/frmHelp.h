@@ -1,7 +1,6 @@
 // The help viewer: contents, index and search of the manual beside the chapter on show.
 #pragma once
 
-#include <QIcon>
 #include <QWidget>
 #include <functional>
 #include <string>
@@ -40,7 +39,6 @@ class frmHelp final : public QWidget, public clsWinHelp {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
-  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void MakeToolbar();

@@ -27,6 +27,7 @@
 #include "platform/qt/modBoxes.h"
 #include "platform/qt/modMenus.h"
 #include "platform/qt/modPump.h"
+#include "platform/qt/modText.h"
 #include "platform/qt/modTwips.h"
 #include "shell/frmAbout.h"
 #include "shell/frmHelp.h"
@@ -39,10 +40,6 @@ namespace {
 constexpr int SplitWidth = 40;         // twips
 constexpr int SmallestPane = 1000;     // twips
 constexpr int BeforeTimeIndent = 100;  // twips
-
-QString FromText(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 // Tells when the room that the layout divides has changed.
 class clsClient final : public QWidget {
@@ -95,7 +92,7 @@ void frmSandrel::MakeControls() {
   treeView->setAccessibleName("Contents of the analysis");
   for (int index = 0; index < page::Count; ++index) {
     auto* const list = new clsListWidget(m_controls.List(index), m_client);
-    list->setObjectName(FromText(clsMainControls::Element("listView", index)));
+    list->setObjectName(qt::FromText(clsMainControls::Element("listView", index)));
     list->setAccessibleName("Rows of the page");
     list->hide();
     listView[static_cast<std::size_t>(index)] = list;
@@ -120,7 +117,7 @@ void frmSandrel::MakeControls() {
   new clsTrayIcon(m_controls.SysTray, this);
   m_controls.CaptionChanged = [this] {
     // Qt would read "[*]" in a file's name as a mark of its own.
-    setWindowTitle(FromText(m_controls.Caption()).replace("[*]", "[*][*]"));
+    setWindowTitle(qt::FromText(m_controls.Caption()).replace("[*]", "[*][*]"));
   };
 }
 
@@ -149,7 +146,7 @@ void frmSandrel::SetExportCommands() {
   m_export.Machine = [this] { return OpenMachine(); };
   m_export.ChooseDestination = [this](const std::string& caption) {
     frmFolderTreeview dialog(HostFolders(), BoxParent());
-    dialog.setWindowTitle(FromText(caption));
+    dialog.setWindowTitle(qt::FromText(caption));
     dialog.SetLabel("Select or &Enter the folder that the copies go to");
     dialog.exec();
     return dialog.Folder();
@@ -274,7 +271,7 @@ void frmSandrel::SetMousePointer(int shape) {
 }
 
 void frmSandrel::SetClipboard(std::string_view text) {
-  QGuiApplication::clipboard()->setText(FromText(text));
+  QGuiApplication::clipboard()->setText(qt::FromText(text));
 }
 
 void frmSandrel::DoEvents(bool often) {
@@ -282,7 +279,7 @@ void frmSandrel::DoEvents(bool often) {
 }
 
 void frmSandrel::ShowBeforeTime(std::string_view text) {
-  m_beforeTime = FromText(text);
+  m_beforeTime = qt::FromText(text);
   Form_Resize();
 }
 

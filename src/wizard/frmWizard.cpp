@@ -14,6 +14,7 @@
 
 #include "browser/clsMainControls.h"
 #include "platform/qt/Icons.h"
+#include "platform/qt/modText.h"
 #include "platform/qt/modTwips.h"
 #include "wizard/clsControlsWorks.h"
 
@@ -24,13 +25,9 @@ constexpr int FormHeight = 3300;     // twips, at least
 constexpr int BesidePicture = 6271;  // twips, at least
 constexpr int PictureSize = 48;      // pixels
 
-QString FromText(const std::string& text) {
-  return QString::fromStdString(text);
-}
-
 // Only a text that differs is set: the cursor stays where the user types.
 void Show(QLineEdit& edit, const std::string& text) {
-  if (edit.text() != FromText(text)) edit.setText(FromText(text));
+  if (edit.text() != qt::FromText(text)) edit.setText(qt::FromText(text));
 }
 
 QLabel* Wrapped(const QString& text, QWidget* parent) {
@@ -99,7 +96,7 @@ QVBoxLayout* frmWizard::MakePage(int index, const char* caption, const char* tex
   } else {
     page = new QGroupBox(caption, this);
   }
-  page->setObjectName(FromText(clsMainControls::Element("picPage", index)));
+  page->setObjectName(qt::FromText(clsMainControls::Element("picPage", index)));
   picPage[static_cast<std::size_t>(index)] = page;
   auto* const lines = new QVBoxLayout(page);
   lines->setSpacing(10);
@@ -110,14 +107,14 @@ QVBoxLayout* frmWizard::MakePage(int index, const char* caption, const char* tex
 QRadioButton* frmWizard::AddOption(int page, const char* name, int index, const char* text) {
   QWidget* const parent = picPage[static_cast<std::size_t>(page)];
   auto* const option = new QRadioButton(text, parent);
-  option->setObjectName(FromText(clsMainControls::Element(name, index)));
+  option->setObjectName(qt::FromText(clsMainControls::Element(name, index)));
   parent->layout()->addWidget(option);
   return option;
 }
 
 void frmWizard::MakePages() {
   QVBoxLayout* const first = MakePage(0, "", "");
-  lblmain = Wrapped(FromText(clsWizardFlow::MainText()).trimmed(), picPage[0]);
+  lblmain = Wrapped(qt::FromText(clsWizardFlow::MainText()).trimmed(), picPage[0]);
   lblmain->setObjectName("lblmain");
   first->addWidget(lblmain);
   first->addStretch();
@@ -301,8 +298,8 @@ void frmWizard::Refresh() {
   choose(optInstComplete, m_flow.optInstComplete);
   optBeforeSS[1]->setEnabled(m_flow.canReplace);
   optBeforeSS[2]->setEnabled(m_flow.canUseExisting);
-  lblBeforeSnapshotAge->setText(FromText(m_flow.lblBeforeSnapshotAge));
-  lblAfterSnapshotAge->setText(FromText(m_flow.lblAfterSnapshotAge));
+  lblBeforeSnapshotAge->setText(qt::FromText(m_flow.lblBeforeSnapshotAge));
+  lblAfterSnapshotAge->setText(qt::FromText(m_flow.lblAfterSnapshotAge));
   Show(*txtRun, m_flow.txtRun);
   Show(*txtWait, m_flow.txtWait);
   Show(*txtViewName, m_flow.txtViewName);

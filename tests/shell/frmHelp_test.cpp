@@ -44,6 +44,7 @@ TEST_F(frmHelpTest, BothCommandsOpenOneViewer) {
   EXPECT_TRUE(viewer->isVisible());
   EXPECT_EQ(Tab(), "&Contents");
   EXPECT_EQ(Source(), "text:/01-introduction.md");
+  EXPECT_EQ(Page().verticalScrollBar()->value(), 0);
   auto& contents = In<QTreeWidget>("treeContents");
   EXPECT_GT(contents.topLevelItemCount(), 10);
   EXPECT_EQ(contents.currentItem(), contents.topLevelItem(0));

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QResource>
+#include <algorithm>
 
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"

@@ -11,13 +11,14 @@
 #include <algorithm>
 
 #include "platform/qt/modMarkdown.h"
+#include "platform/qt/modText.h"
 
 namespace sandrel {
 namespace {
 
 constexpr const char* Scheme = "text";
 constexpr int Margin = 24;  // round the text, pixels
-constexpr int LeastZoom = 50, MostZoom = 300, ZoomStep = 10;
+constexpr int LeastZoom = 50, MostZoom = 300;
 constexpr double Larger = 1.1;  // a text for reading than those of controls
 
 QPalette PaperPalette() {
@@ -82,6 +83,7 @@ void clsMarkdownPage::Fill() {
   setLineWrapColumnOrWidth(m_width);
   qt::SetMarkdown(*document(), m_text.Text, m_text.Anchors, {TextFont(), palette()});
   document()->documentLayout()->documentSize();  // a place can be gone to only when it is laid out
+  moveCursor(QTextCursor::Start);  // the text came in before it, and the first show goes to it
   MarkWords();
 }
 

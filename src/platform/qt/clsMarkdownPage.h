@@ -16,6 +16,8 @@ struct MarkdownText {
 /// Shows texts by name, "01-start.md", as links within them name them.
 class clsMarkdownPage final : public QTextBrowser {
  public:
+  static constexpr int DefaultZoom = 100, ZoomStep = 10;  // percent
+
   explicit clsMarkdownPage(QWidget* parent);
 
   /// What is shown under a name; asked each time it is gone to. To be set before.
@@ -53,7 +55,7 @@ class clsMarkdownPage final : public QTextBrowser {
 
   MarkdownText m_text;  // on show
   QStringList m_marked;
-  int m_zoom = 100;
+  int m_zoom = DefaultZoom;
   int m_width = 0;  // of the text on show
   bool m_filling = false;
 };

@@ -5,12 +5,13 @@
 #include <QToolTip>
 
 #include "common/text.h"
+#include "platform/qt/modText.h"
 
 namespace sandrel::qt {
 
 QString ShownText(std::string_view text) {
   const std::string_view start = text::Left(text, MostShown);
-  QString shown = QString::fromUtf8(start.data(), static_cast<qsizetype>(start.size()));
+  QString shown = FromText(start);
   constexpr char16_t Pictures = 0x2400, Delete = 0x7F, LastControl = 0x9F, Ellipsis = 0x2026;
   for (QChar& character : shown) {
     const char16_t unit = character.unicode();

@@ -1,8 +1,35 @@
 #include "platform/qt/modInput.h"
 
+#include <QAbstractItemView>
+#include <QCoreApplication>
 #include <QKeyEvent>
+#include <QLineEdit>
 
 namespace sandrel::qt {
+
+namespace {
+
+class clsMover final : public QObject {
+ public:
+  clsMover(QLineEdit& box, QAbstractItemView& list) : QObject(&box), m_list(list) {
+    box.installEventFilter(this);
+  }
+
+ protected:
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (event->type() != QEvent::KeyPress) return false;
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    const bool moves = key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_PageUp ||
+                       key == Qt::Key_PageDown;
+    if (moves) QCoreApplication::sendEvent(&m_list, event);
+    return moves;
+  }
+
+ private:
+  QAbstractItemView& m_list;
+};
+
+}  // namespace
 
 int KeyCode(const QKeyEvent& event) {
   const int key = event.key();
@@ -41,6 +68,10 @@ int KeyCode(const QKeyEvent& event) {
 bool KeepsFocus(Qt::FocusReason reason) {
   return reason == Qt::PopupFocusReason || reason == Qt::MenuBarFocusReason ||
          reason == Qt::ActiveWindowFocusReason;
+}
+
+void MoveThrough(QLineEdit& box, QAbstractItemView& list) {
+  new clsMover(box, list);  // the box owns it
 }
 
 void clsKeysDown::Press(const QKeyEvent& event) {

@@ -3,7 +3,9 @@
 
 #include <QSet>
 
+class QAbstractItemView;
 class QKeyEvent;
+class QLineEdit;
 
 namespace sandrel::qt {
 
@@ -14,6 +16,9 @@ int KeyCode(const QKeyEvent& event);
 /// True when a control that Qt takes the focus from keeps it in the program's eyes: a menu borrows
 /// it, or the whole window is left. Getting it back may then be told twice.
 bool KeepsFocus(Qt::FocusReason reason);
+
+/// Lets the vertical arrows and the page keys in `box` move through `list`, which lives as long.
+void MoveThrough(QLineEdit& box, QAbstractItemView& list);
 
 /// Knows which keys went down in a control. A key that comes up counts only where it went down: the
 /// Enter that answers a box is not one of the list below it.

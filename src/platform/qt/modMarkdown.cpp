@@ -9,6 +9,7 @@
 #include <QTextList>
 #include <QTextTable>
 #include <QVector>
+#include <algorithm>
 
 namespace sandrel::qt {
 namespace {
@@ -36,6 +37,9 @@ class clsDresser {
   }
 
   void Dress(const QStringList& anchors) {
+    // One change: the views lay out the text once, not after each piece.
+    QTextCursor whole(&m_document);
+    whole.beginEditBlock();
     DressFrames(*m_document.rootFrame());
     qsizetype heading = 0;
     for (QTextBlock block = m_document.begin(); block.isValid(); block = block.next()) {
@@ -48,6 +52,7 @@ class clsDresser {
         DressText(block);
       }
     }
+    whole.endEditBlock();
   }
 
  private:
@@ -115,7 +120,8 @@ class clsDresser {
   void DressText(const QTextBlock& block) const {
     QTextCursor cursor(block);
     QTextBlockFormat room = block.blockFormat();
-    room.setLineHeight(125, QTextBlockFormat::ProportionalHeight);
+    // A part of the line's own height would leave a gap below a picture.
+    room.setLineHeight(m_em * 0.25, QTextBlockFormat::LineDistanceHeight);
     const bool inTable = cursor.currentTable() != nullptr;
     if (inTable) {
       room.setTopMargin(0);
@@ -173,11 +179,6 @@ class clsDresser {
 };
 
 }  // namespace
-
-int ReadableWidth(const QFont& font) {
-  constexpr int Characters = 92;
-  return QFontMetrics(font).averageCharWidth() * Characters;
-}
 
 void SetMarkdown(QTextDocument& document, const QString& markdown, const QStringList& anchors,
                  const MarkdownStyle& style) {

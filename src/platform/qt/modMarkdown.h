@@ -16,9 +16,6 @@ struct MarkdownStyle {
   QPalette Palette;
 };
 
-/// The text area's best width for reading, pixels.
-int ReadableWidth(const QFont& font);
-
 /// Fills `document` with a text. Its headings get the names `anchors`, in their order. Pictures
 /// are to come from the document's resources.
 void SetMarkdown(QTextDocument& document, const QString& markdown, const QStringList& anchors,
