@@ -6,12 +6,16 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QStringList>
+#include <algorithm>
 #include <utility>
 #include <vector>
+
+#include "platform/qt/modText.h"
 
 namespace sandrel::qt {
 
@@ -125,6 +129,11 @@ void SetText(QMessageBox& window, const QString& text) {
   constexpr qsizetype Most = 2000;
   if (text.size() > Most) window.setDetailedText(text);
   window.setText(Breakable(text.size() > Most ? text.left(Most) + QChar(0x2026) : text));
+  // The toolkit's own width breaks most paths. Nothing but the label's name leads to it.
+  if (auto* const label = window.findChild<QLabel*>("qt_msgbox_label")) {
+    const int whole = label->fontMetrics().size(0, window.text()).width();
+    label->setMinimumWidth(std::min(whole, ReadableWidth(label->font())));
+  }
 }
 
 // "words|pattern|words|pattern" to Qt's "words (pattern)", without a pattern in the words.
