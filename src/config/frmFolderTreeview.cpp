@@ -17,6 +17,7 @@
 #include "platform/qt/Icons.h"
 #include "platform/qt/clsCellDelegate.h"
 #include "platform/qt/modCellText.h"
+#include "platform/qt/modInput.h"
 
 namespace sandrel {
 
@@ -193,6 +194,7 @@ frmFolderTreeview::frmFolderTreeview(std::unique_ptr<clsFolderSource> source, QW
   ftvTreeview->setCurrentIndex(first);
   ftvTreeview->expand(first);
   ShowChoice();
+  txtFolder->selectAll();
 }
 
 frmFolderTreeview::~frmFolderTreeview() {
@@ -233,7 +235,8 @@ void frmFolderTreeview::Arrange() {
   column->addWidget(ftvTreeview, 1);
   column->addWidget(picContainer);
   resize(420, 480);
-  ftvTreeview->setFocus();
+  qt::MoveThrough(*txtFolder, *ftvTreeview);
+  txtFolder->setFocus();
 }
 
 void frmFolderTreeview::SetLabel(const std::string& text) {
@@ -243,6 +246,7 @@ void frmFolderTreeview::SetLabel(const std::string& text) {
 void frmFolderTreeview::SetFolder(const std::string& folder) {
   txtFolder->setText(QString::fromStdString(folder));
   FollowText();
+  txtFolder->selectAll();
 }
 
 void frmFolderTreeview::SelectNode(const QModelIndex& index) {

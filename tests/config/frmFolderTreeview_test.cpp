@@ -65,7 +65,9 @@ class frmFolderTreeviewTest : public testing::Test {
 TEST_F(frmFolderTreeviewTest, TheTreesFolderIsTheTextAndReadWhenOpened) {
   StartOnMachine();
   EXPECT_EQ(m_form->windowTitle(), "Browse");
-  EXPECT_EQ(Text(), "C:\\");
+  EXPECT_EQ(Find<QLineEdit>("txtFolder")->selectedText(), "C:\\");
+  QTest::keyClick(m_form->focusWidget(), Qt::Key_Down);
+  EXPECT_EQ(Text(), "C:\\Program Files");
   Click("windows", Root());
   EXPECT_EQ(Text(), "C:\\windows");
   EXPECT_TRUE(Tree()->model()->hasChildren(Tree()->currentIndex()));
@@ -136,6 +138,7 @@ TEST_F(frmFolderTreeviewTest, ChoosesHostFoldersWhateverTheirBytes) {
 
   m_form->show();
   QApplication::setActiveWindow(m_form.get());
+  Tree()->setFocus();
   QTest::keyClick(m_form.get(), Qt::Key_W, Qt::AltModifier);
   EXPECT_TRUE(Find<QLineEdit>("txtFolder")->hasFocus());
   Type("~/to/be made");
