@@ -5,7 +5,6 @@
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
-#include <filesystem>
 #include <memory>
 
 #include "browser/Pages.h"
@@ -15,6 +14,7 @@
 #include "cli/clsPageWriter.h"
 #include "cli/modPrintHelper.h"
 #include "common/clsError.h"
+#include "common/clsFileWorks.h"
 #include "common/modOverwrite.h"
 #include "config/clsHome.h"
 #include "config/clsScanSettings.h"
@@ -123,7 +123,7 @@ int clsCommands::After() {
   clsAnalysis analysis(m_shell, m_settings, m_home, machine);
   m_shell.OnInterrupt = [&] { snapshots.ConfirmCancelScan(); };
   clsCliShell::CatchInterrupts();
-  std::string path = std::filesystem::absolute(m_arguments.File).lexically_normal().string();
+  std::string path = clsFileWorks::Absolute(m_arguments.File);
   analysis.AfterInto(snapshots, path);
   return Print("Analysis Created: " + m_arguments.File);
 }
@@ -248,7 +248,7 @@ int clsCommands::Watch() {
   clsAnalysis analysis(m_shell, m_settings, m_home, machine);
   m_shell.OnInterrupt = [&] { snapshots.ConfirmCancelScan(); };
   clsCliShell::CatchInterrupts();
-  const std::string path = std::filesystem::absolute(m_arguments.File).lexically_normal().string();
+  const std::string path = clsFileWorks::Absolute(m_arguments.File);
   if (!analysis.MayCreate(path)) return m_shell.ExitStatus();
   snapshots.mnuSnapShotBefore_Click();
   if (m_shell.ExitStatus() != exitstatus::Done) return Print("");
@@ -289,7 +289,7 @@ int clsCommands::NoteRecords() {
 
 int clsCommands::ApplyRecords() {
   const auto machine = OpenMachine();
-  m_shell.State.AnalysisPath = std::filesystem::absolute(m_arguments.File).string();
+  m_shell.State.AnalysisPath = clsFileWorks::Absolute(m_arguments.File);
   clsSetupRecords(m_shell, m_settings, m_home, *machine).UpdateSetupTables();
   return Print("Records of shared DLLs added: " + m_arguments.File);
 }
