@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QStringList>
+#include <QTextLayout>
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -124,6 +125,21 @@ QString Breakable(const QString& text) {
   return broken + text.mid(from);
 }
 
+// Lines may break behind the colon of a drive: there the blank before the drive becomes a line end.
+QString KeepDrives(QString text, const QFont& font, int width) {
+  QTextLayout layout(QString(text).replace('\n', QChar::LineSeparator), font);
+  layout.beginLayout();
+  for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    line.setLineWidth(width);
+    const qsizetype end = line.textStart() + line.textLength();
+    if (line.textLength() > 3 && text.mid(end - 1, 2) == ":\\" && text[end - 3] == ' ') {
+      text[end - 3] = '\n';
+    }
+  }
+  layout.endLayout();
+  return text;
+}
+
 // A text that would push the buttons off the screen is shown in part, and whole on demand.
 void SetText(QMessageBox& window, const QString& text) {
   constexpr qsizetype Most = 2000;
@@ -132,7 +148,9 @@ void SetText(QMessageBox& window, const QString& text) {
   // The toolkit's own width breaks most paths. Nothing but the label's name leads to it.
   if (auto* const label = window.findChild<QLabel*>("qt_msgbox_label")) {
     const int whole = label->fontMetrics().size(0, window.text()).width();
-    label->setMinimumWidth(std::min(whole, ReadableWidth(label->font())));
+    const int width = std::min(whole, ReadableWidth(label->font()));
+    label->setMinimumWidth(width);
+    window.setText(KeepDrives(window.text(), label->font(), width));
   }
 }
 
