@@ -9,10 +9,9 @@
 #include "support/NumberOf.h"
 #include "support/TempFolder.h"
 
-namespace sandrel {
+namespace sandrel::test {
 namespace {
 
-using test::NumberOf;
 using testing::HasSubstr;
 
 std::size_t FilesIn(const std::string& folder) {
@@ -21,7 +20,7 @@ std::size_t FilesIn(const std::string& folder) {
 }
 
 TEST(clsFileWorks, ReplacesAFileWholeAndKeepsItsPlace) {
-  test::TempFolder folder;
+  TempFolder folder;
   const std::string path = folder.Of("settings.ini");
   clsFileWorks::ReplaceWhole(path, "one");
   ASSERT_EQ(chmod(path.c_str(), 0640), 0);
@@ -47,7 +46,7 @@ TEST(clsFileWorks, ReplacesAFileWholeAndKeepsItsPlace) {
 }
 
 TEST(clsFileWorks, LeavesEverythingAsItWasWhenItFails) {
-  test::TempFolder folder;
+  TempFolder folder;
   const std::string path = folder.Of("kept");
   clsFileWorks::ReplaceWhole(path, "old");
   EXPECT_NE(NumberOf([&] { clsFileWorks::ReplaceWhole(path + "/below", "new"); }), 0);
@@ -72,7 +71,7 @@ TEST(clsFileWorks, LeavesEverythingAsItWasWhenItFails) {
 }
 
 TEST(clsFileWorks, ReadsRegularFilesOnly) {
-  test::TempFolder folder;
+  TempFolder folder;
   clsFileWorks::ReplaceWhole(folder.Of("file"), "12345");
   ASSERT_EQ(mkfifo(folder.Of("fifo").c_str(), 0600), 0);
   EXPECT_EQ(clsFileWorks::ReadWhole(folder.Of("file"), 5), "12345");
@@ -89,7 +88,7 @@ TEST(clsFileWorks, ReadsRegularFilesOnly) {
 }
 
 TEST(clsFileWorks, MakesAndDeletes) {
-  test::TempFolder folder;
+  TempFolder folder;
   for (int i = 0; i < 2; ++i) clsFileWorks::MakeFolders(folder.Of("a/b"));
   clsFileWorks::ReplaceWhole(folder.Of("a/file"), "");
   EXPECT_NE(NumberOf([&] { clsFileWorks::MakeFolders(folder.Of("a/file/d")); }), 0);
@@ -99,4 +98,4 @@ TEST(clsFileWorks, MakesAndDeletes) {
 }
 
 }  // namespace
-}  // namespace sandrel
+}  // namespace sandrel::test

@@ -1,20 +1,13 @@
 #include "scan/clsScanDrive.h"
 
-#include <sys/stat.h>
-
 #include <filesystem>
 
 #include "support/ScanFixture.h"
 
-namespace sandrel {
-
-using test::Lines;
-using test::NumberOf;
-using test::Raises;
-
+namespace sandrel::test {
 namespace {
 
-class clsScanDriveTest : public test::ScanFixture {
+class clsScanDriveTest : public ScanFixture {
  protected:
   clsScanDriveTest() {
     m_maint.CreateTempPathTable(m_path, "tblPaths");
@@ -108,7 +101,7 @@ TEST_F(clsScanDriveTest, DoesNotOpenItsOwnDatabase) {
   m_sample.WriteFile("C:\\A\\other.ini", "[s]\nk=1\n");
   std::filesystem::create_hard_link(m_path, m_sample.HostPath("C:\\A\\Own.ini"));
   bool free = false;
-  m_events = [&] { free = free || test::IsFree(m_path); };
+  m_events = [&] { free = free || IsFree(m_path); };
   Walk("C:\\A");
   EXPECT_FALSE(free);
   EXPECT_EQ(Rows("SELECT FileName, Version FROM tblFiles ORDER BY Id"),
@@ -242,4 +235,4 @@ TEST(MatchFileName, IsThePrograms) {
 }
 
 }  // namespace
-}  // namespace sandrel
+}  // namespace sandrel::test

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 
 #include "common/clsFileWorks.h"
@@ -11,23 +10,19 @@
 #include "support/Rows.h"
 #include "support/TempFolder.h"
 
-namespace sandrel {
-
-using test::NumberOf;
-using test::Rows;
-
+namespace sandrel::test {
 namespace {
 
 class clsTableMaintTest : public testing::Test {
  protected:
-  test::TempFolder m_temp;
+  TempFolder m_temp;
   std::string m_path = m_temp.Of("x.zqd");
   clsTableMaint m_maint;
 };
 
 TEST_F(clsTableMaintTest, ExistingFilesStayAndExistingTablesAreEmptied) {
   EXPECT_EQ(ReadSnapshotLevel(m_path), SnapshotLevel::None);
-  EXPECT_TRUE(test::Raises(errnum::DatabaseNotFound, "clsTableMaint.CreateStatsTableErr: ", [&] {
+  EXPECT_TRUE(Raises(errnum::DatabaseNotFound, "clsTableMaint.CreateStatsTableErr: ", [&] {
     m_maint.CreateStatsTable(m_path, "tblStats");
   }));
   m_maint.DeleteDatabase(m_path);
@@ -102,8 +97,8 @@ TEST_F(clsTableMaintTest, KeysAndRulesOfTheTables) {
     };
     EXPECT_EQ(NumberOf(add), row.Error) << row.Table << " " << &row - cases;
   }
-  EXPECT_TRUE(test::IsWhole(m_path));
+  EXPECT_TRUE(IsWhole(m_path));
 }
 
 }  // namespace
-}  // namespace sandrel
+}  // namespace sandrel::test

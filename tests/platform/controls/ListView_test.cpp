@@ -60,21 +60,5 @@ TEST(ListView, SortsWithoutRegardToCaseAndKeepsEqualRowsInOrder) {
   }
 }
 
-TEST(TextPool, GivesEqualTextsOneNumberHoweverManyThereAre) {
-  TextPool pool;
-  std::vector<TextPool::Id> ids;
-  for (int i = 0; i < 20000; ++i) ids.push_back(pool.Intern("text " + std::to_string(i)));
-  EXPECT_EQ(pool.Count(), 20001u);
-  for (int i = 0; i < 20000; ++i) {
-    const std::string text = "text " + std::to_string(i);
-    ASSERT_EQ(pool.Intern(text), ids[static_cast<std::size_t>(i)]);
-    ASSERT_EQ(pool.Text(ids[static_cast<std::size_t>(i)]), text);
-  }
-  EXPECT_EQ(pool.Intern(""), TextPool::Empty);
-  pool.Clear();
-  EXPECT_EQ(pool.Count(), 1u);
-  EXPECT_EQ(pool.Text(pool.Intern("text 7")), "text 7");
-}
-
 }  // namespace
 }  // namespace sandrel

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <cstdlib>
-
 #include "common/clsFileWorks.h"
 #include "support/RunAtLogon.h"
 #include "support/TempFolder.h"

@@ -12,12 +12,8 @@
 #include "support/NumberOf.h"
 #include "support/TempFolder.h"
 
-namespace sandrel {
+namespace sandrel::test {
 namespace {
-
-using test::DumpKeys;
-using test::Query;
-using test::TempFolder;
 
 const std::string Sid = "S-1-5-21-0-0-0-1000";
 
@@ -111,25 +107,19 @@ TEST_F(clsPrefixRegistry, FollowsLinksOnce) {
   EXPECT_NE(direct.find("[Software\\Target\\Back\\Classes\\.zip]\n["), std::string::npos);
   EXPECT_NE(direct.find("[Software\\Target\\Back\\Wow\\Link]\ncan't be opened\n"),
             std::string::npos);
-}
-
-TEST_F(clsPrefixRegistry, LinksThatLeadToNoKeyCannotBeOpened) {
-  const auto registry = OpenPrefixRegistry(m_folder.Path());
+  // What leads to no key can't be opened.
   const std::string all = DumpKeys(*registry, hkey::LocalMachine);
   EXPECT_EQ(all.find("SymbolicLinkValue"), std::string::npos);
   for (const char* name : {"Loop", "Circle", "Circle2", "Lost", "Path", "Empty", "Bare", "Text"}) {
     const std::string path = std::string("Software\\") + name;
     EXPECT_NE(all.find("[" + path + "]\ncan't be opened\n"), std::string::npos) << name;
-    EXPECT_EQ(registry->RegSetValueEx(hkey::LocalMachine, path, "v", 3, "x"),
-              regstatus::FileNotFound)
-        << name;
   }
 }
 
 TEST_F(clsPrefixRegistry, RefusesAPrefixWithoutAllItsHives) {
   for (const char* name : {"system.reg", "user.reg", "userdef.reg"}) {
     std::filesystem::rename(m_folder.Of(name), m_folder.Of("away"));
-    EXPECT_TRUE(test::Raises(errnum::Hive, name, [&] { OpenPrefixRegistry(m_folder.Path()); }));
+    EXPECT_TRUE(Raises(errnum::Hive, name, [&] { OpenPrefixRegistry(m_folder.Path()); }));
     std::filesystem::rename(m_folder.Of("away"), m_folder.Of(name));
   }
 }
@@ -229,4 +219,4 @@ TEST_F(clsPrefixRegistry, IsNotWrittenWhileAServerRuns) {
 }
 
 }  // namespace
-}  // namespace sandrel
+}  // namespace sandrel::test

@@ -9,12 +9,9 @@
 #include "support/RegfBuilder.h"
 #include "support/TempFolder.h"
 
-namespace sandrel {
+namespace sandrel::test {
 namespace {
 
-using test::RegfBuilder;
-using test::RegfKey;
-using test::TempFolder;
 using Key = std::shared_ptr<clsRegKey>;
 
 class clsRegfHiveTest : public testing::Test {
@@ -262,4 +259,4 @@ TEST_F(clsRegfHiveTest, EndsEveryWalkWhateverTheBytes) {
 }
 
 }  // namespace
-}  // namespace sandrel
+}  // namespace sandrel::test
