@@ -8,26 +8,6 @@
 namespace sandrel {
 namespace {
 
-TEST(Pages, FilePagesHaveTheDetailsThatWereRecorded) {
-  const auto sql = [](int page, const char* version, const char* size, const char* attributes) {
-    const auto statements = PageStatements(page, [=](std::string_view description) -> std::string {
-      if (description == "    Version Info Included") return version;
-      if (description == "    Size Info Included") return size;
-      return description == "    Attribute Info Included" ? attributes : "wrong";
-    });
-    return statements.back().Sql;
-  };
-  const std::string head =
-      "SELECT tblDeletedFiles.PathName AS [Path Name], tblDeletedFiles.FileName AS [File Name], "
-      "tblDeletedFiles.Date";
-  const std::string tail = " FROM tblDeletedFiles;";
-  for (const int page : {page::DeletedFiles, page::AllFiles}) {
-    EXPECT_EQ(sql(page, "no", "YES", ""), head + ", tblDeletedFiles.Size" + tail);
-    EXPECT_EQ(sql(page, "Yes", "No", "yes"),
-              head + ", tblDeletedFiles.Version, tblDeletedFiles.Attributes" + tail);
-  }
-}
-
 TEST(Pages, NamesAndNumbers) {
   for (int i = 0; i < page::FilteredPage; ++i) EXPECT_EQ(PageIndex(PageName(i)), i);
   EXPECT_EQ(PageIndex("ShowFilteredPage"), page::FilteredPage);

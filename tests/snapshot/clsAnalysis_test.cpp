@@ -8,15 +8,10 @@
 #include "common/clsFileWorks.h"
 #include "support/SnapshotFixture.h"
 
-namespace sandrel {
-
-using test::Cell;
-using test::IsWhole;
-using test::Lines;
-
+namespace sandrel::test {
 namespace {
 
-class clsAnalysisTest : public test::SnapshotFixture {};
+class clsAnalysisTest : public SnapshotFixture {};
 
 TEST_F(clsAnalysisTest, NothingChangedGivesNineEmptyTables) {
   Before();
@@ -47,7 +42,7 @@ TEST_F(clsAnalysisTest, FindsWhatAnInstallationDid) {
   Enable("VersionInfo", true);
   m_sample.WriteFile("C:\\old.txt", "old");
   m_sample.WriteFile("C:\\app.ini", "[Fonts]\ndevice=a\nkeep=1\ngone=1\n[Left]\nx=1\n");
-  const std::string head = test::SampleMachine::SystemKeys() + "[Software\\\\T] 1\n";
+  const std::string head = SampleMachine::SystemKeys() + "[Software\\\\T] 1\n";
   m_sample.SetSystemReg(head + R"("change"="a"
 "type"="5"
 "gone"="x"
@@ -151,7 +146,7 @@ TEST_F(clsAnalysisTest, AnUnreadableRegistryMattersOnlyWhereItIsScanned) {
   EXPECT_EQ(Analysis("SELECT FileName FROM tblNewFiles"), Lines{"new.txt"});
 
   // The same with a remote registry; one that can't be read is an error there, never an empty one.
-  const test::SampleMachine far;
+  const SampleMachine far;
   std::filesystem::create_directory(m_temp.Of("net"));
   std::filesystem::create_directory_symlink(far.Folder(), m_temp.Of("net/far"));
   setenv("SANDREL_NETWORK", m_temp.Of("net").c_str(), 1);
@@ -266,4 +261,4 @@ TEST_F(clsAnalysisTest, WhatCanNeverWorkIsNotGoneOnWith) {
 }
 
 }  // namespace
-}  // namespace sandrel
+}  // namespace sandrel::test

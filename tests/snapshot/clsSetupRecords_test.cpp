@@ -8,14 +8,10 @@
 #include "support/NumberOf.h"
 #include "support/SnapshotFixture.h"
 
-namespace sandrel {
+namespace sandrel::test {
 namespace {
 
-using test::Cell;
-using test::Lines;
-using test::Rows;
-
-class clsSetupRecordsTest : public test::SnapshotFixture {
+class clsSetupRecordsTest : public SnapshotFixture {
  protected:
   void MakeSetup() {
     std::filesystem::create_directories(m_home.Path());
@@ -29,7 +25,7 @@ class clsSetupRecordsTest : public test::SnapshotFixture {
       return "\"C:\\\\windows\\\\system32\\\\" + std::string(name) +
              "\"=dword:" + fmt::format("{:08x}", count) + "\n";
     };
-    m_sample.SetSystemReg(test::SampleMachine::SystemKeys() +
+    m_sample.SetSystemReg(SampleMachine::SystemKeys() +
                           "[Software\\\\Microsoft\\\\Windows\\\\CurrentVersion\\\\SharedDLLs] 1\n" +
                           line("sample.dll", sample) + line("other.dll", other) +
                           line("off.dll", other));
@@ -46,7 +42,7 @@ class clsSetupRecordsTest : public test::SnapshotFixture {
 };
 
 TEST_F(clsSetupRecordsTest, CountsThatMoveAddTheirRecords) {
-  EXPECT_EQ(test::NumberOf([&] { m_records.ProcessSetupFiles(false); }), errnum::DatabaseNotFound);
+  EXPECT_EQ(NumberOf([&] { m_records.ProcessSetupFiles(false); }), errnum::DatabaseNotFound);
   MakeSetup();
   Counts(1, 2);
   m_records.ProcessSetupFiles(false);
@@ -109,4 +105,4 @@ TEST_F(clsSetupRecordsTest, ComparesVersionsByTheirParts) {
 }
 
 }  // namespace
-}  // namespace sandrel
+}  // namespace sandrel::test
