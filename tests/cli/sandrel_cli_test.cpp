@@ -12,16 +12,13 @@
 #include <nlohmann/json.hpp>
 
 #include "common/clsFileWorks.h"
+#include "config/clsHome.h"
 #include "store/clsTableMaint.h"
 #include "support/Rows.h"
 #include "support/SampleMachine.h"
 #include "support/TempFolder.h"
 
-namespace sandrel {
-
-using test::Cell;
-using test::IsWhole;
-
+namespace sandrel::test {
 namespace {
 
 class SandrelCli : public testing::Test {
@@ -77,8 +74,8 @@ class SandrelCli : public testing::Test {
   std::string Working() { return m_temp.Of("home/SandrelTemp.zqd"); }
   std::string File() { return m_temp.Of("x.mdb"); }
 
-  test::SampleMachine m_sample;
-  test::TempFolder m_temp;
+  SampleMachine m_sample;
+  TempFolder m_temp;
   std::string m_machine = m_sample.Folder();
 };
 
@@ -97,7 +94,7 @@ TEST_F(SandrelCli, GoesTheWholeRoad) {
   EXPECT_EQ(Run({"before"}).Status, 1);  // a question
   m_sample.WriteFile("C:\\New\\a b.txt", "12345");
   m_sample.SetTime("C:\\New\\a b.txt", 1000000000);
-  m_sample.SetUserReg(test::SampleMachine::UserKeys() +
+  m_sample.SetUserReg(SampleMachine::UserKeys() +
                       "[Software\\\\N] 1\n\"tab\"=\"a\\tb\\n\"\n\"d\"=dword:00000007\n\n");
   const Result after = Run({"after", File()});
   EXPECT_EQ(after.Out + after.Err, "Analysis Created: " + File() + "\n");  // no progress in a pipe
@@ -116,7 +113,7 @@ TEST_F(SandrelCli, GoesTheWholeRoad) {
   EXPECT_EQ(nlohmann::json::parse(Run({"list", File(), "ShowDeletedFiles", "--json"}).Out).size(),
             0U);
   // The statistics count the rows that the pages show now.
-  test::Rows(File(), "DELETE FROM tblNewRegistryEnteries WHERE ValueName = 'd'");
+  Rows(File(), "DELETE FROM tblNewRegistryEnteries WHERE ValueName = 'd'");
   EXPECT_TRUE(Run({"list", File()}).Out.starts_with("Description\tValue\nRegistry - New\t2\n"));
   EXPECT_EQ(Run({"after", File()}).Status, 1);  // both the file and the After snapshot are there
   EXPECT_EQ(Run({"after", File(), "--yes"}).Status, 0);
@@ -129,7 +126,7 @@ TEST_F(SandrelCli, ExportsValuesAndCopiesFiles) {
   Run({"before"});
   for (const char* name : {"C:\\New\\Deep\\b.txt", "C:\\New\\gone.txt"})
     m_sample.WriteFile(name, name);
-  m_sample.SetUserReg(test::SampleMachine::UserKeys() +
+  m_sample.SetUserReg(SampleMachine::UserKeys() +
                       "[Software\\\\N] 1\n\"a\"=\"x\"\n\"b\"=dword:0000002a\n\n");
   ASSERT_EQ(Run({"after", File()}).Status, 0);
 
@@ -165,6 +162,11 @@ TEST_F(SandrelCli, TellsWhatIsWrongInOneLine) {
   ExpectFailure({}, 2, "--help");
   ExpectFailure({"export", File(), "x.reg", "ShowNewFiles"}, 2, "holds no registry values");
   ExpectFailure({"copy", m_temp.Of("junk.mdb"), m_temp.Of("to")}, 2, "corrupt Sandrel Database");
+  {
+    const clsHome home = clsHome::Find(m_temp.Of("home"));
+    const clsHomeLock lock(home), nested(home);
+    ExpectFailure({"before"}, 2, "Another snapshot command works on " + home.Path());
+  }
   Run({"settings", "RegScan", "RemoteName", "far"});
   Run({"settings", "Enabled", "RemoteRegistry", "1"});
   ExpectFailure({"before"}, 2, "The remote registry on far cannot be accessed");
@@ -304,4 +306,4 @@ TEST_F(SandrelCli, PrintsAPage) {
 }
 
 }  // namespace
-}  // namespace sandrel
+}  // namespace sandrel::test

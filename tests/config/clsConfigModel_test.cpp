@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <tuple>
 
-#include "support/NumberOf.h"
 #include "support/Rows.h"
 #include "support/SampleMachine.h"
 #include "support/ShellRecorder.h"
@@ -181,10 +179,9 @@ TEST_F(clsConfigModelTest, SavesEveryKey) {
   m_model.RemoteRegistry = false;
   EXPECT_TRUE(m_model.IsScanned("HKEY_CLASSES_ROOT"));
 
-  clsConfigModel again(m_shell, m_settings, m_machine, "/nowhere/mapped");
-  Load(again);
-  EXPECT_TRUE(again.VersionInfo && again.RemoteRegistry && !again.FileExclude);
-  EXPECT_EQ(again.RemoteName, "BOX");
+  Load(m_model);
+  EXPECT_TRUE(m_model.VersionInfo && m_model.RemoteRegistry && !m_model.FileExclude);
+  EXPECT_EQ(m_model.RemoteName, "BOX");
 }
 
 }  // namespace

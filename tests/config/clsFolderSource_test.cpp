@@ -1,7 +1,6 @@
 #include "config/clsFolderSource.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>

@@ -1,50 +1,18 @@
 #include "config/clsHome.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "config/clsScanSettings.h"
-#include "support/NumberOf.h"
 #include "support/TempFolder.h"
 #include "support/Variables.h"
 
 namespace sandrel {
 namespace {
 
-TEST(clsHome, LocksAgainstOtherProcessesAndNests) {
-  const test::TempFolder temp;
-  const clsHome home = clsHome::Find(temp.Of("made/./home/"));
-  EXPECT_EQ(home.Path(), temp.Of("made/home"));
-  EXPECT_EQ(home.WorkingDatabase(), temp.Of("made/home/SandrelTemp.zqd"));
-  // The other process begins before the lock is taken, so that it inherits nothing of it.
-  int go[2];
-  ASSERT_EQ(pipe(go), 0);
-  const pid_t child = fork();
-  if (child == 0) {
-    char signal = 0;
-    const auto tryLock = [&] {
-      return read(go[0], &signal, 1) == 1 ? test::NumberOf([&] { clsHomeLock lock(home); }) : -1;
-    };
-    const std::int32_t whileHeld = tryLock();
-    _exit(whileHeld == errnum::HomeBusy && tryLock() == 0 ? 0 : 1);
-  }
-  {
-    const clsHomeLock lock(home);
-    const clsHomeLock nested(home);
-    EXPECT_EQ(write(go[1], "1", 1), 1);
-    usleep(100000);
-  }
-  EXPECT_EQ(write(go[1], "2", 1), 1);
-  int status = 0;
-  waitpid(child, &status, 0);
-  EXPECT_EQ(WEXITSTATUS(status), 0);
-  close(go[0]);
-  close(go[1]);
-}
-
 TEST(clsHome, ChoosesTheMachineInOrder) {
   const test::TempFolder temp;
+  EXPECT_EQ(clsHome::Find(temp.Of("made/./home/")).WorkingDatabase(),
+            temp.Of("made/home/SandrelTemp.zqd"));
   const test::Variables clean{
       {"HOME", "/h"}, {"SANDREL_MACHINE", std::nullopt}, {"WINEPREFIX", std::nullopt}};
   clsSettings settings(temp.Of("settings.ini"));

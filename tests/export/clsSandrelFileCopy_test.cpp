@@ -5,7 +5,6 @@
 
 #include <filesystem>
 
-#include "common/clsError.h"
 #include "common/clsFileWorks.h"
 #include "support/Rows.h"
 #include "support/SampleMachine.h"

@@ -1,7 +1,6 @@
 #include "wizard/clsWizardFlow.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 
@@ -251,15 +250,6 @@ TEST_F(WizardFlow, MakesTheAnalysis) {
     m_flow.txtViewName_LostFocus();
     EXPECT_EQ(m_flow.txtViewName, left);
   }
-}
-
-TEST(Wizard, WithOnePageHasNoWayOn) {
-  std::array<WizardPage, 1> page;
-  bool next = true;
-  bool previous = true;
-  clsWizard::SetPageVisible(page, 0, next, previous);
-  EXPECT_TRUE(page[0].Visible && page[0].Left == 1111 && page[0].Top == 0);
-  EXPECT_FALSE(next || previous);
 }
 
 }  // namespace
