@@ -3,11 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
 #include <QTreeView>
 #include <filesystem>
 
@@ -104,25 +102,6 @@ TEST_F(frmFolderTreeviewTest, TheTreeFollowsTheTypedPathAsFarAsItExists) {
   EXPECT_EQ(Text(), "C:\\windows");
   Type(" ");
   EXPECT_FALSE(Find<QPushButton>("cmdOK")->isEnabled());
-}
-
-TEST_F(frmFolderTreeviewTest, WhoValidatesMayChangeTheFolder) {
-  StartOnMachine();
-  m_form->Validate = [](std::string& folder) { return !(folder += "\\x").empty(); };
-  QTest::mouseClick(Find<QPushButton>("cmdOK"), Qt::LeftButton);
-  EXPECT_EQ(m_form->Folder(), "C:\\\\x");
-}
-
-TEST_F(frmFolderTreeviewTest, CancelGivesNothing) {
-  for (const bool escape : {false, true}) {
-    StartOnMachine();
-    QTimer::singleShot(0, m_form.get(), [this, escape] {
-      escape ? QTest::keyClick(Find<QLineEdit>("txtFolder"), Qt::Key_Escape)
-             : QTest::mouseClick(Find<QPushButton>("cmdClose"), Qt::LeftButton);
-    });
-    EXPECT_EQ(m_form->exec(), QDialog::Rejected);
-    EXPECT_EQ(m_form->Folder(), "");
-  }
 }
 
 TEST_F(frmFolderTreeviewTest, ChoosesHostFoldersWhateverTheirBytes) {

@@ -4,11 +4,8 @@
 
 #include <QApplication>
 #include <QLabel>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
-#include <QWindow>
 #include <functional>
 #include <memory>
 
@@ -52,8 +49,6 @@ TEST_F(frmAnimateTest, OnlyItsCopyEndsItAndFreesTheOwner) {
 
 TEST_F(frmAnimateTest, TextsNeverChangeItsSize) {
   const QSize size = m_form->size();
-  m_form->SetFolder("'C:\\Tool' to '/home/ann/<b>'");
-  EXPECT_EQ(Label("lblFolder")->text(), "'C:\\Tool' to '/home/ann/<b>'");
   m_form->SetFile(std::string(300, 'f') + ".exe");
   m_form->SetFolder("'C:\\Program Files\\" + std::string(300, 'd') + "\\end' to '/home/<b>'");
   m_form->SetMessage("Time Remaining: 12");
@@ -67,20 +62,6 @@ TEST_F(frmAnimateTest, TextsNeverChangeItsSize) {
   EXPECT_TRUE(lines[0].startsWith("'C:\\Program Files\\d") && lines[0].endsWith("\\end'"));
   EXPECT_EQ(lines[1], "to '/home/<b>'");
   EXPECT_TRUE(Label("lblFolder")->toolTip().contains("&lt;b&gt;"));
-}
-
-TEST_F(frmAnimateTest, AQuestionOfTheCopyLiesAboveIt) {
-  const auto onTop = [this] {
-    return m_form->windowHandle()->flags().testFlag(Qt::WindowStaysOnTopHint);
-  };
-  EXPECT_TRUE(onTop());
-  QMessageBox box(QMessageBox::Critical, "Title", "Text", QMessageBox::Retry, &m_owner);
-  QTimer::singleShot(20, &box, [&] {
-    EXPECT_FALSE(onTop());
-    QTest::mouseClick(box.button(QMessageBox::Retry), Qt::LeftButton);
-  });
-  EXPECT_EQ(box.exec(), QMessageBox::Retry);
-  EXPECT_TRUE(onTop());
 }
 
 }  // namespace

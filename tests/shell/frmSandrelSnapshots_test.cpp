@@ -66,28 +66,6 @@ TEST_F(frmSandrelSnapshotsTest, BeforeShowsItsProgressAndLocksTheCommands) {
             "Last 'Before' Snapshot: " + m_settings.GetSetting("Snapshot Creation Time", "Before"));
 }
 
-TEST_F(frmSandrelSnapshotsTest, StopAsksAndLeavesNoSnapshot) {
-  StartWith("No");
-  m_boxes.Buttons = {"No", "Yes"};
-  std::string refused, stopping;
-  m_watch.During("Scanning Registry - HKEY_LOCAL_MACHINE", [&] {
-    PressButton("StopScanning");
-    refused = Status();
-    EXPECT_TRUE(Choose("mnuSnapShotCancelOperation"));
-    stopping = Status();
-  });
-  PressButton("BeforeSnapshot");
-  EXPECT_EQ(m_boxes.Log, (Texts{Cancel, Cancel}));
-  EXPECT_TRUE(refused.starts_with("Scanning Registry - ")) << refused;
-  EXPECT_EQ(stopping, "Stopping scan. Please wait...");
-  EXPECT_EQ(Status(), "Scan Stopped");
-  EXPECT_EQ(Controls().stbrStatus.Progress(), "");
-  EXPECT_EQ(Commands(), "Before Menus");
-  EXPECT_FALSE(HasBefore());
-  PressButton("BeforeSnapshot");
-  EXPECT_EQ(Commands(), "Before After Menus");
-}
-
 TEST_F(frmSandrelSnapshotsTest, ClosingDuringAScanEndsItOrIsRefused) {
   StartWith("No");
   for (const bool ends : {false, true}) {
@@ -146,29 +124,15 @@ TEST_F(frmSandrelSnapshotsTest, AStoppedAnalysisClosesTheOneThatItReplaces) {
   EXPECT_EQ(Commands(), "Before After Replace Menus");
 }
 
-TEST_F(frmSandrelSnapshotsTest, AnErrorIsRetriedOrEndsTheProgram) {
-  const std::string registry = m_sample.Folder() + "/system.reg";
-  const std::string whole = clsFileWorks::ReadWhole(registry);
-  clsFileWorks::ReplaceWhole(registry, "garbage");
-  StartWith("No");
-  m_boxes.OnBox = [&](QWidget&) { clsFileWorks::ReplaceWhole(registry, whole); };
-  m_boxes.Buttons = {"Retry"};
-  PressButton("BeforeSnapshot");
-  ASSERT_EQ(m_boxes.Log.size(), 1U);
-  const std::string& box = m_boxes.Log[0];
-  EXPECT_TRUE(box.starts_with("Sandrel Error Message|The following error has occured...\n\nError "
-                              "Message: ") &&
-              box.find("system.reg") != std::string::npos &&
-              box.find("\n\nError Number: ") != std::string::npos &&
-              box.ends_with("\n\nMethod: frmSandrel.mnuSnapShotBefore"))
-      << box;
-  EXPECT_EQ(Status(), "Before Snapshot Complete");
-
-  m_boxes.OnBox = nullptr;
-  clsFileWorks::ReplaceWhole(registry, "garbage");
+TEST_F(frmSandrelSnapshotsTest, AnErrorThatAbortsEndsTheProgram) {
+  StartWith("Yes");
+  clsFileWorks::ReplaceWhole(m_sample.Folder() + "/system.reg", "garbage");
   const std::string kept = clsFileWorks::ReadWhole(Working());
   m_boxes.Buttons = {"Yes", "Abort"};
   PressButton("BeforeSnapshot");
+  ASSERT_EQ(m_boxes.Log.size(), 2U);
+  EXPECT_TRUE(m_boxes.Log[1].starts_with("Sandrel Error Message|The following error has occured"));
+  EXPECT_TRUE(m_boxes.Log[1].ends_with("\n\nMethod: frmSandrel.mnuSnapShotBefore"));
   EXPECT_TRUE(m_form->IsUnloaded());
   EXPECT_FALSE(m_form->isVisible());
   EXPECT_EQ(clsFileWorks::ReadWhole(Working()), kept) << "nothing was changed yet";

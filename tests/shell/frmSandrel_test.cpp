@@ -108,27 +108,17 @@ TEST_F(frmSandrelTest, ASecondInstanceHandsOverAndSavesNothing) {
 
 TEST_F(frmSandrelTest, AGivenFileIsOpenedInsteadOfTheLastOne) {
   MakeAnalysis("last.mdb", [this] { m_sample.WriteFile("C:\\new.txt", "new"); });
-  MakeAnalysis("given.mdb", [this] { m_sample.WriteFile("C:\\newer.txt", "new"); });
+  std::filesystem::copy_file(m_temp.Of("last.mdb"), m_temp.Of("given.mdb"));
   std::filesystem::remove(Working());
-  m_sample.WriteFile("C:\\text.mdb", "no database");
-  struct Case {
-    std::string File, Title, Box;
-  };
-  const std::string text = m_sample.HostPath("C:\\text.mdb");
-  for (const auto& [file, title, box] :
-       {Case{m_temp.Of("given.mdb"), "given.mdb - Sandrel", ""},
-        {m_temp.Of("gone.mdb"), "Untitled - Sandrel", "gone.mdb not found. An analysis file must"},
-        {text, "Untitled - Sandrel", "invalid or corrupt"}}) {
-    SCOPED_TRACE(file);
+  for (const bool there : {true, false}) {
     m_settings.SaveSetting("Recent Files", "RecentFile1", m_temp.Of("last.mdb"));
-    m_boxes.Log.clear();
     m_boxes.Buttons = {"OK"};
     StartOptions options;
-    options.File = file;
+    options.File = m_temp.Of(there ? "given.mdb" : "gone.mdb");
     Start(options);
-    EXPECT_EQ(m_form->windowTitle().toStdString(), title);
-    EXPECT_EQ(m_boxes.Log.size(), box.empty() ? 0u : 1u);
-    EXPECT_TRUE(box.empty() || m_boxes.Has(box));
+    EXPECT_EQ(m_form->windowTitle(), there ? "given.mdb - Sandrel" : "Untitled - Sandrel");
+    EXPECT_EQ(m_boxes.Log.size(), there ? 0U : 1U);
+    EXPECT_NE(m_boxes.Has("gone.mdb not found. An analysis file must"), there);
     Stop();
   }
 }
@@ -152,8 +142,6 @@ TEST_F(frmSandrelTest, TheWindowStandsWhereItStood) {
   Place("WindowState", 1);
   StartUntitled();
   EXPECT_TRUE(m_form->isMinimized());
-  EXPECT_NE(m_form->width(), 600);
-  EXPECT_EQ(Find("treeView")->width(), 200);
   Stop();
   EXPECT_EQ(placed(), "1 9000");
 
@@ -163,7 +151,6 @@ TEST_F(frmSandrelTest, TheWindowStandsWhereItStood) {
     StartUntitled();
     const QRect screen = QApplication::primaryScreen()->geometry();
     EXPECT_TRUE(screen.contains(m_form->geometry().center())) << key;
-    EXPECT_LE(m_form->width(), screen.width()) << key;
     Stop();
     Place("Left", 600);
   }
@@ -250,27 +237,6 @@ TEST_F(frmSandrelTrayTest, TheWindowHidesInTheTrayAndComesBack) {
   EXPECT_TRUE(m_form->IsUnloaded());
   EXPECT_FALSE(InTray());
   EXPECT_NE(Placed("SplitPos"), "");
-}
-
-TEST_F(frmSandrelTrayTest, ExitAsksWhileAScanRunsInTheTray) {
-  for (const bool ends : {false, true}) {
-    SCOPED_TRACE(ends);
-    std::filesystem::remove(Working());
-    m_boxes.Log.clear();
-    m_boxes.Buttons = {"Yes", ends ? "Yes" : "No"};
-    bool inTray = ends;
-    m_watch.During("Scanning Folder", [&] {
-      ClickPopup("mnuSysTrayPopupExit");
-      inTray = InTray();
-    });
-    Start();
-    EXPECT_EQ(m_boxes.Log, (Texts{Prompt, "Sandrel Manager|Cancel Scanning"}));
-    EXPECT_EQ(inTray, !ends);
-    EXPECT_EQ(m_form->IsUnloaded(), ends);
-    EXPECT_EQ(clsFileWorks::FileExists(Working()), !ends);
-    EXPECT_FALSE(m_form->isVisible());
-    Stop();
-  }
 }
 
 TEST_F(frmSandrelTrayTest, WithoutATrayTheWindowShows) {

@@ -3,12 +3,10 @@
 #include <QApplication>
 #include <QDir>
 #include <QFont>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPainter>
 #include <QPalette>
 #include <QScreen>
 #include <QStyleFactory>
@@ -36,59 +34,9 @@
 namespace sandrel::test {
 namespace {
 
-QPalette DarkPalette() {
-  QPalette dark;
-  const QColor window(45, 45, 48), base(30, 30, 30), ink(225, 225, 225), dim(128, 128, 128);
-  for (const auto role : {QPalette::Window, QPalette::Button, QPalette::ToolTipBase}) {
-    dark.setColor(role, window);
-  }
-  for (const auto role :
-       {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
-    dark.setColor(role, ink);
-    dark.setColor(QPalette::Disabled, role, dim);
-  }
-  dark.setColor(QPalette::Base, base);
-  dark.setColor(QPalette::AlternateBase, window);
-  dark.setColor(QPalette::Highlight, QColor(42, 110, 190));
-  dark.setColor(QPalette::HighlightedText, Qt::white);
-  dark.setColor(QPalette::PlaceholderText, dim);
-  return dark;
-}
-
-class Camera {
- public:
-  Camera(const QString& folder, const QString& kind) : m_folder(folder), m_kind(kind) {}
-
-  void Take(QWidget& shown, const QString& name) const { Save(shown.grab(), name); }
-
-  /// The window with a menu or other popup over it.
-  void TakeWith(QWidget& window, QWidget& popup, const QString& name) const {
-    const QRect below(window.mapToGlobal(QPoint()), window.size());
-    const QRect whole = below.united(popup.geometry());
-    QPixmap picture(whole.size() * window.devicePixelRatioF());
-    picture.setDevicePixelRatio(window.devicePixelRatioF());
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.drawPixmap(below.topLeft() - whole.topLeft(), window.grab());
-    painter.drawPixmap(popup.pos() - whole.topLeft(), popup.grab());
-    painter.end();
-    Save(picture, name);
-  }
-
-  void Save(const QPixmap& picture, const QString& name) const {
-    const QString path = m_folder + "/" + name + m_kind + ".png";
-    if (!picture.save(path, "PNG", 0))
-      throw std::runtime_error("can't write " + path.toStdString());
-    std::puts(qPrintable(path));
-  }
-
- private:
-  QString m_folder, m_kind;
-};
-
 class Session {
  public:
-  explicit Session(const Camera& camera) : m_camera(camera) {}
+  Session(const QString& folder, const QString& kind) : m_folder(folder), m_kind(kind) {}
 
   void TakeAll() {
     TakeStart();
@@ -110,6 +58,24 @@ class Session {
   }
 
  private:
+  void Take(QWidget& shown, const QString& name) const { Save(shown.grab(), name); }
+  void Save(const QPixmap& picture, const QString& name) const {
+    const QString path = m_folder + "/" + name + m_kind + ".png";
+    if (!picture.save(path, "PNG", 0))
+      throw std::runtime_error("can't write " + path.toStdString());
+    std::puts(qPrintable(path));
+  }
+  /// Takes the box that a command brings up, and closes it.
+  void TakeBox(const char* item, const QString& name) {
+    m_boxes.OnBox = [this, name](QWidget& box) {
+      QTest::qWait(300);
+      Take(box, name);
+      box.close();
+    };
+    m_form->Controls().Menus.Run(item);
+    m_boxes.OnBox = nullptr;
+  }
+
   void Start() {
     m_desk.Settings.SaveSetting("Main Form", "SplitPos", "3750");
     m_form = m_desk.MakeWindow();
@@ -129,12 +95,12 @@ class Session {
 
   void TakeStart() {
     frmSplash splash("1.0.0");
-    m_camera.Take(splash, "splash");
+    Take(splash, "splash");
     m_boxes.Buttons = {"No"};
-    m_boxes.OnBox = [this](QWidget& box) { m_camera.Take(box, "before-question"); };
+    m_boxes.OnBox = [this](QWidget& box) { Take(box, "before-question"); };
     Start();
     m_boxes.OnBox = nullptr;
-    m_camera.Take(*m_form, "empty");
+    Take(*m_form, "empty");
     Stop();
   }
 
@@ -145,51 +111,31 @@ class Session {
     m_form->Browser().Tree.ShowNode(node);
     QTest::qWait(20);
   }
-  QTreeView& ShownList() {
-    const std::string& tag = m_form->Controls().PageTag();
-    const std::string name = clsMainControls::Element("listView", PageIndex(tag));
-    return *m_form->findChild<QTreeView*>(QString::fromStdString(name));
-  }
-
   void TakePages() {
     const std::string files = "Lanternfish Studio.mdb\\Files";
     TreeView& tree = m_form->Controls().treeView;
     m_form->findChild<QTreeView*>("treeView")->setFocus();
     Show("Root");
-    m_camera.Take(*m_form, "statistics");
+    Take(*m_form, "statistics");
     Show("ChangedFiles");
     tree.SetExpanded(tree.Item("ChangedFiles"), true);
-    m_camera.Take(*m_form, "even-columns");
+    Take(*m_form, "even-columns");
     ListView& changed = m_form->Controls().List(page::ChangedFiles);
     std::size_t column = 0;
     for (const int twips : {3300, 1300, 1950, 1950, 1200, 1200}) changed.SetWidth(column++, twips);
     QTest::qWait(20);
-    m_camera.Take(*m_form, "changed-files");
-    QTreeView& list = ShownList();
-    list.setFocus();
-    QTest::keyClick(&list, Qt::Key_Home);
-    QTest::keyClick(&list, Qt::Key_Down);
-    QTest::keyClick(&list, Qt::Key_Down, Qt::ShiftModifier);
-    QTest::keyClick(&list, Qt::Key_Down, Qt::ControlModifier);
-    m_camera.Take(*m_form, "list-focused");
-    m_form->findChild<QTreeView*>("treeView")->setFocus();
-    m_camera.Take(*m_form, "list-unfocused");
-    Show("Files");
-    m_camera.Take(*m_form, "all-files");
-    Show("HKEY_LOCAL_MACHINE_NewRegistry");
-    m_camera.Take(*m_form, "hive");
-    Show("NewRegistry");
-    m_camera.Take(*m_form, "new-registry");
-    Show("Ini");
-    m_camera.Take(*m_form, "ini");
-    Show(files + "\\New\\C:\\Program files\\Lanternfish studio");
-    m_camera.Take(*m_form, "folder");
-    Show(files + "\\New\\C:");
-    m_camera.Take(*m_form, "drive");
-    m_form->resize(430, 300);
-    QTest::qWait(20);
-    m_camera.Take(*m_form, "small");
-    m_form->resize(1000, 620);
+    Take(*m_form, "changed-files");
+    const std::pair<std::string, const char*> others[] = {
+        {"Files", "all-files"},
+        {"HKEY_LOCAL_MACHINE_NewRegistry", "hive"},
+        {"NewRegistry", "new-registry"},
+        {"Ini", "ini"},
+        {files + "\\New\\C:\\Program files\\Lanternfish studio", "folder"},
+        {files + "\\New\\C:", "drive"}};
+    for (const auto& [key, name] : others) {
+      Show(key);
+      Take(*m_form, name);
+    }
     Show("Root");
   }
 
@@ -200,7 +146,7 @@ class Session {
       for (int i = 0; i < tabs->count(); ++i) {
         tabs->setCurrentIndex(i);
         QTest::qWait(20);
-        m_camera.Take(box, QString("configuration-%1").arg(i + 1));
+        Take(box, QString("configuration-%1").arg(i + 1));
       }
       box.close();
     };
@@ -214,24 +160,14 @@ class Session {
       if (!action->isVisible()) continue;
       m_form->menuBar()->setActiveAction(action);
       QTest::qWait(10);
-      m_camera.TakeWith(*m_form, *action->menu(), "menu-" + action->menu()->objectName());
+      Take(*action->menu(), "menu-" + action->menu()->objectName());
       action->menu()->close();
       m_form->menuBar()->setActiveAction(nullptr);
     }
-    auto* const tray = m_form->findChild<QMenu*>("mnuSysTrayPopup");
-    tray->popup(m_form->mapToGlobal(QPoint(600, 400)));
-    m_camera.Take(*tray, "menu-tray");
-    tray->close();
   }
 
   void TakeBoxes() {
-    const auto next = [this](const QString& name, int wait) {
-      m_boxes.OnBox = [this, name, wait](QWidget& box) {
-        QTest::qWait(wait);
-        m_camera.Take(box, name);
-      };
-    };
-    next("error", 0);
+    m_boxes.OnBox = [this](QWidget& box) { Take(box, "error"); };
     m_form->ReportError(
         52,
         "Bad file name or number: C:\\ProgramData\\Tallow\\ (Permission denied) - "
@@ -239,11 +175,8 @@ class Session {
         "file or folder. You may wish to exclude file(s) or folder(s) using the "
         "Configuration option of Sandrels' Settings menu.",
         "clsScanDrive.DoXTree", "frmSandrel.mnuSnapShotBefore");
-    next("file-dialog", 300);
-    m_form->Controls().Menus.Run("mnuFileOpen");
-    next("folder-dialog", 300);
-    m_form->Controls().Menus.Run("mnuSettingsMachine");
-    m_boxes.OnBox = nullptr;
+    TakeBox("mnuFileOpen", "file-dialog");
+    TakeBox("mnuSettingsMachine", "folder-dialog");
   }
 
   void TakePicker() {
@@ -252,7 +185,7 @@ class Session {
     picker.SetFolder(R"(C:\Program Files\Lanternfish Studio)");
     picker.show();
     QTest::qWait(50);
-    m_camera.Take(picker, "folder-picker");
+    Take(picker, "folder-picker");
   }
 
   void TakeCopy() {
@@ -264,29 +197,20 @@ class Session {
     copy.SetProgress(57);
     copy.SetMessage("Time Remaining: 2");
     QTest::qWait(700);  // a sheet flies
-    m_camera.Take(copy, "copying");
+    Take(copy, "copying");
     copy.Close();
   }
 
   void TakePrinting() {
-    const auto run = [this](const char* item, const QString& name) {
-      m_boxes.OnBox = [this, name](QWidget& box) {
-        QTest::qWait(300);
-        m_camera.Take(box, name);
-        box.close();
-      };
-      m_form->Controls().Menus.Run(item);
-    };
     m_desk.Settings.SaveSetting("Print Preview Form", "Width", "13500");
     m_desk.Settings.SaveSetting("Print Preview Form", "Height", "9900");
     m_desk.Settings.SaveSetting("Print Preview Form", "WindowState", "0");
     for (const char* zoom : {"50%", "100%", "200%"}) {
       m_desk.Settings.SaveSetting("PrintGridPreview", "ZoomPercent", zoom);
-      run("mnuFilePrintPreview", QString("print-preview-") + QString(zoom).chopped(1));
+      TakeBox("mnuFilePrintPreview", QString("print-preview-") + QString(zoom).chopped(1));
     }
-    run("mnuFilePrintSetup", "print-setup");
-    run("mnuSettingsPrintFont", "print-font");
-    m_boxes.OnBox = nullptr;
+    TakeBox("mnuFilePrintSetup", "print-setup");
+    TakeBox("mnuSettingsPrintFont", "print-font");
   }
 
   void TakeWizard() {
@@ -299,7 +223,7 @@ class Session {
         QTest::keyClicks(wizard->findChild<QLineEdit*>("txtRun"), R"("C:\Downloads\setup.exe" /S)");
       }
       QTest::qWait(20);
-      m_camera.Take(*wizard, QString("wizard-%1").arg(number));
+      Take(*wizard, QString("wizard-%1").arg(number));
     }
     wizard->Unload();
   }
@@ -308,14 +232,14 @@ class Session {
     m_form->Controls().Menus.Run("mnuHelpAbout");
     QDialog* const about = m_form->findChild<QDialog*>("frmAbout");
     QTest::qWait(20);
-    m_camera.Take(*about, "about");
+    Take(*about, "about");
     about->close();
     m_form->Controls().Menus.Run("mnuHelpIndex");
     frmHelp& help = *m_form->Help();
     help.resize(1000, 620);
     const auto take = [&](const QString& name) {
       QTest::qWait(50);
-      m_camera.Take(help, name);
+      Take(help, name);
     };
     QTest::keyClicks(help.findChild<QLineEdit*>("txtIndex"), "ex");
     QTest::keyClick(help.findChild<QLineEdit*>("txtIndex"), Qt::Key_Return);
@@ -352,10 +276,10 @@ class Session {
     m_form->Controls().Menus.Run("mnuSnapShotBefore");
     bar.Changed = nullptr;
     if (picture.isNull()) throw std::runtime_error("the scan was over too soon for a picture");
-    m_camera.Save(picture, "scanning");
+    Save(picture, "scanning");
   }
 
-  const Camera& m_camera;
+  QString m_folder, m_kind;
   SampleDesk m_desk;
   BoxAnswerer m_boxes;
   std::unique_ptr<frmSandrel> m_form;
@@ -371,11 +295,10 @@ int Run(int argc, char** argv) {
   const QStringList arguments = QApplication::arguments();
   if (arguments.size() < 2) throw std::runtime_error("name the folder for the pictures");
   const bool dark = arguments.size() > 2 && arguments[2] == "dark";
-  if (dark) QApplication::setPalette(DarkPalette());
+  if (dark) QApplication::setPalette(QColor(45, 45, 48));
   QDir().mkpath(arguments[1]);
   const bool large = QApplication::primaryScreen()->devicePixelRatio() > 1;
-  const Camera camera(arguments[1], QString(dark ? "-dark" : "") + (large ? "-2x" : ""));
-  Session(camera).TakeAll();
+  Session(arguments[1], QString(dark ? "-dark" : "") + (large ? "-2x" : "")).TakeAll();
   return 0;
 }
 

@@ -4,7 +4,6 @@
 // Actions come from a timer, so they go on inside modal boxes, menus and scans, and within what
 // messages the program lets through. The log tells what led to a crash; a seed gives the same
 // choices, but scans end at other moments in another run.
-#include <sqlite3.h>
 #include <unistd.h>
 
 #include <QAction>
@@ -37,7 +36,7 @@
 #include <vector>
 
 #include "config/frmConfig.h"
-#include "platform/qt/clsSplitBar.h"
+#include "support/Rows.h"
 #include "window/support/SampleDesk.h"
 
 namespace sandrel::test {
@@ -281,9 +280,8 @@ class Walk {
     };
     static constexpr Kind Kinds[] = {
         {30, &Walk::ClickSomewhere}, {25, &Walk::PressKey},     {15, &Walk::RunCommand},
-        {8, &Walk::TurnWheel},       {6, &Walk::ChangeColumns}, {4, &Walk::MoveSplitter},
-        {4, &Walk::DragSomewhere},   {3, &Walk::ResizeWindow},  {2, &Walk::MinimiseOrRestore},
-        {2, &Walk::OpenMenu},        {2, &Walk::ChangeMachine}, {2, &Walk::ClickSplash},
+        {8, &Walk::TurnWheel},       {6, &Walk::ChangeColumns}, {8, &Walk::DragSomewhere},
+        {5, &Walk::ChangeWindow},    {2, &Walk::OpenMenu},      {2, &Walk::ChangeMachine},
         {1, &Walk::CloseWindow},
     };
     int sum = 0;
@@ -367,32 +365,19 @@ class Walk {
     Drag(*header->viewport(), {std::max(0, x), y}, {Below(header->width()), y});
   }
 
-  void MoveSplitter() {
-    for (QWidget* const widget : m_form->findChildren<QWidget*>("picSplit")) {
-      Drag(*widget, widget->rect().center(),
-           widget->rect().center() + QPoint(Below(900) - 450, Below(20)));
-    }
-  }
-
   void DragSomewhere() {
-    QWidget* const view = SomeView();
-    if (view != nullptr) Drag(*view, PlaceIn(*view), PlaceIn(*m_form));
+    QWidget* const bar = m_form->findChild<QWidget*>("picSplit");
+    QWidget* const widget = Chance(50) ? bar : SomeView();
+    if (widget != nullptr) Drag(*widget, PlaceIn(*widget), PlaceIn(*m_form) - widget->pos());
   }
 
-  void ResizeWindow() {
-    Note("resize");
-    m_form->resize(Below(1200) + 100, Below(800) + 50);
-  }
-
-  void MinimiseOrRestore() {
-    Note("minimise, maximise or restore");
-    if (m_form->isMinimized() || m_form->isMaximized()) {
-      m_form->showNormal();
-    } else if (Chance(50)) {
-      m_form->showMinimized();
-    } else {
-      m_form->showMaximized();
-    }
+  void ChangeWindow() {
+    const int change = Below(4);
+    Note("change of the window " + std::to_string(change));
+    if (change == 0) m_form->resize(Below(1200) + 100, Below(800) + 50);
+    if (change == 1) m_form->showMinimized();
+    if (change == 2) m_form->showMaximized();
+    if (change == 3) m_form->showNormal();
   }
 
   void OpenMenu() {
@@ -409,13 +394,6 @@ class Walk {
     Note("change " + path);
     std::filesystem::create_directories(folder);
     if (!std::filesystem::remove(path)) std::ofstream(path) << std::string(Below(50), 'x');
-  }
-
-  void ClickSplash() {
-    for (QWidget* const widget : QApplication::topLevelWidgets()) {
-      if (widget->objectName() != "frmSplash" || !widget->isVisible()) continue;
-      return Click(*widget, PlaceIn(*widget));
-    }
   }
 
   void CloseWindow() {
@@ -457,20 +435,9 @@ class Walk {
       expected = expected || path.ends_with(kind);
     }
     if (!expected) Fault("left behind: " + path);
-    if (!database) return;
-    sqlite3* file = nullptr;
-    std::string found;
-    sqlite3_open_v2(path.c_str(), &file, SQLITE_OPEN_READONLY, nullptr);
-    const int result = sqlite3_exec(
-        file, "PRAGMA integrity_check",
-        [](void* text, int, char** values, char**) {
-          *static_cast<std::string*>(text) += values[0];
-          return 0;
-        },
-        &found, nullptr);
-    sqlite3_close(file);
-    if (result == SQLITE_NOTADB && path.ends_with("broken.mdb")) return;
-    if (found != "ok") Fault(path + ": " + (result == SQLITE_OK ? found : sqlite3_errstr(result)));
+    if (!database || path.ends_with("broken.mdb")) return;
+    const std::string found = Cell(path, "PRAGMA integrity_check");
+    if (found != "ok") Fault(path + ": " + found);
   }
 
   SampleDesk m_desk;

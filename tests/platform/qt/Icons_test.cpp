@@ -2,11 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QImage>
-#include <QPainter>
-#include <QPalette>
-#include <QPixmap>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -62,43 +58,6 @@ TEST(Icons, WhatBecameOfAThingIsToldByShape) {
       EXPECT_GE(PixelsThatDiffer(shapes[a], shapes[b]), 8) << kind;
     }
   }
-}
-
-TEST(Icons, PixmapsFollowRatioAndAreDrawnOnce) {
-  for (const double ratio : {1.0, 2.0}) {
-    const QPixmap pixmap = Image("closedfolder").pixmap(Small, ratio);
-    EXPECT_EQ(pixmap.size(), Small * ratio);
-    EXPECT_EQ(pixmap.cacheKey(), Image("closedfolder").pixmap(Small, ratio).cacheKey());
-  }
-}
-
-TEST(Icons, DisabledPicturesAreGreyAndDarkWindowsHaveTheirOwn) {
-  EXPECT_TRUE(Tool("Open").pixmap(Small, 1.0, QIcon::Disabled).toImage().allGray());
-  const QPalette before = QApplication::palette();
-  const auto printAt = [&](const QColor& window) {
-    QPalette palette = before;
-    palette.setColor(QPalette::Window, window);
-    QApplication::setPalette(palette);
-    return Tool("Print").pixmap(Small, 1.0).toImage();
-  };
-  EXPECT_NE(printAt(Qt::white), printAt(Qt::black));
-  QApplication::setPalette(before);
-}
-
-TEST(Icons, PaintingKeepsToWholePixels) {
-  // At this ratio the row's corner lies between two pixels.
-  constexpr double Ratio = 1.5;
-  QImage row(36, 36, QImage::Format_ARGB32_Premultiplied);
-  row.setDevicePixelRatio(Ratio);
-  row.fill(Qt::transparent);
-  QPainter painter(&row);
-  painter.setRenderHint(QPainter::SmoothPixmapTransform);
-  Image("closedfolder").paint(&painter, QRect(QPoint(3, 3), Small));
-  painter.end();
-  QImage drawn = Image("closedfolder").pixmap(Small, Ratio).toImage();
-  drawn.setDevicePixelRatio(1);
-  row.setDevicePixelRatio(1);
-  EXPECT_EQ(row.copy(QRect(QPoint(5, 5), drawn.size())), drawn);
 }
 
 }  // namespace

@@ -167,31 +167,6 @@ TEST_F(ListWidgetTest, AScatteredSelectionSurvivesASortAndIsPaintedRowByRow) {
   EXPECT_THAT(PaintedRows(), IsEmpty());
 }
 
-TEST_F(ListWidgetTest, ColumnsFollowTheUserAndTheProgramWithoutEcho) {
-  QHeaderView& header = *widget.header();
-  list.SetWidth(1, 1507);  // not a whole number of pixels
-  EXPECT_EQ(header.sectionSize(1), 100);
-  EXPECT_EQ(list.Columns()[1].Width, 1507);
-  list.SetPosition(2, 1);
-  EXPECT_EQ(header.logicalIndex(0), 2);
-  header.resizeSection(0, 150);
-  header.moveSection(1, 2);  // Path Name behind File Name
-  std::vector<int> layout;
-  for (const ListColumn& column : list.Columns()) {
-    layout.insert(layout.end(), {column.Position, column.Width});
-  }
-  EXPECT_THAT(layout, ElementsAre(3, 2250, 2, 1507, 1, 1500));
-
-  list.BeginUpdate();
-  list.ClearColumns();
-  for (const char* const text : {"Key", "Value"}) list.AddColumn(text, 900);
-  list.SetHideColumnHeaders(true);
-  list.EndUpdate();
-  EXPECT_EQ(header.count(), 2);
-  EXPECT_EQ(header.sectionSize(1), 60);
-  EXPECT_TRUE(header.isHidden());
-}
-
 TEST_F(ListWidgetTest, LongAndStrangeTextsStayOneShortLine) {
   list.SetCell(0, 0, "a\r\nb\tc\x01\x7F" + std::string(1 << 20, 'x'));
   const QString shown = widget.model()->index(0, 0).data().toString();

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -63,21 +62,6 @@ TEST(modBoxes, LongTextsStayOnTheScreenAndWhole) {
     box.close();
   });
   AskBox(nullptr, {text});
-}
-
-TEST(modBoxes, ThePointerIsSetOnceAndRestsInBoxes) {
-  SetPointer(pointer::Hourglass);
-  SetPointer(pointer::ArrowHourglass);
-  EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BusyCursor);
-  AnswerTo(Buttons::Ok, BoxIcon::None, [](QMessageBox& box) {
-    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-    SetPointer(pointer::Hourglass);
-    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-    box.close();
-  });
-  EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
-  SetPointer(pointer::Default);
-  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST(modBoxes, ChoosesFilesThatNeedNotExist) {

@@ -13,7 +13,6 @@
 #include <string>
 #include <vector>
 
-#include "common/clsShell.h"
 #include "config/frmFolderTreeview.h"
 
 namespace sandrel::test {

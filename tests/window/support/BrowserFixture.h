@@ -3,15 +3,11 @@
 #pragma once
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <QMenu>
 #include <QMouseEvent>
 #include <algorithm>
 #include <clocale>
-#include <cstdlib>
-#include <filesystem>
-#include <stdexcept>
 
 #include "platform/controls/ImageKeys.h"
 #include "support/Rows.h"
@@ -21,29 +17,6 @@
 namespace sandrel::test {
 
 using Numbers = std::vector<int>;
-
-/// Lets nobody, not even root, write the file and its folder for as long as it lives.
-class WriteProtection {
- public:
-  explicit WriteProtection(std::filesystem::path file) : m_file(std::move(file)) {
-    Protect(0444, 0555);
-    if (geteuid() == 0 && seteuid(65534) != 0) throw std::runtime_error("can't stop being root");
-  }
-  ~WriteProtection() {
-    if (getuid() == 0 && seteuid(0) != 0) std::abort();
-    Protect(0644, 0755);
-  }
-  WriteProtection(const WriteProtection&) = delete;
-  WriteProtection& operator=(const WriteProtection&) = delete;
-
- private:
-  void Protect(unsigned file, unsigned folder) const {
-    std::filesystem::permissions(m_file, std::filesystem::perms(file));
-    std::filesystem::permissions(m_file.parent_path(), std::filesystem::perms(folder));
-  }
-
-  std::filesystem::path m_file;
-};
 
 class BrowserFixture : public WindowFixture {
  protected:

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QProcess>
-#include <QStringList>
 #include <stdexcept>
 #include <string>
 
