@@ -11,6 +11,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "Places.h"
 #include "common/clsFileWorks.h"
 #include "config/clsHome.h"
 #include "store/clsTableMaint.h"

@@ -6,6 +6,7 @@
 #include <regex>
 #include <set>
 
+#include "Places.h"
 #include "common/clsFileWorks.h"
 
 namespace sandrel {

@@ -9,6 +9,7 @@
 #include <QTabWidget>
 #include <QTreeWidget>
 
+#include "Places.h"
 #include "platform/qt/clsMarkdownPage.h"
 #include "window/support/WindowFixture.h"
 

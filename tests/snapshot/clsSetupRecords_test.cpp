@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "Places.h"
 #include "support/NumberOf.h"
 #include "support/SnapshotFixture.h"
 

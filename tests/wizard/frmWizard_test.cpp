@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 
+#include "Places.h"
 #include "platform/process/clsRunOnce.h"
 #include "support/Rows.h"
 #include "support/RunAtLogon.h"

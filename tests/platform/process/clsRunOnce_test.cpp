@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "Places.h"
 #include "common/clsFileWorks.h"
 #include "support/RunAtLogon.h"
 #include "support/TempFolder.h"

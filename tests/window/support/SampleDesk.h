@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "Places.h"
 #include "config/clsHome.h"
 #include "config/clsSettings.h"
 #include "platform/process/clsTopWindows.h"
