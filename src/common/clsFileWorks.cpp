@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "common/clsError.h"
+#include "common/clsNewFile.h"
 
 namespace sandrel {
 namespace {
@@ -35,26 +36,6 @@ class clsDescriptor {
 clsError ReadError(const std::string& path) {
   return {errnum::PathFileAccess,
           fmt::format("Can't read {}: {}", path, std::generic_category().message(errno))};
-}
-
-// Where the links at `path` lead, whether or not a file stands there.
-std::string TargetOf(const std::string& path) {
-  constexpr int MostLinks = 40;  // as the system follows
-  std::filesystem::path target = path;
-  for (int links = 0; links <= MostLinks; ++links) {
-    std::error_code failure;
-    const std::filesystem::path next = std::filesystem::read_symlink(target, failure);
-    if (failure) return target.string();
-    target = target.parent_path() / next;
-  }
-  throw ErrnoError(ELOOP, "Can't write " + path);
-}
-
-// What the system gives a new file.
-mode_t NewFileMode() {
-  const mode_t mask = umask(0);
-  umask(mask);
-  return 0666u & ~mask;
 }
 
 void WriteAll(int descriptor, std::string_view content, const std::string& path) {
@@ -111,31 +92,20 @@ std::string clsFileWorks::ReadWhole(const std::string& path, std::uint64_t limit
 }
 
 void clsFileWorks::ReplaceWhole(const std::string& path, std::string_view content) {
-  const std::string target = TargetOf(path);
-  struct stat status {};
-  const bool exists = stat(target.c_str(), &status) == 0;
-  if (exists && !S_ISREG(status.st_mode)) {  // a device would be replaced where root writes
-    throw clsError(errnum::PathFileAccess,
-                   fmt::format("Can't write {}: it is no regular file", path));
+  clsNewFile file(path);
+  WriteAll(file.Descriptor(), content, path);
+  file.Commit();
+}
+
+bool clsFileWorks::IsSameFile(const std::string& a, const std::string& b) {
+  struct stat first {};
+  struct stat second {};
+  if (stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0) {
+    return first.st_dev == second.st_dev && first.st_ino == second.st_ino;
   }
-  std::string temporary = target + ".XXXXXX";
-  clsDescriptor file(mkostemp(temporary.data(), O_CLOEXEC));
-  if (file.Get() < 0) throw ErrnoError(errno, "Can't write " + path);
-  try {
-    const mode_t mode = exists ? status.st_mode & 07777u : NewFileMode();
-    // Another user's file stays that user's where this process may see to it.
-    [[maybe_unused]] const int owned =
-        exists ? fchown(file.Get(), status.st_uid, status.st_gid) : 0;
-    if (fchmod(file.Get(), mode) != 0) throw ErrnoError(errno, "Can't write " + path);
-    WriteAll(file.Get(), content, path);
-    if (fsync(file.Get()) != 0 || file.Close() != 0) throw ErrnoError(errno, "Can't write " + path);
-    if (rename(temporary.c_str(), target.c_str()) != 0) {
-      throw ErrnoError(errno, "Can't replace " + path);
-    }
-  } catch (...) {
-    unlink(temporary.c_str());
-    throw;
-  }
+  std::error_code failure;
+  return std::filesystem::weakly_canonical(a, failure) ==
+         std::filesystem::weakly_canonical(b, failure);
 }
 
 void clsFileWorks::Sync(const std::string& path) {

@@ -20,8 +20,13 @@ class clsFileWorks {
 
   /// Puts `content` in the place of the file at `path`, which keeps its old content until the new
   /// one is on disk; a link is followed even to a file that isn't there yet, the file's
-  /// permissions and, where possible, its owner stay. Raises the number of the failure.
+  /// permissions and, where possible, its owner stay. Raises the number of the failure. A file that
+  /// isn't written at once is a clsNewFile.
   static void ReplaceWhole(const std::string& path, std::string_view content);
+
+  /// True when both paths lead to one file: the same file on disk, links followed; where one of
+  /// them isn't there, the same place.
+  static bool IsSameFile(const std::string& a, const std::string& b);
 
   /// Waits until the disk has a file's content. Raises the number of the failure.
   static void Sync(const std::string& path);

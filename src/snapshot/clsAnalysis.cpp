@@ -1,7 +1,6 @@
 #include "snapshot/clsAnalysis.h"
 
 #include <fmt/format.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -21,17 +20,6 @@
 
 namespace sandrel {
 namespace {
-
-bool IsSameFile(const std::string& a, const std::string& b) {
-  struct stat first {};
-  struct stat second {};
-  if (stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0) {
-    return first.st_dev == second.st_dev && first.st_ino == second.st_ino;
-  }
-  std::error_code failure;
-  return std::filesystem::weakly_canonical(a, failure) ==
-         std::filesystem::weakly_canonical(b, failure);
-}
 
 // All of `body` or nothing, so that it can be run again after an error.
 template <class Body>
@@ -119,7 +107,7 @@ void clsAnalysis::CheckTarget(const std::string& path) const {
         errnum::PathFileAccess,
         fmt::format("Can't write the analysis {}: it is a folder. Choose a file.", path));
   }
-  if (IsSameFile(path, m_home.WorkingDatabase())) {
+  if (clsFileWorks::IsSameFile(path, m_home.WorkingDatabase())) {
     throw clsError(errnum::PathFileAccess,
                    fmt::format("Can't write the analysis {}: that file holds the snapshots. Choose "
                                "another file.",

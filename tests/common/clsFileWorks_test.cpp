@@ -2,10 +2,13 @@
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 
+#include "common/clsNewFile.h"
 #include "support/NumberOf.h"
 #include "support/TempFolder.h"
 
@@ -68,6 +71,36 @@ TEST(clsFileWorks, LeavesEverythingAsItWasWhenItFails) {
   EXPECT_EQ(clsFileWorks::ReadWhole(path), "old");
   EXPECT_EQ(FilesIn(folder.Path()), 2u);  // no temporary file stays behind
   EXPECT_EQ(FilesIn(folder.Of("folder")), 1u);
+}
+
+TEST(clsNewFile, TakesItsPlaceWholeOrNotAtAll) {
+  TempFolder folder;
+  // As long as a name can be: what stands beside must find room too.
+  const std::string path = folder.Of(std::string(255, 'n'));
+  clsFileWorks::ReplaceWhole(path, "old");
+  {
+    clsNewFile given(path);
+    EXPECT_EQ(NumberOf([&] { clsNewFile second(path); }), errnum::PathFileAccess);
+    std::ofstream(given.Path()) << "half";
+  }
+  EXPECT_EQ(FilesIn(folder.Path()), 1u);
+
+  const pid_t child = fork();
+  if (child == 0) {  // killed in the middle
+    clsNewFile cut(path);
+    std::ofstream(cut.Path()) << "half of a longer text";
+    std::ofstream(cut.Path() + "-journal") << "half";
+    _exit(0);
+  }
+  waitpid(child, nullptr, 0);
+  EXPECT_EQ(clsFileWorks::ReadWhole(path), "old");
+  EXPECT_EQ(FilesIn(folder.Path()), 3u);
+  clsNewFile whole(path);
+  EXPECT_EQ(clsFileWorks::ReadWhole(whole.Path()), "");
+  std::ofstream(whole.Path()) << "new";
+  whole.Commit();
+  EXPECT_EQ(clsFileWorks::ReadWhole(path), "new");
+  EXPECT_EQ(FilesIn(folder.Path()), 1u);
 }
 
 TEST(clsFileWorks, ReadsRegularFilesOnly) {

@@ -1,0 +1,134 @@
+#include "common/clsNewFile.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "common/clsError.h"
+
+namespace sandrel {
+namespace {
+
+// Where the links at `path` lead, whether or not a file stands there.
+std::string TargetOf(const std::string& path) {
+  constexpr int MostLinks = 40;  // as the system follows
+  std::filesystem::path target = path;
+  for (int links = 0; links <= MostLinks; ++links) {
+    std::error_code failure;
+    const std::filesystem::path next = std::filesystem::read_symlink(target, failure);
+    if (failure) return target.string();
+    target = target.parent_path() / next;
+  }
+  throw ErrnoError(ELOOP, "Can't write " + path);
+}
+
+// Beside the target and always the same for it, so that what a killed process left is found again.
+// As short for a name of the greatest length as for any other.
+std::string PlaceBeside(const std::string& target) {
+  const std::filesystem::path path = target;
+  std::uint64_t hash = 14695981039346656037u;  // FNV-1a
+  for (const char c : path.filename().string()) {
+    hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
+  }
+  return (path.parent_path() / fmt::format(".sandrel-{:016x}", hash)).string();
+}
+
+// A database in the making has a journal.
+void DeleteJournal(const std::string& path) {
+  unlink((path + "-journal").c_str());
+}
+
+clsError Refusal(const std::string& path, std::string_view why) {
+  return {errnum::PathFileAccess, fmt::format("Can't write {}: {}", path, why)};
+}
+
+// What the system gives a new file.
+mode_t NewFileMode() {
+  const mode_t mask = umask(0);
+  umask(mask);
+  return 0666u & ~mask;
+}
+
+bool IsSame(const struct stat& a, const struct stat& b) {
+  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+}  // namespace
+
+clsNewFile::clsNewFile(const std::string& path) : m_shown(path), m_target(TargetOf(path)) {
+  struct stat status {};
+  const bool exists = stat(m_target.c_str(), &status) == 0;
+  if (exists) {
+    // A device would be replaced where root writes.
+    if (!S_ISREG(status.st_mode)) throw Refusal(path, "it is no regular file");
+    if (access(m_target.c_str(), W_OK) != 0) throw ErrnoError(errno, "Can't write " + path);
+  }
+  m_path = PlaceBeside(m_target);
+  while (!OpenLocked(path)) {
+  }
+  // Another user's file stays that user's where this process may see to it.
+  [[maybe_unused]] const int owned =
+      exists ? fchown(m_descriptor, status.st_uid, status.st_gid) : 0;
+  const mode_t mode = exists ? status.st_mode & 07777u : NewFileMode();
+  if (fchmod(m_descriptor, mode) != 0 || ftruncate(m_descriptor, 0) != 0) {
+    const int failure = errno;
+    Discard();
+    throw ErrnoError(failure, "Can't write " + path);
+  }
+  DeleteJournal(m_path);
+}
+
+// False when the file that was opened had been put in its place, or deleted, by the time that it
+// was locked.
+bool clsNewFile::OpenLocked(const std::string& path) {
+  m_descriptor = open(m_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
+  if (m_descriptor < 0) throw ErrnoError(errno, "Can't write " + path);
+  struct stat opened {};
+  struct stat present {};
+  if (flock(m_descriptor, LOCK_EX | LOCK_NB) != 0) {
+    close(std::exchange(m_descriptor, -1));
+    throw Refusal(path, "another program is writing it. Wait until it has ended");
+  }
+  if (fstat(m_descriptor, &opened) == 0 && lstat(m_path.c_str(), &present) == 0 &&
+      IsSame(opened, present)) {
+    return true;
+  }
+  close(std::exchange(m_descriptor, -1));
+  return false;
+}
+
+clsNewFile::~clsNewFile() {
+  Discard();
+}
+
+void clsNewFile::Discard() {
+  if (m_descriptor < 0) return;
+  unlink(m_path.c_str());
+  DeleteJournal(m_path);
+  close(std::exchange(m_descriptor, -1));
+}
+
+void clsNewFile::Commit() {
+  if (fsync(m_descriptor) != 0) throw ErrnoError(errno, "Can't write " + m_shown);
+  if (rename(m_path.c_str(), m_target.c_str()) != 0) {
+    throw ErrnoError(errno, "Can't replace " + m_shown);
+  }
+  close(std::exchange(m_descriptor, -1));
+  // That the name has changed is on disk too; where a folder can't be waited for, it comes later.
+  const std::string folder = std::filesystem::path(m_target).parent_path().string();
+  const int place = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (place < 0) return;
+  fsync(place);
+  close(place);
+}
+
+}  // namespace sandrel
