@@ -48,12 +48,12 @@ class clsFlag {
 }  // namespace
 
 clsAnalysisBrowser::clsAnalysisBrowser(clsShell& shell, clsSettings& settings,
-                                       clsMainControls& controls, clsAnalysis& analysis)
+                                       clsMainControls& controls, const clsHome& home)
     : Layout(shell, settings, controls),
       Pages(shell, controls, Layout),
       Tree(shell, controls, Layout, Pages),
       Editing(shell, controls, Pages, Tree),
-      Files(shell, settings, controls, Pages, analysis,
+      Files(shell, settings, controls, Pages, home,
             [this](const std::string& path) { return Open(path); }),
       m_shell(shell),
       m_controls(controls) {

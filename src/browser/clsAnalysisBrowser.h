@@ -12,8 +12,8 @@
 #include "browser/clsMainControls.h"
 #include "browser/clsPages.h"
 #include "common/clsShell.h"
+#include "config/clsHome.h"
 #include "config/clsSettings.h"
-#include "snapshot/clsAnalysis.h"
 
 namespace sandrel {
 
@@ -22,7 +22,7 @@ class clsAnalysisBrowser {
   /// All must outlive the object. Sets the events of tree and lists and the commands of the File,
   /// Edit and View menus and of the column resets.
   clsAnalysisBrowser(clsShell& shell, clsSettings& settings, clsMainControls& controls,
-                     clsAnalysis& analysis);
+                     const clsHome& home);
 
   clsColumnLayout Layout;
   clsPages Pages;

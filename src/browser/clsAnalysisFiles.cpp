@@ -8,6 +8,7 @@
 #include "common/clsPathText.h"
 #include "common/text.h"
 #include "config/modKeep.h"
+#include "snapshot/modFileDialogs.h"
 
 namespace sandrel {
 namespace {
@@ -32,14 +33,13 @@ std::string_view Behind(std::string_view whole, std::size_t units) {
 }  // namespace
 
 clsAnalysisFiles::clsAnalysisFiles(clsShell& shell, clsSettings& settings,
-                                   clsMainControls& controls, clsPages& pages,
-                                   clsAnalysis& analysis,
+                                   clsMainControls& controls, clsPages& pages, const clsHome& home,
                                    std::function<bool(const std::string& path)> open)
     : m_shell(shell),
       m_settings(settings),
       m_controls(controls),
       m_pages(pages),
-      m_analysis(analysis),
+      m_home(home),
       m_open(std::move(open)) {}
 
 std::string clsAnalysisFiles::RecentFile(int index) {
@@ -51,7 +51,7 @@ void clsAnalysisFiles::Store(int index, const std::string& path) {
 }
 
 void clsAnalysisFiles::mnuFileOpen_Click() {
-  const std::string path = m_analysis.GetViewNameAndLocation("Open Sandrel Database");
+  const std::string path = GetViewNameAndLocation(m_shell, m_home.Path(), "Open Sandrel Database");
   if (!path.empty()) OpenNamed(path);
 }
 

@@ -7,8 +7,8 @@
 #include "browser/clsMainControls.h"
 #include "browser/clsPages.h"
 #include "common/clsShell.h"
+#include "config/clsHome.h"
 #include "config/clsSettings.h"
-#include "snapshot/clsAnalysis.h"
 
 namespace sandrel {
 
@@ -17,7 +17,7 @@ class clsAnalysisFiles {
   /// All must outlive the object. `open` opens the analysis at a host path and tells whether it is
   /// one.
   clsAnalysisFiles(clsShell& shell, clsSettings& settings, clsMainControls& controls,
-                   clsPages& pages, clsAnalysis& analysis,
+                   clsPages& pages, const clsHome& home,
                    std::function<bool(const std::string& path)> open);
 
   void mnuFileOpen_Click();
@@ -47,7 +47,7 @@ class clsAnalysisFiles {
   clsSettings& m_settings;
   clsMainControls& m_controls;
   clsPages& m_pages;
-  clsAnalysis& m_analysis;
+  const clsHome& m_home;
   std::function<bool(const std::string& path)> m_open;
 };
 

@@ -26,6 +26,7 @@
 #include "snapshot/clsSetupRecords.h"
 #include "snapshot/clsSnapshots.h"
 #include "snapshot/modSettingsChange.h"
+#include "store/clsSnapshotRecord.h"
 #include "wizard/clsShellWorks.h"
 
 #ifndef SANDREL_VERSION
@@ -143,19 +144,20 @@ int clsCommands::Status() {
   const char* words = level == SnapshotLevel::None     ? "none"
                       : level == SnapshotLevel::Before ? "Before"
                                                        : "Before and After";
-  const auto time = [&](const char* key) {
-    return m_settings.GetSetting("Snapshot Creation Time", key, "None");
-  };
+  const clsSnapshotRecord record = clsSnapshotRecord::Read(m_home.WorkingDatabase());
+  const auto known = [](const std::string& text) { return text.empty() ? "not known" : text; };
   for (const MachineFact& fact : ReportMachine(MachineFolder(m_arguments.Machine, m_settings))) {
     fmt::print("{:<10} {}\n", fact.Name + ":", fact.Text);
   }
   fmt::print("Home:      {}\n", m_home.Path());
   fmt::print("Snapshots: {}\n", words);
   if (level != SnapshotLevel::None) {
-    fmt::print("Before:    {} ({})\n", time("Before"),
-               m_settings.GetSetting("Snapshot Machine", "Before " + m_home.Path()));
+    fmt::print("Before:    {} ({})\n", known(record.Time("Before")),
+               known(record.Machine("Before")));
   }
-  if (level == SnapshotLevel::BeforeAndAfter) fmt::print("After:     {}\n", time("After"));
+  if (level == SnapshotLevel::BeforeAndAfter) {
+    fmt::print("After:     {}\n", known(record.Time("After")));
+  }
   return exitstatus::Done;
 }
 

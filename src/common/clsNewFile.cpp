@@ -117,6 +117,14 @@ void clsNewFile::Discard() {
   close(std::exchange(m_descriptor, -1));
 }
 
+void clsNewFile::CopyFrom(const std::string& source) {
+  std::error_code failure;
+  std::filesystem::copy_file(source, m_path, std::filesystem::copy_options::overwrite_existing,
+                             failure);
+  if (failure)
+    throw ErrnoError(failure.value(), fmt::format("Can't copy {} to {}", source, m_path));
+}
+
 void clsNewFile::Commit() {
   if (fsync(m_descriptor) != 0) throw ErrnoError(errno, "Can't write " + m_shown);
   if (rename(m_path.c_str(), m_target.c_str()) != 0) {

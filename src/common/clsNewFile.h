@@ -24,8 +24,13 @@ class clsNewFile {
   /// Host path at which the content is to be written. The file there must stay the same one: opened
   /// and written, not replaced.
   const std::string& Path() const { return m_path; }
+  /// Host path of its place, links followed.
+  const std::string& Target() const { return m_target; }
   /// The same file's open descriptor, owned by the object.
   int Descriptor() const { return m_descriptor; }
+
+  /// Begins with the content of the file at the host path `source`.
+  void CopyFrom(const std::string& source);
 
   /// Waits until the content is on disk and puts the file in its place. Raises the number of the
   /// failure; the old file is as it was then. Called once, when nobody else has it open any more.

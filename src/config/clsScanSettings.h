@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "config/clsSettings.h"
+#include "config/clsSettingsSource.h"
 #include "platform/machine/clsMachine.h"
 
 namespace sandrel {
@@ -23,7 +23,8 @@ const std::vector<ScanHive>& ScanHives(bool remote);
 
 class clsScanSettings {
  public:
-  explicit clsScanSettings(clsSettings& settings) : m_settings(settings) {}
+  /// `settings` must outlive the object.
+  explicit clsScanSettings(clsSettingsSource& settings) : m_settings(settings) {}
 
   bool DiskScan() { return IsOn("DiskScan", "1"); }
   bool VersionInfo() { return IsOn("VersionInfo", "0"); }
@@ -48,7 +49,7 @@ class clsScanSettings {
  private:
   bool IsOn(std::string_view key, std::string_view fallback);
 
-  clsSettings& m_settings;
+  clsSettingsSource& m_settings;
 };
 
 /// The exclusions in force while the user has no list: Sandrel's own folder `appPath` (a host path,

@@ -15,9 +15,11 @@
 #include <string_view>
 #include <vector>
 
+#include "config/clsSettingsSource.h"
+
 namespace sandrel {
 
-class clsSettings {
+class clsSettings final : public clsSettingsSource {
  public:
   /// Works on the file at the host path `path`, which need not exist. Reads nothing yet.
   explicit clsSettings(std::string path);
@@ -27,9 +29,9 @@ class clsSettings {
 
   const std::string& Path() const { return m_path; }
 
-  /// The stored text, or `fallback` when there is none. Never fails.
+  using clsSettingsSource::GetSetting;
   std::string GetSetting(std::string_view section, std::string_view key,
-                         std::string_view fallback = {});
+                         std::string_view fallback) override;
   /// Raises the number of the failure when the file can't be written.
   void SaveSetting(std::string_view section, std::string_view key, std::string_view text);
   /// Deletes a key, or a whole section; one without keys is none. Raises 5 when there is none.

@@ -11,6 +11,7 @@
 #include "common/modOverwrite.h"
 #include "export/clsRegExport.h"
 #include "export/clsSandrelFileCopy.h"
+#include "snapshot/modFileDialogs.h"
 
 namespace sandrel {
 namespace {
@@ -39,8 +40,8 @@ bool IsInOneOf(const std::vector<std::string>& folders, std::string_view path) {
 }  // namespace
 
 clsExportCommands::clsExportCommands(clsShell& shell, clsMainControls& controls, clsPages& pages,
-                                     clsAnalysis& analysis)
-    : m_shell(shell), m_controls(controls), m_pages(pages), m_analysis(analysis) {}
+                                     const clsHome& home)
+    : m_shell(shell), m_controls(controls), m_pages(pages), m_home(home) {}
 
 // The selected rows of the page on show, as rows of the list `source` in its order. Rows of the
 // view of a hive or a folder stand for the rows of the same key on the page that they come from; a
@@ -91,8 +92,8 @@ void clsExportCommands::mnuFileExportToRegFile_Click() {
     }
   }
   if (registry.RegEntrys.Count() == 0) return;
-  const std::string file = m_analysis.SaveDialog("Export To Registry File", "reg",
-                                                 "Registry File *.reg|*.reg|All Files *.*|*.*");
+  const std::string file = SaveDialog(m_shell, m_home.Path(), "Export To Registry File", "reg",
+                                      "Registry File *.reg|*.reg|All Files *.*|*.*");
   if (file.empty()) return;
   std::error_code ignored;
   if (std::filesystem::equivalent(file, m_shell.State.AnalysisPath, ignored)) {

@@ -9,10 +9,10 @@
 #include "browser/clsMainControls.h"
 #include "browser/clsPages.h"
 #include "common/clsShell.h"
+#include "config/clsHome.h"
 #include "export/clsCopyProgress.h"
 #include "export/clsRegEntry.h"
 #include "platform/machine/clsMachine.h"
-#include "snapshot/clsAnalysis.h"
 
 namespace sandrel {
 
@@ -20,7 +20,7 @@ class clsExportCommands {
  public:
   /// All must outlive the object.
   clsExportCommands(clsShell& shell, clsMainControls& controls, clsPages& pages,
-                    clsAnalysis& analysis);
+                    const clsHome& home);
 
   /// The machine that files are copied from; null when there is none.
   std::function<std::shared_ptr<clsMachine>()> Machine;
@@ -46,7 +46,7 @@ class clsExportCommands {
   clsShell& m_shell;
   clsMainControls& m_controls;
   clsPages& m_pages;
-  clsAnalysis& m_analysis;
+  const clsHome& m_home;
 };
 
 }  // namespace sandrel

@@ -5,14 +5,14 @@
 #include <string>
 
 #include "common/clsLeftOut.h"
-#include "config/clsSettings.h"
+#include "config/clsSettingsSource.h"
 #include "platform/machine/clsMachine.h"
 
 namespace sandrel {
 
 struct clsScanContext {
   clsMachine& Machine;
-  clsSettings& Settings;
+  clsSettingsSource& Settings;     ///< what the scan takes
   clsLeftOut& LeftOut;             ///< what the scanner leaves out is counted here
   std::string AppPath;             ///< Sandrel's own folder on the host
   std::function<void()> DoEvents;  ///< lets waiting window messages through; may call `Cancel`

@@ -56,6 +56,7 @@ void clsScanDrive::StartDBTransaction(bool bNoIni) {
     if (!bNoIni) {
       m_sections = open(IniSectionTable);
       m_values = open(IniValueTable);
+      if (!FirstIniValueTable.empty()) m_firstValues = open(FirstIniValueTable);
     }
     if (!FirstFileTable.empty()) {
       m_firstFiles = open(FirstFileTable);
@@ -82,6 +83,7 @@ void clsScanDrive::CommitDBTransaction(bool bNoIni) {
     if (!bNoIni) {
       m_sections.reset();
       m_values.reset();
+      m_firstValues.reset();
     }
     m_database.reset();
     m_workspace.reset();

@@ -30,6 +30,8 @@ class clsScanDrive {
   std::string FirstFileTable;   ///< files of the Before snapshot during an After walk, else empty
   std::string IniSectionTable;  ///< INI sections of both snapshots
   std::string IniValueTable;    ///< INI entries of this snapshot
+  std::string
+      FirstIniValueTable;  ///< INI entries of the Before snapshot, for `DeleteExcludes` alone
 
   dao::Durability Durability = dao::Durability::Full;  ///< of the walk's commits
 
@@ -59,12 +61,12 @@ class clsScanDrive {
   void ReportProgress();
 
   /// Deletes the rows of excluded folders and files from both snapshots: `FileTable` holds the
-  /// After files, `FirstFileTable` the Before files. Raises 5 for a pattern whose base or extension
-  /// begins with "*".
+  /// After files, `FirstFileTable` the Before files. INI entries go with their files. Raises 5 for
+  /// a pattern whose base or extension begins with "*".
   void DeleteExcludes();
 
   /// Raises 5, naming the exclusion, where `DeleteExcludes` would over the folders that there are.
-  static void CheckExcludes(clsSettings& settings, const clsMachine& machine);
+  static void CheckExcludes(clsSettingsSource& settings, const clsMachine& machine);
 
   /// The program's own match of a file's name against a pattern with "?" and "*"; raises 5 for a
   /// base or an extension of the pattern that begins with "*".
@@ -93,12 +95,13 @@ class clsScanDrive {
 
   bool DoIniFile(const FileRow& row, std::string_view name, const clsDirSearch& search);
   std::int64_t SectionIdOf(std::string_view section, std::int64_t fileId);
-  void ForgetEntries(std::int64_t sectionId);
+  static void ForgetEntries(dao::Recordset& values, std::int64_t sectionId);
   void AddEntries(std::int64_t sectionId, const clsIniReader::Lines& entries);
 
   void ExcludeBranch(const std::string& entry);
   void ExcludeFiles(const std::string& entry);
   std::vector<std::int64_t> FindFolders(std::string_view folder);
+  void DeleteEntriesWithoutFile();
   static void DeleteFilesOf(dao::Recordset& files, std::int64_t pathId);
   static void DeleteFile(dao::Recordset& files, std::int64_t pathId, std::string_view name);
   static void DeleteMatches(dao::Recordset& files, std::int64_t pathId, std::string_view pattern);
@@ -107,7 +110,8 @@ class clsScanDrive {
 
   std::shared_ptr<dao::Workspace> m_workspace;
   std::unique_ptr<dao::Database> m_database;
-  std::unique_ptr<dao::Recordset> m_paths, m_files, m_firstFiles, m_sections, m_values;
+  std::unique_ptr<dao::Recordset> m_paths, m_files, m_firstFiles, m_sections, m_values,
+      m_firstValues;
   bool m_transactionOpen = false;
   // Fields of m_files, found once.
   std::size_t m_id = 0, m_pathId = 0, m_fileName = 0, m_date = 0, m_version = 0, m_size = 0,

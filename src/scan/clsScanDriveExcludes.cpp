@@ -6,7 +6,7 @@
 #include "common/clsPathText.h"
 #include "common/text.h"
 #include "config/clsScanSettings.h"
-#include "config/clsSettings.h"
+#include "config/clsSettingsSource.h"
 #include "scan/clsScanDrive.h"
 
 namespace sandrel {
@@ -82,7 +82,7 @@ bool clsScanDrive::MatchFileName(std::string_view name, std::string_view pattern
          (patterns.Extension.empty() || Matches(names.Extension, patterns.Extension));
 }
 
-void clsScanDrive::CheckExcludes(clsSettings& stored, const clsMachine& machine) {
+void clsScanDrive::CheckExcludes(clsSettingsSource& stored, const clsMachine& machine) {
   clsScanSettings settings(stored);
   if (!settings.FileExclude()) return;
   for (const std::string& entry : settings.List("ExcludeFiles")) {
@@ -111,6 +111,7 @@ void clsScanDrive::DeleteExcludes() {
       ExcludeFiles(entry);
     }
   }
+  if (m_firstValues) DeleteEntriesWithoutFile();
 }
 
 void clsScanDrive::ExcludeBranch(const std::string& entry) {
@@ -205,6 +206,26 @@ void clsScanDrive::DeleteMatches(dao::Recordset& files, std::int64_t pathId,
   while (!files.Eof() && files.Get("PathId").Integer() == pathId) {
     if (MatchFileName(files.Get("FileName").Text(), pattern)) files.Delete();
     files.MoveNext();
+  }
+}
+
+// Entries left behind would have no path, and from the next snapshot on they would count as new.
+void clsScanDrive::DeleteEntriesWithoutFile() {
+  if (m_sections->Bof() && m_sections->Eof()) return;
+  m_files->SetIndex("Id");
+  m_firstFiles->SetIndex("Id");
+  const auto stands = [](dao::Recordset& files, std::int64_t id) {
+    files.Seek("=", {id});
+    return !files.NoMatch();
+  };
+  for (m_sections->MoveFirst(); !m_sections->Eof(); m_sections->MoveNext()) {
+    const std::int64_t file = m_sections->Get("FileId").Integer();
+    if (stands(*m_files, file) || stands(*m_firstFiles, file)) continue;
+    const std::int64_t section = m_sections->Get("Id").Integer();
+    ForgetEntries(*m_values, section);
+    ForgetEntries(*m_firstValues, section);
+    m_sections->Delete();
+    m_context.DoEvents();
   }
 }
 

@@ -47,7 +47,7 @@ bool clsScanDrive::DoIniFile(const FileRow& row, std::string_view name,
       }
       const std::int64_t sectionId = SectionIdOf(section, row.Id);
       // Entries of a walk that stopped inside this file would count as repetitions.
-      if (row.Known) ForgetEntries(sectionId);
+      if (row.Known) ForgetEntries(*m_values, sectionId);
       AddEntries(sectionId, entries);
     }
   });
@@ -65,11 +65,11 @@ std::int64_t clsScanDrive::SectionIdOf(std::string_view section, std::int64_t fi
   return id;
 }
 
-void clsScanDrive::ForgetEntries(std::int64_t sectionId) {
+void clsScanDrive::ForgetEntries(dao::Recordset& values, std::int64_t sectionId) {
   for (;;) {
-    m_values->Seek(">=", {sectionId});
-    if (m_values->NoMatch() || m_values->Get("SectionId").Integer() != sectionId) return;
-    m_values->Delete();
+    values.Seek(">=", {sectionId});
+    if (values.NoMatch() || values.Get("SectionId").Integer() != sectionId) return;
+    values.Delete();
   }
 }
 

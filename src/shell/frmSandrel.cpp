@@ -64,8 +64,8 @@ frmSandrel::frmSandrel(clsSettings& settings, const clsHome& home, clsWindowList
       m_options(std::move(options)),
       m_snapshots(*this, settings, home, nullptr),
       m_analysis(*this, settings, home, nullptr),
-      m_browser(*this, settings, m_controls, m_analysis),
-      m_export(*this, m_controls, m_browser.Pages, m_analysis),
+      m_browser(*this, settings, m_controls, home),
+      m_export(*this, m_controls, m_browser.Pages, home),
       m_print(*this, m_settings, m_controls, m_browser, m_printer),
       m_commandState(*this, settings, home, m_controls) {
   setObjectName("frmSandrel");

@@ -10,6 +10,7 @@
 #include "platform/process/clsRunOnce.h"
 #include "shell/frmSandrel.h"
 #include "snapshot/clsStatements.h"
+#include "snapshot/modFileDialogs.h"
 #include "wizard/clsControlsWorks.h"
 #include "wizard/clsShellWorks.h"
 #include "wizard/frmWizard.h"
@@ -34,7 +35,7 @@ class frmSandrel::clsWizardSide final : public clsWizardCommands {
   }
   SnapshotLevel GetSnapshotLevel() const override { return m_form.m_snapshots.GetSnapshotLevel(); }
   std::string SnapshotTime(const char* which) const override {
-    return m_form.m_settings.GetSetting("Snapshot Creation Time", which);
+    return m_form.m_snapshots.Record().Time(which);
   }
   void CheckAnalysis(const std::string& path) override { m_form.m_analysis.CheckTarget(path); }
   bool MakeAnalysis(const std::string& path) override;
@@ -48,7 +49,9 @@ class frmSandrel::clsWizardSide final : public clsWizardCommands {
   void DeleteRunOnce() override;
 
   std::string ChooseProgram() override;
-  std::string ChooseAnalysis() override { return m_form.m_analysis.GetViewNameAndLocation(""); }
+  std::string ChooseAnalysis() override {
+    return GetViewNameAndLocation(m_form, m_form.m_home.Path(), "");
+  }
 
  private:
   std::shared_ptr<clsMachine> Machine();

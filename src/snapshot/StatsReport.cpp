@@ -13,7 +13,8 @@ constexpr std::string_view Indent = "        ";
 
 class clsReport {
  public:
-  clsReport(dao::Recordset& stats, clsSettings& settings) : m_stats(stats), m_settings(settings) {}
+  clsReport(dao::Recordset& stats, clsSettingsSource& settings)
+      : m_stats(stats), m_settings(settings) {}
 
   void Folders();
   void Hives();
@@ -82,7 +83,7 @@ void AddStatsRow(dao::Recordset& stats, std::string_view description, std::strin
   stats.Update();
 }
 
-void WriteStatsReport(dao::Recordset& stats, clsSettings& settings, clsMachine& machine,
+void WriteStatsReport(dao::Recordset& stats, clsSettingsSource& settings, clsMachine& machine,
                       const std::string& appPath) {
   clsReport report(stats, settings);
   report.Folders();

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "config/clsSettings.h"
+#include "config/clsSettingsSource.h"
 #include "platform/dao/Recordset.h"
 #include "platform/dao/Workspace.h"
 #include "platform/machine/clsMachine.h"
@@ -15,7 +15,7 @@ namespace sandrel {
 void AddStatsRow(dao::Recordset& stats, std::string_view description, std::string_view value);
 
 /// Adds the report's rows to the open table of statistics. `appPath` is Sandrel's own folder.
-void WriteStatsReport(dao::Recordset& stats, clsSettings& settings, clsMachine& machine,
+void WriteStatsReport(dao::Recordset& stats, clsSettingsSource& settings, clsMachine& machine,
                       const std::string& appPath);
 
 /// The value of the row of that description in the analysis at the host path `analysis`; empty

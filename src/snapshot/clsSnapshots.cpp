@@ -2,11 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <ctime>
-#include <optional>
 
 #include "common/clsError.h"
-#include "common/clsFileWorks.h"
 #include "common/clsPathText.h"
 #include "common/modDateText.h"
 #include "platform/dao/Workspace.h"
@@ -16,8 +15,9 @@ namespace sandrel {
 namespace {
 
 constexpr const char* ManagerTitle = "Sandrel Manager";
-constexpr const char* TimeSection = "Snapshot Creation Time";
-constexpr const char* MachineSection = "Snapshot Machine";
+
+// A snapshot is worth nothing until it is complete: only then the disk is waited for.
+constexpr dao::Durability WhileScanning = dao::Durability::UntilPowerFails;
 
 std::string WithAccessAdvice(const clsError& error) {
   if (error.Number() != errnum::BadFileName) return error.Description();
@@ -38,17 +38,8 @@ ScanHive clsSnapshots::HiveByIndex(int index, bool remote) {
   return known ? hives[static_cast<std::size_t>(index) - 1] : ScanHive{};
 }
 
-std::string clsSnapshots::SnapshotMachine(const char* which) {
-  return m_settings.GetSetting(MachineSection, MachineKey(which));
-}
-
-// Each home folder has snapshots of its own.
-std::string clsSnapshots::MachineKey(const char* which) const {
-  return fmt::format("{} {}", which, m_home.Path());
-}
-
 clsScanContext clsSnapshots::Context() {
-  return {Need(m_machine), m_settings, m_leftOut, m_home.Path(), [this] { m_shell.DoEvents(); }};
+  return {Need(m_machine), m_definition, m_leftOut, m_home.Path(), [this] { m_shell.DoEvents(); }};
 }
 
 // A command begins: what is missing for it is told before anything is changed.
@@ -64,41 +55,30 @@ bool clsSnapshots::NeedMachine(clsStatements& run) {
   return m_machine != nullptr;
 }
 
-// Before anything is deleted: a hive that can't be read, or a time that can't be stored, must not
-// cost the snapshot that exists; nor an exclusion the whole scan whose analysis it would end.
+// Before the long scan: what would end it, or the analysis that it is for.
 void clsSnapshots::CheckNeeds() {
-  m_settings.NeedWritable();
-  clsScanDrive::CheckExcludes(m_settings, *m_machine);
+  clsTableMaint().NeedFree(m_home.WorkingDatabase());
+  clsScanDrive::CheckExcludes(m_definition, *m_machine);
   m_machine->CloseRegistry();
-  clsScanSettings settings(m_settings);
-  if (settings.ScansLocalRegistry()) m_machine->Registry();
+  if (clsScanSettings(m_definition).ScansLocalRegistry()) m_machine->Registry();
 }
 
-void clsSnapshots::mnuSnapShotBefore_Click() {
+SnapshotResult clsSnapshots::mnuSnapShotBefore_Click() {
   clsStatements run(m_shell, "frmSandrel.mnuSnapShotBefore", WithAccessAdvice);
-  std::optional<clsHomeLock> lock;  // also while an aborted command cleans up
-  run.Command([&] { Before(run, lock); },
-              [&] {
-                EndScans();
-                if (m_changed) DiscardBefore();
-                m_shell.State.Scanning = false;
-              });
+  SnapshotResult result = SnapshotResult::Failed;
+  Lock lock;  // also while an aborted command cleans up
+  const bool ended = run.Command([&] { result = Before(run, lock); }, [&] { Discard(); });
+  return ended ? result : SnapshotResult::Failed;
 }
 
-// What an aborted command leaves open is undone by closing it.
-void clsSnapshots::EndScans() {
+// What an aborted or cancelled command leaves open is undone by closing it.
+void clsSnapshots::Discard() {
   moDriveScan.reset();
   moRegScan.reset();
   dao::Workspace& workspace = dao::DBEngine::FirstWorkspace();
   if (workspace.InTransaction()) workspace.Rollback();
-}
-
-void clsSnapshots::DiscardBefore() {
-  try {
-    clsTableMaint().DeleteDatabase(m_home.WorkingDatabase());
-  } catch (const clsError& error) {
-    m_shell.Tell(error.Description());
-  }
+  m_new.reset();
+  m_shell.State.Scanning = false;
 }
 
 bool clsSnapshots::MayOverwriteBefore() {
@@ -118,50 +98,56 @@ bool clsSnapshots::MayOverwriteBefore() {
   return m_shell.Ask({question, ManagerTitle, Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
 }
 
-void clsSnapshots::Before(clsStatements& run, std::optional<clsHomeLock>& lock) {
+SnapshotResult clsSnapshots::Before(clsStatements& run, Lock& lock) {
   AppState& state = m_shell.State;
-  m_changed = false;
+  SnapshotResult result = SnapshotResult::Failed;
   run([&] { m_shell.SetProgress(0); });
   run([&] { m_shell.SetStatusText(""); });
   bool goOn = false;
-  if (NeedMachine(run)) {
-    run([&] { lock.emplace(m_home); });
-    if (lock) run([&] { goOn = MayOverwriteBefore(); });
+  if (NeedMachine(run) && run([&] { lock.emplace(m_home); })) {
+    run([&] {
+      goOn = MayOverwriteBefore();
+      if (!goOn) result = SnapshotResult::Kept;
+    });
   }
   if (goOn) {
-    const std::string database = m_home.WorkingDatabase();
+    m_definition = clsScanDefinition::Of(m_settings);
     BeginScan(run);
     clsTableMaint maint;
-    run([&] { maint.DeleteDatabase(database); });
-    m_changed = true;
-    run([&] { maint.CreateDatabase(database); });
-    MakeTables(run, {[&] { maint.CreateTempRegKeyTable(database, "tblRegKey"); },
-                     [&] { maint.CreateTempRegValueTable(database, "tblRegValue"); },
-                     [&] { maint.CreateTempPathTable(database, "tblPaths"); },
-                     [&] { maint.CreateTempFileTable(database, "tblFiles"); },
-                     [&] { maint.CreateTempIniSectionTable(database, "tblIniSections"); },
-                     [&] { maint.CreateTempIniValueTable(database, "tblIniValues"); }});
-    // A Before snapshot is worth nothing until it is complete: only then the disk is waited for.
-    const Tables tables{"tblFiles", "", "tblRegValue", "tblIniValues",
-                        dao::Durability::UntilPowerFails};
-    ScanDisk(run, tables, true);
-    ScanRegistry(run, tables);
-    StoreSnapshot(run, "Before");
-    run([&] { ShowLastBeforeSnapshot(); });
+    const Creators creators = {
+        [&](const std::string& database) { maint.CreateTempRegKeyTable(database, "tblRegKey"); },
+        [&](const std::string& database) {
+          maint.CreateTempRegValueTable(database, "tblRegValue");
+        },
+        [&](const std::string& database) { maint.CreateTempPathTable(database, "tblPaths"); },
+        [&](const std::string& database) { maint.CreateTempFileTable(database, "tblFiles"); },
+        [&](const std::string& database) {
+          maint.CreateTempIniSectionTable(database, "tblIniSections");
+        },
+        [&](const std::string& database) {
+          maint.CreateTempIniValueTable(database, "tblIniValues");
+        },
+        [&](const std::string& database) { maint.CreateTempLeftOutTable(database, "tblLeftOut"); }};
+    if (BeginDatabase(run, "", creators)) {
+      const Tables tables{"tblFiles", "", "tblRegValue", "tblIniValues", "tblLeftOut"};
+      if (clsScanSettings(m_definition).List("ScanFolders").empty()) ScanCurrentDrive(run);
+      ScanDisk(run, tables);
+      ScanRegistry(run, tables);
+      if (EndDatabase(run, "Before")) result = SnapshotResult::Complete;
+    }
     if (!state.CloseDown) run([&] { m_shell.SetProgress(0); });
-    if (state.Scanning) run([&] { clsFileWorks::Sync(database); });
-    if (state.Scanning) {
+    if (result == SnapshotResult::Complete) {
+      run([&] { ShowLastBeforeSnapshot(); });
       run([&] { m_shell.SetStatusText("Before Snapshot Complete"); });
       run([&] { TellLeftOut(); });
     } else {
       ScanStopped();
-      run([&] { maint.DeleteDatabase(database); });
     }
-    m_machine->CloseRegistry();
     EndScan(run);
   }
   if (state.BeforeSSCompleteNotify) run([&] { m_shell.BeforeSnapshotEnded(); });
   if (!state.CloseDown) run([&] { m_shell.RefreshMenus(); });
+  return result;
 }
 
 void clsSnapshots::BeginScan(clsStatements& run) {
@@ -173,7 +159,8 @@ void clsSnapshots::BeginScan(clsStatements& run) {
 }
 
 void clsSnapshots::EndScan(clsStatements& run) {
-  m_shell.State.Scanning = false;
+  Discard();
+  m_machine->CloseRegistry();
   if (m_shell.State.CloseDown) {
     // The scanner's own answer may not have come, as when its walk ended by an error.
     m_shell.Unload();
@@ -183,14 +170,42 @@ void clsSnapshots::EndScan(clsStatements& run) {
   run([&] { m_shell.SetMousePointer(pointer::Default); });
 }
 
-// Also after a cancelled scan, whose time then stands for a snapshot that isn't there.
-void clsSnapshots::StoreSnapshot(clsStatements& run, const char* which) {
-  run([&] { m_settings.SaveSetting(TimeSection, which, LocalDateText(std::time(nullptr))); });
-  run([&] { StoreMachine(which, m_machine->Folder()); });
+// Begins the working database that is to take the present one's place: a copy of `source`, or an
+// empty one, with new tables. They are made in one transaction, as the disk is waited for once
+// then.
+bool clsSnapshots::BeginDatabase(clsStatements& run, const std::string& source,
+                                 const Creators& creators) {
+  if (!m_shell.State.Scanning) return false;
+  return run([&] { m_new = std::make_unique<clsNewFile>(m_home.WorkingDatabase()); }) && run([&] {
+           if (source.empty()) {
+             clsTableMaint().CreateDatabase(m_new->Path());
+           } else {
+             m_new->CopyFrom(source);
+           }
+         }) &&
+         run([&] {
+           dao::InTransaction(dao::DBEngine::FirstWorkspace(), [&] {
+             for (const auto& create : creators) create(m_new->Path());
+           });
+         });
 }
 
-bool clsSnapshots::SameMachine() {
-  const std::string before = SnapshotMachine("Before");
+// The snapshot is there, with its time, its machine and its definition, when this gives true; else
+// the old ones are.
+bool clsSnapshots::EndDatabase(clsStatements& run, const char* which) {
+  if (!m_shell.State.Scanning) return false;
+  return run([&] {
+           clsSnapshotRecord record = clsSnapshotRecord::Read(m_new->Path());
+           record.Set(which, LocalDateText(std::time(nullptr)), m_machine->Folder());
+           record.Definition = m_definition;
+           record.Write(m_new->Path());
+         }) &&
+         m_shell.State.Scanning &&
+         run([&] { clsTableMaint().ReplaceDatabase(*m_new, m_home.WorkingDatabase()); });
+}
+
+bool clsSnapshots::SameMachine(const clsSnapshotRecord& record) {
+  const std::string before = record.Machine("Before");
   if (before.empty() || before == m_machine->Folder()) return true;
   return m_shell.Ask(
              {fmt::format("The 'Before' snapshot was taken of the machine in {}. You are about to "
@@ -199,106 +214,98 @@ bool clsSnapshots::SameMachine() {
               ManagerTitle, Buttons::YesNo, BoxIcon::Question}) == Answer::Yes;
 }
 
+// Both snapshots of a pair scan the same: what only one of them looked at would count as new or
+// deleted.
+bool clsSnapshots::SameDefinition(const clsSnapshotRecord& record) {
+  const clsScanDefinition now = clsScanDefinition::Of(m_settings);
+  m_definition = record.Definition.IsEmpty() ? now : record.Definition;
+  const std::vector<std::string> differences = m_definition.Differences(now);
+  if (differences.empty()) return true;
+  constexpr std::size_t MostTold = 12;
+  std::string list;
+  for (std::size_t i = 0; i < std::min(differences.size(), MostTold); ++i) {
+    list += "\n    " + differences[i];
+  }
+  if (differences.size() > MostTold) {
+    list += fmt::format("\n    and {} more", differences.size() - MostTold);
+  }
+  return m_shell.Ask({fmt::format("The settings of the scan have changed since the 'Before' "
+                                  "snapshot was taken:\n{}\n\nTake the 'After' snapshot by the "
+                                  "settings of the 'Before' snapshot?",
+                                  list),
+                      ManagerTitle, Buttons::YesNo, BoxIcon::Question}) == Answer::Yes;
+}
+
 bool clsSnapshots::AfterSnapshot() {
   clsStatements run(m_shell, "frmSandrel.AfterSnapshot", WithAccessAdvice);
   bool complete = false;
-  std::optional<clsHomeLock> lock;
-  const bool ended = run.Command([&] { complete = After(run, lock); },
-                                 [&] {
-                                   EndScans();
-                                   if (m_changed) DiscardAfter();
-                                   m_shell.State.Scanning = false;
-                                 });
+  Lock lock;
+  const bool ended = run.Command([&] { complete = After(run, lock); }, [&] { Discard(); });
   return ended && complete;
 }
 
-void clsSnapshots::DiscardAfter() {
-  try {
-    DropAfterTables();
-  } catch (const clsError& error) {
-    m_shell.Tell(error.Description());
-  }
+bool clsSnapshots::MayOverwriteAfter() {
+  return GetSnapshotLevel() != SnapshotLevel::BeforeAndAfter ||
+         m_shell.Ask({"An 'After' snapshot already exists. Overwrite the existing snapshot?",
+                      ManagerTitle, Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
 }
 
-bool clsSnapshots::After(clsStatements& run, std::optional<clsHomeLock>& lock) {
+bool clsSnapshots::After(clsStatements& run, Lock& lock) {
   AppState& state = m_shell.State;
-  m_changed = false;
   run([&] { m_shell.SetProgress(0); });
   run([&] { m_shell.SetStatusText(""); });
-  if (!NeedMachine(run)) return false;
-  run([&] { lock.emplace(m_home); });
-  if (!lock) return false;
-  bool goOn = true;
-  run([&] {
-    goOn = GetSnapshotLevel() != SnapshotLevel::BeforeAndAfter ||
-           m_shell.Ask({"An 'After' snapshot already exists. Overwrite the existing snapshot?",
-                        ManagerTitle, Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
-  });
-  if (goOn) run([&] { goOn = SameMachine(); });
+  if (!NeedMachine(run) || !run([&] { lock.emplace(m_home); })) return false;
+  const clsSnapshotRecord record = Record();
+  bool goOn = false;
+  run([&] { goOn = MayOverwriteAfter() && SameMachine(record) && SameDefinition(record); });
   if (!goOn) return false;
-  const std::string database = m_home.WorkingDatabase();
   BeginScan(run);
-  m_changed = true;
   clsTableMaint maint;
-  MakeTables(run, {[&] { maint.CreateTempRegValueTable(database, "tblRegValue2"); },
-                   [&] { maint.CreateTempFileTable(database, "tblFiles2"); },
-                   [&] { maint.CreateTempIniValueTable(database, "tblIniValues2"); }});
-  const Tables tables{"tblFiles2", "tblFiles", "tblRegValue2", "tblIniValues2",
-                      dao::Durability::Full};
-  ScanDisk(run, tables, false);
-  ScanRegistry(run, tables);
-  StoreSnapshot(run, "After");
+  const Creators creators = {
+      [&](const std::string& database) { maint.CreateTempRegValueTable(database, "tblRegValue2"); },
+      [&](const std::string& database) { maint.CreateTempFileTable(database, "tblFiles2"); },
+      [&](const std::string& database) {
+        maint.CreateTempIniValueTable(database, "tblIniValues2");
+      },
+      [&](const std::string& database) { maint.CreateTempLeftOutTable(database, "tblLeftOut2"); }};
+  bool complete = false;
+  if (BeginDatabase(run, m_home.WorkingDatabase(), creators)) {
+    const Tables tables{"tblFiles2", "tblFiles", "tblRegValue2", "tblIniValues2", "tblLeftOut2"};
+    ScanDisk(run, tables);
+    ScanRegistry(run, tables);
+    complete = EndDatabase(run, "After");
+  }
   if (!state.CloseDown) run([&] { m_shell.SetProgress(0); });
-  const bool complete = state.Scanning;
   if (complete) {
     run([&] { m_shell.SetStatusText("After Snapshot Complete"); });
     run([&] { TellLeftOut(); });
   } else {
     ScanStopped();
-    run([&] { DropAfterTables(); });
   }
   EndScan(run);
   if (!state.CloseDown) run([&] { m_shell.RefreshMenus(); });
   return complete;
 }
 
-// In one transaction: a process that is killed leaves all of them or none, and the disk is waited
-// for once.
-void clsSnapshots::MakeTables(clsStatements& run,
-                              std::initializer_list<std::function<void()>> creators) {
-  dao::Workspace& workspace = dao::DBEngine::FirstWorkspace();
-  run([&] { workspace.BeginTrans(); });
-  for (const auto& create : creators) run(create);
-  run([&] { workspace.CommitTrans(); });
-}
-
-void clsSnapshots::DropAfterTables() {
-  const auto database = dao::DBEngine::FirstWorkspace().OpenDatabase(m_home.WorkingDatabase());
-  dao::TableDefs tables = database->TableDefs();
-  for (const char* table : {"tblRegValue2", "tblFiles2", "tblIniValues2"}) {
-    if (tables.Contains(table)) tables.Delete(table);
-  }
-}
-
-void clsSnapshots::ScanDisk(clsStatements& run, const Tables& tables, bool storeDrive) {
-  if (!clsScanSettings(m_settings).DiskScan() || !m_shell.State.Scanning) return;
-  for (int i = 1;; ++i) {
-    std::string folder;
-    run([&] { folder = m_settings.GetSetting("ScanFolders", fmt::to_string(i)); });
-    if (folder.empty() && i == 1 && storeDrive) {
-      run([&] {
-        folder = m_machine->CurrentDrive();
-        if (folder.empty()) {
-          throw clsError(errnum::Machine, fmt::format("The machine in {} has no drive to scan.",
-                                                      m_machine->Folder()));
-        }
-      });
-      if (folder.empty()) return;
-      run([&] { m_settings.SaveSetting("ScanFolders", "1", folder); });
+// A first snapshot without a list of folders scans the machine's current drive, which the list has
+// from then on.
+void clsSnapshots::ScanCurrentDrive(clsStatements& run) {
+  if (!clsScanSettings(m_definition).DiskScan()) return;
+  run([&] {
+    const std::string drive = m_machine->CurrentDrive();
+    if (drive.empty()) {
+      throw clsError(errnum::Machine,
+                     fmt::format("The machine in {} has no drive to scan.", m_machine->Folder()));
     }
-    if (folder.empty()) return;
-    ScanFolder(run, tables, folder);
-  }
+    m_definition.Set("ScanFolders", "1", drive);
+    m_settings.SaveSetting("ScanFolders", "1", drive);
+  });
+}
+
+void clsSnapshots::ScanDisk(clsStatements& run, const Tables& tables) {
+  clsScanSettings settings(m_definition);
+  if (!settings.DiskScan() || !m_shell.State.Scanning) return;
+  for (const std::string& folder : settings.List("ScanFolders")) ScanFolder(run, tables, folder);
 }
 
 void clsSnapshots::ScanFolder(clsStatements& run, const Tables& tables, const std::string& folder) {
@@ -308,13 +315,13 @@ void clsSnapshots::ScanFolder(clsStatements& run, const Tables& tables, const st
   moDriveScan->AckCancel = [this] { AcknowledgeCancel(); };
   run([&] { m_shell.SetProgress(0); });
   run([&] { m_shell.SetStatusText("Scanning Folder " + folder + "..."); });
-  moDriveScan->Database = m_home.WorkingDatabase();
+  moDriveScan->Database = m_new->Path();
   moDriveScan->PathTable = "tblPaths";
   moDriveScan->FileTable = tables.Files;
   moDriveScan->FirstFileTable = tables.FirstFiles;
   moDriveScan->IniSectionTable = "tblIniSections";
   moDriveScan->IniValueTable = tables.IniValues;
-  moDriveScan->Durability = tables.Durability;
+  moDriveScan->Durability = WhileScanning;
   // Every folder of the list gets its scanner; after a stop its walk ends at once.
   if (!m_shell.State.Scanning) moDriveScan->Cancel();
   run([&] { moDriveScan->StartDBTransaction(false); });
@@ -326,15 +333,15 @@ void clsSnapshots::ScanFolder(clsStatements& run, const Tables& tables, const st
 }
 
 void clsSnapshots::ScanRegistry(clsStatements& run, const Tables& tables) {
-  if (!clsScanSettings(m_settings).RegScan() || !m_shell.State.Scanning) return;
+  if (!clsScanSettings(m_definition).RegScan() || !m_shell.State.Scanning) return;
   clsScanContext context = Context();
   moRegScan = std::make_unique<clsScanReg>(context);
   moRegScan->PercentComplete = [this](int percent) { m_shell.SetProgress(percent); };
   moRegScan->AckCancel = [this] { AcknowledgeCancel(); };
-  moRegScan->Database = m_home.WorkingDatabase();
+  moRegScan->Database = m_new->Path();
   moRegScan->KeyTable = "tblRegKey";
   moRegScan->ValueTable = tables.RegValues;
-  moRegScan->Durability = tables.Durability;
+  moRegScan->Durability = WhileScanning;
   run([&] { moRegScan->StartDBTransaction(); });
   ScanRegistryHives(run);
   run([&] { moRegScan->CommitDBTransaction(); });
@@ -343,7 +350,7 @@ void clsSnapshots::ScanRegistry(clsStatements& run, const Tables& tables) {
 }
 
 void clsSnapshots::ScanRegistryHives(clsStatements& run) {
-  clsScanSettings settings(m_settings);
+  clsScanSettings settings(m_definition);
   const std::string name = settings.RemoteName();
   const std::string prefix = name.empty() ? name : "\\\\" + name + "\\";
   run([&] { m_shell.SetProgress(0); });
@@ -380,7 +387,7 @@ void clsSnapshots::ScanRegistryHives(clsStatements& run) {
 // A Wine server that still holds changes in memory is given the time to write them. The hives are
 // read as they are now, not as they were before the files were scanned.
 void clsSnapshots::WaitForServer(clsMachine& machine) {
-  bool timePassed = clsScanSettings(m_settings).DiskScan();
+  bool timePassed = clsScanSettings(m_definition).DiskScan();
   const clsServerWait wait(machine);
   if (wait.IsNeeded()) {
     timePassed = true;
@@ -436,7 +443,7 @@ void clsSnapshots::ForgetLeftOut() {
 void clsSnapshots::TellLeftOut() {
   m_leftOut.Add(m_machine->LeftOutCounts());
   m_machine->LeftOutCounts().Clear();
-  clsScanSettings settings(m_settings);
+  clsScanSettings settings(m_definition);
   if (settings.ScansLocalRegistry()) {
     m_leftOut.Add(m_machine->Registry().LeftOutCounts());
   } else if (settings.RegScan()) {
@@ -446,26 +453,12 @@ void clsSnapshots::TellLeftOut() {
   if (const std::string summary = m_leftOut.Summary(); !summary.empty()) m_shell.Tell(summary);
 }
 
-void clsSnapshots::StoreMachine(const char* which, const std::string& folder) {
-  m_settings.SaveSetting(MachineSection, MachineKey(which), folder);
-}
-
 void clsSnapshots::mnuSnapShotRollUp_Click() {
   clsStatements run(m_shell, "frmSandrel.mnuSnapShotRollUp");
   run.Command(
       [&] {
-        bool replaced = false;
-        run([&] {
-          ReplaceBefore();
-          replaced = true;
-        });
-        if (!replaced) return;
+        if (!run([&] { ReplaceBefore(); })) return;
         run([&] { m_shell.UpdateCommandState(); });
-        run([&] {
-          m_settings.SaveSetting(TimeSection, "Before",
-                                 m_settings.GetSetting(TimeSection, "After"));
-        });
-        run([&] { StoreMachine("Before", SnapshotMachine("After")); });
         run([&] { ShowLastBeforeSnapshot(); });
       },
       [] {});
@@ -473,20 +466,24 @@ void clsSnapshots::mnuSnapShotRollUp_Click() {
 
 void clsSnapshots::ReplaceBefore() {
   const clsHomeLock lock(m_home);
-  const auto workspace = dao::DBEngine::CreateWorkspace("RollUp");
-  const auto database = workspace->OpenDatabase(m_home.WorkingDatabase());
-  workspace->BeginTrans();
-  dao::TableDefs tables = database->TableDefs();
-  for (const char* table : {"tblFiles", "tblRegValue", "tblIniValues"}) {
-    tables.Delete(table);
-    tables.Rename(std::string(table) + "2", table);
-  }
-  workspace->CommitTrans();
+  const std::string working = m_home.WorkingDatabase();
+  clsSnapshotRecord record = Record();
+  record.Set("Before", record.Time("After"), record.Machine("After"));
+  dao::Workspace& workspace = dao::DBEngine::FirstWorkspace();
+  const auto database = workspace.OpenDatabase(working);
+  dao::InTransaction(workspace, [&] {
+    dao::TableDefs tables = database->TableDefs();
+    for (const char* table : {"tblFiles", "tblRegValue", "tblIniValues", "tblLeftOut"}) {
+      tables.Delete(table);
+      tables.Rename(std::string(table) + "2", table);
+    }
+    record.Write(working);
+  });
 }
 
 void clsSnapshots::ShowLastBeforeSnapshot() {
-  m_shell.ShowBeforeTime("Last 'Before' Snapshot: " +
-                         m_settings.GetSetting(TimeSection, "Before", "None"));
+  const std::string time = Record().Time("Before");
+  m_shell.ShowBeforeTime("Last 'Before' Snapshot: " + (time.empty() ? "None" : time));
 }
 
 }  // namespace sandrel

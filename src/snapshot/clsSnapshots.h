@@ -7,13 +7,13 @@
 
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "common/clsLeftOut.h"
+#include "common/clsNewFile.h"
 #include "common/clsShell.h"
 #include "config/clsHome.h"
 #include "config/clsScanSettings.h"
@@ -22,9 +22,17 @@
 #include "scan/clsScanDrive.h"
 #include "scan/clsScanReg.h"
 #include "snapshot/clsStatements.h"
+#include "store/clsSnapshotRecord.h"
 #include "store/clsTableMaint.h"
 
 namespace sandrel {
+
+/// How a Before command ended.
+enum class SnapshotResult {
+  Complete,  ///< there is a new snapshot
+  Kept,      ///< the user keeps the one that exists
+  Failed     ///< refused, cancelled, aborted or failed; what existed is as it was
+};
 
 class clsSnapshots {
  public:
@@ -41,17 +49,20 @@ class clsSnapshots {
   SnapshotLevel GetSnapshotLevel() const { return ReadSnapshotLevel(m_home.WorkingDatabase()); }
 
   /// Takes the Before snapshot into a fresh working database; asks before it overwrites another.
-  /// Returns when the snapshot is finished or refused.
-  void mnuSnapShotBefore_Click();
+  /// The database takes the old one's place when it is complete and on disk: whatever happens
+  /// before leaves the old snapshots. Returns when the snapshot is finished or refused.
+  SnapshotResult mnuSnapShotBefore_Click();
 
-  /// Takes the After snapshot beside the Before snapshot. True when it is complete; false when the
-  /// user refused to overwrite one, cancelled or aborted.
+  /// Takes the After snapshot of what the Before snapshot is of; asks when the settings say
+  /// something else by now. It is added to a copy of the working database, which takes the place of
+  /// that when it is complete and on disk. True when it is; false when the user refused to
+  /// overwrite one, cancelled or aborted.
   bool AfterSnapshot();
 
   /// Makes the After snapshot the Before snapshot, in one transaction.
   void mnuSnapShotRollUp_Click();
 
-  /// Shows the stored time of the Before snapshot.
+  /// Shows when the Before snapshot was taken.
   void ShowLastBeforeSnapshot();
 
   /// Asks whether the scan is to be cancelled and tells the running scanner. True for Yes.
@@ -63,41 +74,40 @@ class clsSnapshots {
   /// Another computer has only two.
   static ScanHive HiveByIndex(int index, bool remote);
 
-  /// The folder of the machine that a snapshot of this home, "Before" or "After", was taken of;
-  /// empty when there is none.
-  std::string SnapshotMachine(const char* which);
+  /// What is known of the snapshots of this home.
+  clsSnapshotRecord Record() const { return clsSnapshotRecord::Read(m_home.WorkingDatabase()); }
 
  private:
+  using Creators = std::vector<std::function<void(const std::string& database)>>;
   struct Tables {
     const char* Files;
     const char* FirstFiles;
     const char* RegValues;
     const char* IniValues;
-    dao::Durability Durability;
+    const char* LeftOut;
   };
+  using Lock = std::optional<clsHomeLock>;
 
   bool NeedMachine(clsStatements& run);
   bool MayOverwriteBefore();
-  bool SameMachine();
-  void Before(clsStatements& run, std::optional<clsHomeLock>& lock);
-  bool After(clsStatements& run, std::optional<clsHomeLock>& lock);
+  bool MayOverwriteAfter();
+  bool SameMachine(const clsSnapshotRecord& record);
+  bool SameDefinition(const clsSnapshotRecord& record);
+  SnapshotResult Before(clsStatements& run, Lock& lock);
+  bool After(clsStatements& run, Lock& lock);
   void CheckNeeds();
+  bool BeginDatabase(clsStatements& run, const std::string& source, const Creators& creators);
+  bool EndDatabase(clsStatements& run, const char* which);
   void ScanFolder(clsStatements& run, const Tables& tables, const std::string& folder);
-  void ScanDisk(clsStatements& run, const Tables& tables, bool storeDrive);
+  void ScanDisk(clsStatements& run, const Tables& tables);
+  void ScanCurrentDrive(clsStatements& run);
   void ScanRegistry(clsStatements& run, const Tables& tables);
   void ScanRegistryHives(clsStatements& run);
   void WaitForServer(clsMachine& machine);
-  void MakeTables(clsStatements& run, std::initializer_list<std::function<void()>> creators);
-  void EndScans();
+  void Discard();
   void ReplaceBefore();
-  void DropAfterTables();
-  void DiscardBefore();
-  void DiscardAfter();
-  void StoreSnapshot(clsStatements& run, const char* which);
   void BeginScan(clsStatements& run);
   void EndScan(clsStatements& run);
-  void StoreMachine(const char* which, const std::string& folder);
-  std::string MachineKey(const char* which) const;
   void ForgetLeftOut();
   void ScanStopped();
   void AcknowledgeCancel();
@@ -108,8 +118,10 @@ class clsSnapshots {
   clsSettings& m_settings;
   const clsHome& m_home;
   std::shared_ptr<clsMachine> m_machine;
+  // Of the running command:
   clsLeftOut m_leftOut;
-  bool m_changed = false;  // the running command has begun to change the working database
+  clsScanDefinition m_definition;     // what is scanned
+  std::unique_ptr<clsNewFile> m_new;  // the working database in the making
   // Set while that scanner runs.
   std::unique_ptr<clsScanDrive> moDriveScan;
   std::unique_ptr<clsScanReg> moRegScan;

@@ -34,17 +34,18 @@ class clsStatements {
     }
   }
 
-  /// Runs one statement. An error after which the store had undone the open transaction ends the
+  /// Runs one statement; false when it failed and the command goes on without it. An error after
+  /// which the store had undone the open transaction ends the
   /// command as a cancel does, whatever the answer but Abort: what Retry would repeat is no longer
   /// all that is missing.
   template <class Statement>
-  void operator()(Statement&& statement) {
+  bool operator()(Statement&& statement) {
     for (;;) {
       try {
         statement();
-        return;
+        return true;
       } catch (const clsError& error) {
-        if (!Again(error)) return;
+        if (!Again(error)) return false;
       }
     }
   }

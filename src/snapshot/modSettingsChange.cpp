@@ -16,14 +16,6 @@ bool IsOneOf(std::string_view name, const std::array<const char*, Size>& names) 
                      [&](const char* one) { return text::EqualNoCase(name, one); });
 }
 
-// The times of snapshots that are no more.
-void ForgetTimes(clsSettings& settings) {
-  constexpr const char* Section = "Snapshot Creation Time";
-  for (const char* key : {"Before", "After"}) {
-    if (!settings.GetSetting(Section, key).empty()) settings.DeleteSetting(Section, key);
-  }
-}
-
 }  // namespace
 
 bool IsScanSetting(std::string_view section, std::string_view key) {
@@ -49,12 +41,7 @@ bool ChangeScanSettings(clsShell& shell, clsSettings& settings, const clsHome& h
   const std::string working = home.WorkingDatabase();
   const SnapshotLevel level = ReadSnapshotLevel(working);
   if (!ConfirmSettingsChange(shell, level)) return false;
-  settings.Together(
-      [&] {
-        save();
-        if (level != SnapshotLevel::None) ForgetTimes(settings);
-      },
-      [&] { clsTableMaint().DeleteDatabase(working); });
+  settings.Together(save, [&] { clsTableMaint().DeleteDatabase(working); });
   return true;
 }
 

@@ -84,6 +84,20 @@ const TableShape& IniValues() {
   return shape;
 }
 
+const TableShape& LeftOut() {
+  static const TableShape shape{{Text("What", 20, Empty::Refused, true), Long("Hive", true),
+                                 Memo("Path"), Memo("Name"), Text("Reason", 255, Empty::Allowed)},
+                                {Clustered({"What", "Hive", "Path", "Name"})}};
+  return shape;
+}
+
+const TableShape& Settings() {
+  static const TableShape shape{{Text("Section", 255, Empty::Refused, true),
+                                 Text("Key", 255, Empty::Refused, true), Memo("Value")},
+                                {Clustered({"Section", "Key"})}};
+  return shape;
+}
+
 const TableShape& NewOrOldFiles() {
   static const TableShape shape{
       {Text("PathName", 255, Empty::Refused), Text("FileName", 255, Empty::Allowed),

@@ -23,6 +23,8 @@ const TableShape& RegKeys();
 const TableShape& RegValues();
 const TableShape& IniSections();
 const TableShape& IniValues();
+const TableShape& LeftOut();   // exists once for each snapshot, as do the leaf tables
+const TableShape& Settings();  // of both: times, machines, what is scanned
 // An analysis.
 const TableShape& NewOrOldFiles();
 const TableShape& ChangedFiles();

@@ -27,18 +27,7 @@ void MakeTable(dao::TableDefs tables, const std::string& name, const TableShape&
 void CreateTable(const std::string& path, const std::string& name, const TableShape& shape) {
   dao::Workspace& workspace = dao::DBEngine::FirstWorkspace();
   const auto database = workspace.OpenDatabase(path);
-  if (workspace.InTransaction()) {
-    MakeTable(database->TableDefs(), name, shape);
-    return;
-  }
-  workspace.BeginTrans();
-  try {
-    MakeTable(database->TableDefs(), name, shape);
-    workspace.CommitTrans();
-  } catch (const clsError&) {
-    if (workspace.InTransaction()) workspace.Rollback();
-    throw;
-  }
+  dao::InTransaction(workspace, [&] { MakeTable(database->TableDefs(), name, shape); });
 }
 
 void CreateAs(const char* source, const std::string& database, const std::string& table,
@@ -68,19 +57,38 @@ void clsTableMaint::CreateDatabase(const std::string& database) {
   });
 }
 
+void clsTableMaint::NeedFree(const std::string& database) {
+  if (!clsFileWorks::FileExists(database) || !dao::DBEngine::IsLocked(database)) return;
+  throw clsError(
+      errnum::RecordLocked,
+      fmt::format("Can't replace or delete {}; another program is writing it. Close that "
+                  "program or wait for it, and try again.",
+                  database),
+      "clsTableMaint.NeedFree");
+}
+
 void clsTableMaint::DeleteDatabase(const std::string& database) {
   RaiseAs("clsTableMaint.DeleteDatabase", [&] {
     if (!clsFileWorks::FileExists(database)) return;
-    if (dao::DBEngine::IsLocked(database)) {
-      throw clsError(
-          errnum::RecordLocked,
-          fmt::format("Can't delete {}; another program is writing it. Close that program or "
-                      "wait for it, and try again.",
-                      database));
-    }
+    NeedFree(database);
     clsFileWorks::DeleteFile(database);
     // A killed run's journal must not be taken for one of the next file of this name.
     clsFileWorks::DeleteFile(database + "-journal");
+  });
+}
+
+void clsTableMaint::CheckDatabase(const std::string& database) {
+  RaiseAs("clsTableMaint.CheckDatabase",
+          [&] { dao::DBEngine::FirstWorkspace().OpenDatabase(database)->Check(); });
+}
+
+void clsTableMaint::ReplaceDatabase(clsNewFile& file, const std::string& database) {
+  RaiseAs("clsTableMaint.ReplaceDatabase", [&] {
+    // A journal that a killed writer left belongs to the old file. It is played back here; what the
+    // engine leaves of one must not be taken for the new file's.
+    NeedFree(database);
+    clsFileWorks::DeleteFile(file.Target() + "-journal");
+    file.Commit();
   });
 }
 
@@ -107,6 +115,14 @@ void clsTableMaint::CreateTempIniSectionTable(const std::string& database,
 
 void clsTableMaint::CreateTempIniValueTable(const std::string& database, const std::string& table) {
   CreateAs("clsTableMaint.CreateTempIniValueTable", database, table, shapes::IniValues());
+}
+
+void clsTableMaint::CreateTempLeftOutTable(const std::string& database, const std::string& table) {
+  CreateAs("clsTableMaint.CreateTempLeftOutTable", database, table, shapes::LeftOut());
+}
+
+void clsTableMaint::CreateTempSettingsTable(const std::string& database, const std::string& table) {
+  CreateAs("clsTableMaint.CreateTempSettingsTable", database, table, shapes::Settings());
 }
 
 void clsTableMaint::CreateNewOrOldFilesTable(const std::string& database,

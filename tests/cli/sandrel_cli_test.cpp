@@ -6,10 +6,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "Places.h"
 #include "common/clsFileWorks.h"
@@ -202,51 +205,99 @@ class SandrelCliStopped : public SandrelCli {
       m_sample.WriteFile("C:\\many\\f" + std::to_string(i % 400) + "\\n" + std::to_string(i), "");
   }
 
-  /// Waits until the walk has begun to commit, then sends the signal.
-  Result Interrupt(pid_t child, int signal, const char* table) {
-    for (int i = 0; i < 2000; ++i) {
-      usleep(1000);
-      try {
-        if (Cell(Working(), std::string("SELECT count(*) > 100 FROM ") + table) == "1") break;
-      } catch (const std::exception&) {
-        continue;  // not there yet
-      }
-    }
+  /// Sends the signal once the working database in the making has grown to so many bytes.
+  Result Interrupt(pid_t child, int signal, std::uintmax_t size) {
+    for (int i = 0; i < 2000 && InTheMaking() < size; ++i) usleep(1000);
     kill(child, signal);
     return Finish(child);
+  }
+
+  std::uintmax_t InTheMaking() const {
+    for (const auto& item : std::filesystem::directory_iterator(m_temp.Of("home"))) {
+      std::error_code gone;
+      if (item.path().filename().string().starts_with(".sandrel-")) return item.file_size(gone);
+    }
+    return 0;
+  }
+
+  /// Kills the command at moments spread over its run; `check` looks at what each has left.
+  void KillAtManyMoments(
+      const std::vector<std::string>& command, const std::function<void()>& check,
+      const std::function<void()>& prepare = [] {}) {
+    using Clock = std::chrono::steady_clock;
+    prepare();
+    const auto begun = Clock::now();
+    ASSERT_EQ(Run(command).Status, 0);
+    const auto whole = Clock::now() - begun;
+    constexpr int Moments = 20;
+    for (int i = 0; i < Moments && !HasFailure(); ++i) {
+      prepare();
+      const pid_t child = Start(command);
+      std::this_thread::sleep_for(whole * i / Moments);
+      kill(child, SIGKILL);
+      Finish(child);
+      SCOPED_TRACE(command[0] + " killed after " + std::to_string(i) + "/20 of its time");
+      check();
+    }
   }
 };
 
 TEST_F(SandrelCliStopped, AnInterruptCancelsCleanly) {
-  const Result before = Interrupt(Start({"before"}), SIGINT, "tblFiles");
+  const Result before = Interrupt(Start({"before"}), SIGINT, 100000);
   EXPECT_EQ(before.Status, 1) << before.Err;
   EXPECT_EQ(before.Err, "sandrel-cli: Scan Stopped\n");
   EXPECT_FALSE(clsFileWorks::FileExists(Working()));
   ASSERT_EQ(Run({"before"}).Status, 0);
   std::ofstream(File()) << "older";
-  EXPECT_EQ(Interrupt(Start({"after", File(), "--yes"}), SIGINT, "tblFiles2").Status, 1);
+  const auto size = std::filesystem::file_size(Working());
+  EXPECT_EQ(Interrupt(Start({"after", File(), "--yes"}), SIGINT, size + 50000).Status, 1);
   EXPECT_EQ(Cell(Working(), "SELECT count(*) FROM sqlite_master WHERE name LIKE '%2%'"), "0");
   EXPECT_EQ(ReadSnapshotLevel(Working()), SnapshotLevel::Before);
   EXPECT_EQ(clsFileWorks::ReadWhole(File()), "older");
+  EXPECT_EQ(InTheMaking(), 0U);
   EXPECT_TRUE(IsWhole(Working()));
 }
 
-TEST_F(SandrelCliStopped, AKilledScanLeavesAWholeDatabase) {
-  EXPECT_EQ(Interrupt(Start({"before"}), SIGKILL, "tblFiles").Status, -SIGKILL);
-  EXPECT_TRUE(IsWhole(Working()));
-  ASSERT_EQ(Run({"before", "--yes"}).Status, 0);
-  Interrupt(Start({"after", File()}), SIGKILL, "tblFiles2");
-  EXPECT_TRUE(IsWhole(Working()));
-  EXPECT_EQ(Run({"after", File(), "--yes"}).Status, 0);
-  EXPECT_EQ(Cell(File(), "SELECT group_concat(Value) FROM tblStats WHERE id <= 9"),
-            "0,0,0,0,0,0,0,0,0");
+TEST_F(SandrelCliStopped, AKilledCommandLeavesTheOldStateOrTheNewOne) {
+  ASSERT_EQ(Run({"before"}).Status, 0);
+  const std::string old = Cell(Working(), "SELECT count(*) FROM tblFiles");
+  m_sample.WriteFile("C:\\many\\new.txt", "");
+  const std::string fresh = std::to_string(std::stoi(old) + 1);
+  KillAtManyMoments({"before", "--yes"}, [&] {
+    EXPECT_TRUE(IsWhole(Working()));
+    const std::string files = Cell(Working(), "SELECT count(*) FROM tblFiles");
+    EXPECT_TRUE(files == old || files == fresh) << files;
+    EXPECT_EQ(ReadSnapshotLevel(Working()), SnapshotLevel::Before);
+  });
+  const std::string counts = "SELECT group_concat(Value) FROM tblStats WHERE id <= 9";
+  m_sample.WriteFile("C:\\many\\newer.txt", "");
+  KillAtManyMoments({"after", File(), "--yes"}, [&] {
+    EXPECT_TRUE(IsWhole(Working()) && IsWhole(File()));
+    EXPECT_EQ(Cell(File(), counts), "0,0,0,1,0,0,0,0,0");
+  });
+  int number = 0;
+  KillAtManyMoments(
+      {"replace"},
+      [&] {
+        EXPECT_TRUE(IsWhole(Working()));
+        const std::string latest =
+            Cell(Working(), "SELECT count(*) FROM tblFiles WHERE FileName = 'r" +
+                                std::to_string(number) + "'");
+        EXPECT_EQ(ReadSnapshotLevel(Working()),
+                  latest == "1" ? SnapshotLevel::Before : SnapshotLevel::BeforeAndAfter);
+      },
+      [&] {
+        m_sample.WriteFile("C:\\r" + std::to_string(++number), "");
+        EXPECT_EQ(Run({"after", File(), "--yes"}).Status, 0);
+      });
+  EXPECT_EQ(InTheMaking(), 0U) << "what a killed run left is taken over by the next one";
 }
 
 TEST_F(SandrelCliStopped, AFullDiskIsToldAndLeavesNothingHalf) {
   // A limit on the size of files stands for the disk.
   const Result before = Finish(Start({"before"}, 150000));
   EXPECT_EQ(before.Status, 2);
-  EXPECT_NE(before.Err.find("SandrelTemp.zqd"), std::string::npos) << before.Err;
+  EXPECT_NE(before.Err.find(m_temp.Of("home")), std::string::npos) << before.Err;
   EXPECT_EQ(ReadSnapshotLevel(Working()), SnapshotLevel::None);
   ASSERT_EQ(Run({"before"}).Status, 0);
   const auto size = std::filesystem::file_size(Working());

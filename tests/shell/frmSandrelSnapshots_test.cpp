@@ -6,6 +6,8 @@
 #include <set>
 
 #include "shell/frmSandrel.h"
+#include "store/clsSnapshotRecord.h"
+#include "support/Rows.h"
 #include "window/support/WindowFixture.h"
 
 namespace sandrel::test {
@@ -63,7 +65,7 @@ TEST_F(frmSandrelSnapshotsTest, BeforeShowsItsProgressAndLocksTheCommands) {
   EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
   EXPECT_EQ(Commands(), "Before After Menus");
   EXPECT_EQ(TimeText(),
-            "Last 'Before' Snapshot: " + m_settings.GetSetting("Snapshot Creation Time", "Before"));
+            "Last 'Before' Snapshot: " + clsSnapshotRecord::Read(Working()).Time("Before"));
 }
 
 TEST_F(frmSandrelSnapshotsTest, ClosingDuringAScanEndsItOrIsRefused) {
@@ -101,7 +103,9 @@ TEST_F(frmSandrelSnapshotsTest, AfterOpensItsAnalysisAndReplaceBeginsAnew) {
   EXPECT_EQ(List(page::NewFiles).RowCount(), 1U);
   EXPECT_EQ(Commands(), "Before After Replace Menus");
 
-  m_settings.SaveSetting("Snapshot Creation Time", "After", "1/2/2003 4:05:06 AM");
+  clsSnapshotRecord record = clsSnapshotRecord::Read(Working());
+  record.Set("After", "1/2/2003 4:05:06 AM", record.Machine("After"));
+  record.Write(Working());
   PressButton("ReplaceBeforeSnapshot");
   EXPECT_EQ(Commands(), "Before After Menus");
   EXPECT_EQ(TimeText(), "Last 'Before' Snapshot: 1/2/2003 4:05:06 AM");
@@ -110,7 +114,7 @@ TEST_F(frmSandrelSnapshotsTest, AfterOpensItsAnalysisAndReplaceBeginsAnew) {
   EXPECT_EQ(List(page::NewFiles).RowCount(), 0U);
 }
 
-TEST_F(frmSandrelSnapshotsTest, AStoppedAnalysisClosesTheOneThatItReplaces) {
+TEST_F(frmSandrelSnapshotsTest, AStoppedAnalysisLeavesTheFileThatItWasToReplace) {
   const std::string path = m_temp.Of("x.mdb");
   StartWith("Yes");
   After(path, {});
@@ -118,7 +122,7 @@ TEST_F(frmSandrelSnapshotsTest, AStoppedAnalysisClosesTheOneThatItReplaces) {
   After(path, {"Yes", "Yes", "Yes"});
   EXPECT_EQ(m_boxes.Log.back(), Cancel);
   EXPECT_EQ(Status(), "Scan Stopped");
-  EXPECT_FALSE(clsFileWorks::FileExists(path));
+  EXPECT_TRUE(IsWhole(path));
   EXPECT_EQ(Tree().Count(), 0U);
   EXPECT_EQ(Title(), "Untitled - Sandrel");
   EXPECT_EQ(Commands(), "Before After Replace Menus");

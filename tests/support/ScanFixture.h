@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "config/clsSettings.h"
 #include "scan/clsScanContext.h"
 #include "store/clsTableMaint.h"
 #include "support/NumberOf.h"

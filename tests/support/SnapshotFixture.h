@@ -24,7 +24,7 @@ class SnapshotFixture : public testing::Test {
     return Cell(m_analysisPath,
                 "SELECT Value FROM tblStats WHERE Description = '" + description + "'");
   }
-  void Before() { m_snapshots.mnuSnapShotBefore_Click(); }
+  SnapshotResult Before() { return m_snapshots.mnuSnapShotBefore_Click(); }
   void After() {
     m_machine->CloseRegistry();
     m_analysis.AfterInto(m_snapshots, m_analysisPath);

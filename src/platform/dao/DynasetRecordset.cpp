@@ -1,9 +1,5 @@
-// The rows of a statement, read only. They come straight from the running statement as long as the
-// caller only moves forward. The first `MoveLast` keeps them in a temporary table, because counting
-// the rows of a join and then reading them would run the join twice; the differences between two
-// snapshots are few next to the snapshots.
-
-#include <fmt/format.h>
+// The rows of a statement, read only. They come straight from the running statement; going back
+// runs it again.
 
 #include "common/clsError.h"
 #include "platform/dao/Connection.h"
@@ -14,8 +10,7 @@ namespace {
 
 class DynasetRecordset final : public Recordset {
  public:
-  DynasetRecordset(std::shared_ptr<Connection> connection, std::string sql);
-  ~DynasetRecordset() override;
+  DynasetRecordset(std::shared_ptr<Connection> connection, const std::string& sql);
 
   bool Bof() override { return m_visited == 0; }
   bool Eof() override { return !m_onRow; }
@@ -31,9 +26,7 @@ class DynasetRecordset final : public Recordset {
   void Next();
 
   std::shared_ptr<Connection> m_connection;
-  std::string m_sql;
   Statement m_rows;
-  std::string m_kept;           // quoted name of the temporary table, once there is one
   std::int64_t m_position = 0;  // number of the current row, from 1
   std::int64_t m_visited = 0;
   bool m_onRow = false;
@@ -41,8 +34,8 @@ class DynasetRecordset final : public Recordset {
   bool m_loaded = false;  // m_record holds the current row
 };
 
-DynasetRecordset::DynasetRecordset(std::shared_ptr<Connection> connection, std::string sql)
-    : m_connection(std::move(connection)), m_sql(std::move(sql)), m_rows(m_connection, m_sql) {
+DynasetRecordset::DynasetRecordset(std::shared_ptr<Connection> connection, const std::string& sql)
+    : m_connection(std::move(connection)), m_rows(m_connection, sql) {
   const int columns = m_rows.ColumnCount();
   for (int i = 0; i < columns; ++i) {
     Field field;
@@ -51,16 +44,6 @@ DynasetRecordset::DynasetRecordset(std::shared_ptr<Connection> connection, std::
   }
   m_record.resize(m_fields.size());
   Next();
-}
-
-DynasetRecordset::~DynasetRecordset() {
-  m_rows = Statement();
-  if (m_kept.empty()) return;
-  try {
-    m_connection->Run("DROP TABLE " + m_kept);
-  } catch (const clsError&) {  // NOLINT(bugprone-empty-catch)
-    // Another statement still reads on this connection; the table goes with the connection.
-  }
 }
 
 void DynasetRecordset::Next() {
@@ -95,21 +78,14 @@ void DynasetRecordset::MoveNext() {
 }
 
 void DynasetRecordset::MoveLast() {
-  if (m_visited == 0) throw clsError(errnum::NoCurrentRecord, "No current record.");
-  if (m_kept.empty()) {
-    static std::int64_t number = 0;
-    const std::string kept = fmt::format("temp.\"dynaset{}\"", ++number);
-    m_rows.Reset();
-    m_connection->Run(fmt::format("CREATE TABLE {} AS {}", kept, m_sql));
-    m_kept = kept;
-    m_rows = Statement(m_connection, fmt::format("SELECT * FROM {} ORDER BY _rowid_", kept));
+  if (!m_onRow) MoveFirst();
+  std::vector<Value> last;
+  while (m_onRow && !m_atLast) {
+    NeedRecord();
+    last = m_record;
+    Next();
   }
-  Statement last(m_connection, fmt::format("SELECT max(_rowid_), * FROM {}", m_kept));
-  last.Step();
-  m_visited = m_position = last.ColumnInteger(0);
-  for (std::size_t i = 0; i < m_record.size(); ++i)
-    last.Column(static_cast<int>(i) + 1, m_record[i]);
-  m_rows.Reset();
+  if (!m_atLast) m_record = std::move(last);
   m_onRow = m_atLast = m_loaded = true;
 }
 

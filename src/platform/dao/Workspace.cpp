@@ -48,6 +48,15 @@ void Database::Execute(std::string_view sql) {
   m_recordsAffected = sqlite3_changes64(m_connection->Handle());
 }
 
+void Database::Check() const {
+  Statement check(m_connection, "PRAGMA quick_check(1)");
+  Value finding;
+  if (check.Step()) check.Column(0, finding);
+  if (finding.ToText() == "ok") return;
+  throw clsError(errnum::CorruptDatabase,
+                 fmt::format("The database is damaged: {}.", finding.ToText()));
+}
+
 Workspace::~Workspace() {
   for (const auto& connection : m_inTransactionConnections) {
     try {
@@ -59,7 +68,11 @@ Workspace::~Workspace() {
 }
 
 void Workspace::CreateDatabase(const std::string& path) {
-  const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  struct stat status {};
+  const bool isEmpty = stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+                       status.st_size == 0;  // one that somebody has made room for
+  const int file = isEmpty ? open(path.c_str(), O_RDWR | O_CLOEXEC)
+                           : open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   if (file < 0) {
     const std::string reason = std::generic_category().message(errno);
     if (errno == EEXIST) {

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/clsError.h"
 #include "platform/dao/Recordset.h"
 #include "platform/dao/TableDef.h"
 
@@ -37,6 +38,9 @@ class Database {
   /// One that differs from the last in its texts alone is prepared already.
   void Execute(std::string_view sql);
   std::int64_t RecordsAffected() const { return m_recordsAffected; }
+
+  /// Raises 3049 unless the file holds together: every page is what the one that names it says.
+  void Check() const;
 
   dao::TableDefs TableDefs() const { return dao::TableDefs(m_connection); }
 
@@ -94,6 +98,24 @@ class Workspace {
   std::vector<std::shared_ptr<Connection>> m_inTransactionConnections;
   bool m_inTransaction = false;
 };
+
+/// Runs `body` in a transaction: all of it or, when it raises, nothing, so that it can be run
+/// again. Inside an open transaction it is a part of that one.
+template <class Body>
+void InTransaction(Workspace& workspace, Body&& body) {
+  if (workspace.InTransaction()) {
+    body();
+    return;
+  }
+  workspace.BeginTrans();
+  try {
+    body();
+    workspace.CommitTrans();
+  } catch (const clsError&) {
+    if (workspace.InTransaction()) workspace.Rollback();
+    throw;
+  }
+}
 
 class DBEngine {
  public:

@@ -1,0 +1,127 @@
+#include "snapshot/clsComparison.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "common/clsError.h"
+#include "platform/registry/clsRegistry.h"
+#include "snapshot/StatsReport.h"
+
+namespace sandrel {
+namespace {
+
+// Until the file is finished it is worth nothing.
+constexpr dao::Durability WhileWriting = dao::Durability::UntilPowerFails;
+
+struct Lookup {
+  std::int64_t Number;
+  const char* Name;
+};
+
+constexpr Lookup Hives[] = {
+    {static_cast<std::int32_t>(hkey::ClassesRoot), "HKEY_CLASSES_ROOT"},
+    {static_cast<std::int32_t>(hkey::CurrentUser), "HKEY_CURRENT_USER"},
+    {static_cast<std::int32_t>(hkey::LocalMachine), "HKEY_LOCAL_MACHINE"},
+    {static_cast<std::int32_t>(hkey::Users), "HKEY_USERS"},
+    {static_cast<std::int32_t>(hkey::CurrentConfig), "HKEY_CURRENT_CONFIG"},
+};
+
+constexpr Lookup ValueTypes[] = {
+    {0, "NONE"},
+    {1, "STRING"},
+    {2, "EXPAND_STRING"},
+    {3, "BINARY"},
+    {4, "DWORD"},
+    {5, "BIG_ENDIAN"},
+    {6, "LINK"},
+    {7, "MULTI_STRING"},
+    {8, "RESOURCE_LIST"},
+    {9, "FULL_RESOURCE_DESCRIPTOR"},
+    {10, "RESOURCE_REQUIREMENTS_LIST"},
+};
+
+}  // namespace
+
+void clsComparison::Write(const std::function<void(dao::Recordset& stats)>& report) {
+  clsTableMaint maint;
+  const auto views = dao::DBEngine::CreateWorkspace("Views");
+  m_targets = dao::DBEngine::CreateWorkspace("Targets", WhileWriting);
+  m_run([&] { m_source = views->OpenDatabase(m_working); });
+  m_run([&] { maint.CreateDatabase(m_path); });
+  m_run([&] { m_target = m_targets->OpenDatabase(m_path); });
+  FillLookups();
+  m_run([&] { maint.CreateStatsTable(m_path, "tblStats"); });
+  m_run([&] { m_stats = Need(m_target).OpenRecordset("tblStats", dao::RecordsetType::Table); });
+  for (const Difference& difference : Differences) {
+    if (!m_shell.State.Scanning) return;
+    Compare(difference);
+  }
+  Phase("", "");
+  if (!m_shell.State.Scanning) return;
+  m_run([&] { InTransaction(*m_targets, [&] { report(Need(m_stats)); }); });
+}
+
+void clsComparison::FillLookups() {
+  clsTableMaint maint;
+  const auto fill = [&](const char* table, const char* field, std::span<const Lookup> rows) {
+    const auto records = Need(m_target).OpenRecordset(table, dao::RecordsetType::Table);
+    InTransaction(*m_targets, [&] {
+      for (const Lookup& row : rows) {
+        records->AddNew();
+        records->Set(field, row.Number);
+        records->Set("Name", row.Name);
+        records->Update();
+      }
+    });
+  };
+  m_run([&] { maint.CreateHiveLookupTable(m_path, "tblHives"); });
+  m_run([&] { fill("tblHives", "Hive", Hives); });
+  m_run([&] { maint.CreateValueTypeTable(m_path, "tblValueTypes"); });
+  m_run([&] { fill("tblValueTypes", "ValueType", ValueTypes); });
+}
+
+void clsComparison::Compare(const Difference& difference) {
+  clsTableMaint maint;
+  std::unique_ptr<dao::Recordset> rows;
+  std::unique_ptr<dao::Recordset> table;
+  std::optional<std::int64_t> count;  // not known of what could not be copied
+  Phase("statement", difference.Table);
+  m_run([&] { rows = Need(m_source).OpenRecordset(difference.Sql, dao::RecordsetType::Dynaset); });
+  m_run([&] { m_shell.SetProgress(difference.Progress); });
+  m_run([&] { m_shell.DoEvents(false); });
+  Phase("copy", difference.Table);
+  m_run([&] { difference.Create(maint, m_path, difference.Table); });
+  m_run([&] { table = Need(m_target).OpenRecordset(difference.Table, dao::RecordsetType::Table); });
+  // One transaction a table, ended before the next table is made through another workspace.
+  m_run([&] { InTransaction(*m_targets, [&] { count = CopyRecords(Need(rows), Need(table)); }); });
+  if (count) {
+    m_run([&] { AddStatsRow(Need(m_stats), difference.Description, fmt::to_string(*count)); });
+  }
+}
+
+// Gives the number of differences.
+std::int64_t clsComparison::CopyRecords(dao::Recordset& source, dao::Recordset& target) {
+  std::int64_t count = 0;
+  if (source.Bof() && source.Eof()) return count;
+  std::vector<std::size_t> numbers;  // of the source's fields in the target
+  for (const dao::Field& field : source.Fields()) numbers.push_back(target.FieldNumber(field.Name));
+  for (source.MoveFirst(); !source.Eof(); source.MoveNext()) {
+    ++count;
+    target.AddNew();
+    for (std::size_t i = 0; i < numbers.size(); ++i) target.Set(numbers[i], source.Get(i));
+    try {
+      target.Update();
+    } catch (const clsError& error) {
+      if (error.Number() != errnum::DuplicateKey) throw;
+      // Two changed repetitions of one INI parameter, say: the key has room for the first.
+      target.CancelUpdate();
+    }
+    m_shell.DoEvents();
+  }
+  return count;
+}
+
+}  // namespace sandrel
