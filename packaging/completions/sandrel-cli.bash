@@ -62,6 +62,7 @@ _sandrel_cli() {
       '') options+=' --version' ;;
       before | after | watch | print | settings) options+=' --yes' ;;
       list) options+=' --json' ;;
+      status) options+=' --left-out' ;;
       export) options+=' --match --yes' ;;
       setup-records) [[ ${given[1]-} == note ]] && options+=' --before --after' ;;
     esac

@@ -22,6 +22,7 @@ complete -c sandrel-cli -f -n __fish_use_subcommand -a setup-records -d 'Records
 
 complete -c sandrel-cli -n '__fish_seen_subcommand_from before after watch export print settings' -l yes -d 'Answer every question with yes'
 complete -c sandrel-cli -n '__fish_seen_subcommand_from list' -l json -d 'As JSON'
+complete -c sandrel-cli -n '__fish_seen_subcommand_from status' -l left-out -d 'And what each snapshot left out'
 complete -c sandrel-cli -n '__fish_seen_subcommand_from export' -l match -x -d 'Only rows that hold this text'
 complete -c sandrel-cli -n '__fish_seen_subcommand_from list print' -a "ShowStats ShowDeletedFiles $files $registry $ini"
 complete -c sandrel-cli -n '__fish_seen_subcommand_from export' -a "$registry"

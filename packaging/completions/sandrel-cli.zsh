@@ -35,6 +35,7 @@ _sandrel-cli() {
         before) _arguments $options $yes ;;
         after) _arguments $options $yes $analysis ;;
         watch) _arguments $options $yes $analysis '*::program:_normal' ;;
+        status) _arguments $options '--left-out[and what each snapshot left out]' ;;
         list) _arguments $options '--json[as JSON]' $analysis ":page:($pages)" ;;
         export)
           _arguments $options $yes '--match[only rows that hold this text]:text:' $analysis \

@@ -43,7 +43,8 @@ struct Arguments {
   std::string PrintPage = "ShowStats";
   std::string Section, Key, Text, Match;
   std::vector<std::string> Command;
-  bool Yes = false, Json = false, HasText = false, BeforeInstall = false, AfterInstall = false;
+  bool Yes = false, Json = false, HasText = false, LeftOut = false, BeforeInstall = false,
+       AfterInstall = false;
 };
 
 class clsCommands {
@@ -74,6 +75,7 @@ class clsCommands {
   std::shared_ptr<clsMachine> OpenScannedMachine();
   void PrintSection(const std::string& section);
   int Print(const std::string& line) const;
+  void PrintLeftOut(const char* which, const char* table) const;
 
   const Arguments& m_arguments;
   clsCliShell m_shell;
@@ -139,6 +141,12 @@ int clsCommands::Replace() {
   return Print("The After snapshot is the Before snapshot now");
 }
 
+void clsCommands::PrintLeftOut(const char* which, const char* table) const {
+  for (const LeftOutRow& row : clsLeftOutTable(m_home.WorkingDatabase(), table).Read()) {
+    fmt::print("{}\t{}\t{}\n", which, PlaceOf(row), row.Reason);
+  }
+}
+
 int clsCommands::Status() {
   const SnapshotLevel level = ReadSnapshotLevel(m_home.WorkingDatabase());
   const char* words = level == SnapshotLevel::None     ? "none"
@@ -157,6 +165,10 @@ int clsCommands::Status() {
   }
   if (level == SnapshotLevel::BeforeAndAfter) {
     fmt::print("After:     {}\n", known(record.Time("After")));
+  }
+  if (m_arguments.LeftOut) {
+    if (level != SnapshotLevel::None) PrintLeftOut("Before", "tblLeftOut");
+    if (level == SnapshotLevel::BeforeAndAfter) PrintLeftOut("After", "tblLeftOut2");
   }
   return exitstatus::Done;
 }
@@ -357,7 +369,8 @@ int Parse(int argc, char** argv) {
       ->required();
   yes(watch);
   command("replace", "Make the After snapshot the new Before snapshot", &clsCommands::Replace);
-  command("status", "Show the machine and the snapshots that exist", &clsCommands::Status);
+  command("status", "Show the machine and the snapshots that exist", &clsCommands::Status)
+      ->add_flag("--left-out", arguments.LeftOut, "And what each snapshot left out, tab-separated");
 
   CLI::App* list = command("list", "Show a page of an analysis, tab-separated", &clsCommands::List);
   list->add_option("FILE", arguments.File, "The analysis")->required();

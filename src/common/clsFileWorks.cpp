@@ -54,6 +54,13 @@ bool clsFileWorks::FileExists(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
+std::string clsFileWorks::Refusal(const std::string& path) {
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+  if (file < 0) return std::generic_category().message(errno);
+  close(file);
+  return {};
+}
+
 bool clsFileWorks::FolderExists(const std::string& path) {
   struct stat status {};
   return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);

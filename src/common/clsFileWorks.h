@@ -12,6 +12,8 @@ class clsFileWorks {
   /// True when a regular file stands at `path`, or a link to one.
   static bool FileExists(const std::string& path);
   static bool FolderExists(const std::string& path);
+  /// Why a file can't be opened for reading, in the system's words; empty when it can.
+  static std::string Refusal(const std::string& path);
 
   /// The bytes of a file. Raises 75 when it can't be read, is a folder, or is larger than `limit`
   /// bytes.

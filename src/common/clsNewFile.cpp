@@ -31,17 +31,6 @@ std::string TargetOf(const std::string& path) {
   throw ErrnoError(ELOOP, "Can't write " + path);
 }
 
-// Beside the target and always the same for it, so that what a killed process left is found again.
-// As short for a name of the greatest length as for any other.
-std::string PlaceBeside(const std::string& target) {
-  const std::filesystem::path path = target;
-  std::uint64_t hash = 14695981039346656037u;  // FNV-1a
-  for (const char c : path.filename().string()) {
-    hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
-  }
-  return (path.parent_path() / fmt::format(".sandrel-{:016x}", hash)).string();
-}
-
 // A database in the making has a journal.
 void DeleteJournal(const std::string& path) {
   unlink((path + "-journal").c_str());
@@ -63,6 +52,16 @@ bool IsSame(const struct stat& a, const struct stat& b) {
 }
 
 }  // namespace
+
+// As short for a name of the greatest length as for any other.
+std::string clsNewFile::PlaceBeside(const std::string& target) {
+  const std::filesystem::path path = target;
+  std::uint64_t hash = 14695981039346656037u;  // FNV-1a
+  for (const char c : path.filename().string()) {
+    hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
+  }
+  return (path.parent_path() / fmt::format(".sandrel-{:016x}", hash)).string();
+}
 
 clsNewFile::clsNewFile(const std::string& path) : m_shown(path), m_target(TargetOf(path)) {
   struct stat status {};

@@ -26,6 +26,9 @@ class clsNewFile {
   const std::string& Path() const { return m_path; }
   /// Host path of its place, links followed.
   const std::string& Target() const { return m_target; }
+  /// Where a file for the host path `target`, links followed, is written until then. Always the
+  /// same for it, so that what a killed process left is found again.
+  static std::string PlaceBeside(const std::string& target);
   /// The same file's open descriptor, owned by the object.
   int Descriptor() const { return m_descriptor; }
 

@@ -13,7 +13,7 @@ namespace sandrel {
 struct clsScanContext {
   clsMachine& Machine;
   clsSettingsSource& Settings;     ///< what the scan takes
-  clsLeftOut& LeftOut;             ///< what the scanner leaves out is counted here
+  clsLeftOut& LeftOut;             ///< what the scanner leaves out is told here
   std::string AppPath;             ///< Sandrel's own folder on the host
   std::function<void()> DoEvents;  ///< lets waiting window messages through; may call `Cancel`
 };

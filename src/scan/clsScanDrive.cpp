@@ -3,8 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "common/clsError.h"
+#include "common/clsFileWorks.h"
 #include "common/clsPathText.h"
 #include "common/text.h"
 #include "config/clsScanSettings.h"
@@ -107,7 +109,7 @@ void clsScanDrive::DoXTree(const std::string& given, bool isRoot) {
   const std::string folder = clsPathText::AddSeparator(given);
   std::vector<std::string> subfolders;
   try {
-    m_processing = folder;
+    m_processing = m_folder = folder;
     clsScanSettings settings(m_context.Settings);
     const Details details{settings.VersionInfo(), settings.SizeInfo(), settings.AttributeInfo()};
     clsDirSearch search = m_context.Machine.Dir(folder, fileattr::Files);
@@ -120,6 +122,7 @@ void clsScanDrive::DoXTree(const std::string& given, bool isRoot) {
       DoFile(search, pathId, name, details);
       m_context.DoEvents();
     }
+    m_context.LeftOut.Add(search.LeftOutItems());
     if (empty) {
       // A folder without files takes part in the comparison through a row with an empty name.
       BeginFileRow(pathId, "");
@@ -128,11 +131,12 @@ void clsScanDrive::DoXTree(const std::string& given, bool isRoot) {
     CountFolder();
     subfolders = Subfolders(folder);
   } catch (const clsError& error) {
-    // Temporary folders come and go while a machine runs: one that has gone since it was found is
-    // no fault.
-    if (!isRoot && error.Number() == errnum::BadFileName &&
-        !m_context.Machine.FolderExists(folder)) {
-      m_context.LeftOut.Add(LeftOut::VanishedFolder);
+    // Temporary folders come and go while a machine runs, and every machine has folders that can't
+    // be read: neither ends a walk.
+    if (!isRoot && error.Number() == errnum::BadFileName) {
+      const auto refusal = m_context.Machine.Refusal(folder);
+      const LeftOut kind = refusal ? LeftOut::UnreadableFolder : LeftOut::VanishedFolder;
+      m_context.LeftOut.Add({kind, 0, folder, "", refusal.value_or("")});
       return;
     }
     throw error.WithSource("clsScanDrive.DoXTree")
@@ -189,13 +193,18 @@ void clsScanDrive::DoFile(const clsDirSearch& search, std::int64_t pathId, const
   m_processing.resize(m_processing.rfind('\\') + 1);
   m_processing += name;
   BeginFileRow(pathId, name);
-  const bool mayOpen = SetDetails(search, details);
+  const bool mayOpen = SetDetails(search, name, details);
   const FileRow row = EndFileRow(pathId, name);
   if (m_sections && mayOpen) DoIniFile(row, name, search);
 }
 
+void clsScanDrive::LeaveOut(LeftOut kind, std::string name, std::string detail) const {
+  m_context.LeftOut.Add({kind, 0, m_folder, std::move(name), std::move(detail)});
+}
+
 // False for a file that must not be opened.
-bool clsScanDrive::SetDetails(const clsDirSearch& search, const Details& details) {
+bool clsScanDrive::SetDetails(const clsDirSearch& search, const std::string& name,
+                              const Details& details) {
   // A locked, odd or vanished file costs details of its row, which stay Null, not the walk.
   bool isOpenDatabase = false;
   try {
@@ -207,15 +216,28 @@ bool clsScanDrive::SetDetails(const clsDirSearch& search, const Details& details
   } catch (const clsError& error) {
     if (error.Number() != errnum::PathFileAccess && error.Number() != errnum::InvalidArgument)
       throw;
+    LeaveOut(LeftOut::UnreadableFile, name, clsFileWorks::Refusal(search.HostPath()));
   }
   if (!details.Version) return !isOpenDatabase;
-  const std::string version = isOpenDatabase ? std::string() : GetVersionInfo(search.HostPath());
-  if (version.size() <= static_cast<std::size_t>(m_files->Fields()[m_version].Size)) {
-    m_files->SetText(m_version, version);
+  if (isOpenDatabase) {
+    m_files->SetText(m_version, "");
   } else {
-    m_context.LeftOut.Add(LeftOut::LongVersion);
+    SetVersion(search, name);
   }
   return !isOpenDatabase;
+}
+
+// A version that isn't known stays Null, so that it is compared with none.
+void clsScanDrive::SetVersion(const clsDirSearch& search, const std::string& name) {
+  std::string failure;
+  const std::string version = GetVersionInfo(search.HostPath(), &failure);
+  if (!failure.empty()) {
+    LeaveOut(LeftOut::UnreadableFile, name, failure);
+  } else if (version.size() > static_cast<std::size_t>(m_files->Fields()[m_version].Size)) {
+    LeaveOut(LeftOut::LongVersion, name);
+  } else {
+    m_files->SetText(m_version, version);
+  }
 }
 
 void clsScanDrive::CountFolder() {
@@ -234,6 +256,7 @@ std::vector<std::string> clsScanDrive::Subfolders(const std::string& folder) {
     found.push_back(folder + name);
     ++m_foldersFound;
   }
+  m_context.LeftOut.Add(search.LeftOutItems());
   return found;
 }
 
@@ -246,8 +269,8 @@ void clsScanDrive::ReportProgress() {
   m_context.DoEvents();
 }
 
-std::string clsScanDrive::GetVersionInfo(const std::string& path) {
-  const std::size_t size = clsVersionInfo::GetFileVersionInfoSize(path);
+std::string clsScanDrive::GetVersionInfo(const std::string& path, std::string* failure) {
+  const std::size_t size = clsVersionInfo::GetFileVersionInfoSize(path, failure);
   if (size == 0) return {};
   clsVersionInfo::FixedFileInfo info;
   if (!clsVersionInfo::GetFileVersionInfo(path, std::min(size, LargestVersionResource),

@@ -54,8 +54,9 @@ class clsScanDrive {
   bool IsCancelled() const { return m_cancelled; }
 
   /// The version of the file at a host path, as "1.2.3.4"; empty when it has none. The high half of
-  /// each word is its signed value divided by 65535.
-  std::string GetVersionInfo(const std::string& path);
+  /// each word is its signed value divided by 65535. `failure`, when given, tells in the system's
+  /// words why the file can't be read.
+  std::string GetVersionInfo(const std::string& path, std::string* failure = nullptr);
 
   /// Raises `PercentComplete` when the percentage has grown.
   void ReportProgress();
@@ -90,13 +91,16 @@ class clsScanDrive {
               const Details& details);
   void BeginFileRow(std::int64_t pathId, std::string_view name);
   FileRow EndFileRow(std::int64_t pathId, std::string_view name);
-  bool SetDetails(const clsDirSearch& search, const Details& details);
+  bool SetDetails(const clsDirSearch& search, const std::string& name, const Details& details);
+  void SetVersion(const clsDirSearch& search, const std::string& name);
+  void LeaveOut(LeftOut kind, std::string name, std::string detail = {}) const;
   void CountFolder();
 
   bool DoIniFile(const FileRow& row, std::string_view name, const clsDirSearch& search);
   std::int64_t SectionIdOf(std::string_view section, std::int64_t fileId);
   static void ForgetEntries(dao::Recordset& values, std::int64_t sectionId);
-  void AddEntries(std::int64_t sectionId, const clsIniReader::Lines& entries);
+  void AddEntries(std::int64_t sectionId, std::string_view file,
+                  const clsIniReader::Lines& entries);
 
   void ExcludeBranch(const std::string& entry);
   void ExcludeFiles(const std::string& entry);
@@ -123,6 +127,7 @@ class clsScanDrive {
   int m_lastPercent = 0;
   int m_foldersSinceCommit = 0;
   bool m_cancelled = false;
+  std::string m_folder;      // the one in progress
   std::string m_processing;  // the last full path, for the error's text
   std::string m_versionBuffer;
   clsIniReader m_iniReader;

@@ -1,8 +1,11 @@
 // The entries of INI files: what clsScanDrive records below a file's row.
 
+#include <fmt/format.h>
+
 #include <unordered_map>
 
 #include "common/clsError.h"
+#include "common/clsFileWorks.h"
 #include "common/clsPathText.h"
 #include "common/text.h"
 #include "scan/clsScanDrive.h"
@@ -21,6 +24,7 @@ bool TryUpdate(dao::Recordset& records) {
   }
 }
 
+constexpr std::size_t LongestShown = 60;  // of a name that doesn't fit
 constexpr std::size_t LongestName = 255;  // UTF-16 units of a section's or parameter's field
 
 }  // namespace
@@ -35,20 +39,23 @@ bool clsScanDrive::DoIniFile(const FileRow& row, std::string_view name,
       sections = &m_iniReader.ListSections(path);
     } catch (const clsError& error) {
       if (error.Number() != errnum::PathFileAccess) throw;
-      m_context.LeftOut.Add(LeftOut::UnreadableIni);
+      const std::string refusal = clsFileWorks::Refusal(path);
+      LeaveOut(LeftOut::UnreadableIni, std::string(name), refusal.empty() ? "too large" : refusal);
       return;
     }
     for (const std::string_view section : *sections) {
       const clsIniReader::Lines& entries = m_iniReader.ListEntries(path, section);
       if (section.empty()) continue;
       if (text::Length(section) > LongestName) {
-        m_context.LeftOut.Add(LeftOut::LongIniEntry, entries.size());
+        m_context.LeftOut.Add({LeftOut::LongIniEntry, 0, m_folder,
+                               fmt::format("{} [{}]", name, text::Left(section, LongestShown)), "",
+                               entries.size()});
         continue;
       }
       const std::int64_t sectionId = SectionIdOf(section, row.Id);
       // Entries of a walk that stopped inside this file would count as repetitions.
       if (row.Known) ForgetEntries(*m_values, sectionId);
-      AddEntries(sectionId, entries);
+      AddEntries(sectionId, name, entries);
     }
   });
   return true;
@@ -73,7 +80,8 @@ void clsScanDrive::ForgetEntries(dao::Recordset& values, std::int64_t sectionId)
   }
 }
 
-void clsScanDrive::AddEntries(std::int64_t sectionId, const clsIniReader::Lines& entries) {
+void clsScanDrive::AddEntries(std::int64_t sectionId, std::string_view file,
+                              const clsIniReader::Lines& entries) {
   // The unique index knows which parameters repeat; only those are remembered, by the key that the
   // index compares, with the number of their next occurrence.
   std::unordered_map<std::string, std::int64_t> repeated;
@@ -82,7 +90,8 @@ void clsScanDrive::AddEntries(std::int64_t sectionId, const clsIniReader::Lines&
     if (equals == std::string_view::npos) continue;
     const std::string_view parameter = entry.substr(0, equals);
     if (text::Length(parameter) > LongestName) {
-      m_context.LeftOut.Add(LeftOut::LongIniEntry);
+      LeaveOut(LeftOut::LongIniEntry,
+               fmt::format("{} {}", file, text::Left(parameter, LongestShown)));
       continue;
     }
     m_values->AddNew();

@@ -18,11 +18,11 @@ bool Fits(std::string_view text) {
   return text.size() <= LongestField || text::Length(text) <= LongestField;
 }
 
-// Calls `visit` with the path of every subkey that can be stored. A key whose path doesn't fit is
-// left out with all that lies below it.
-template <class Visit>
+// Calls `visit` with the path of every subkey that can be stored, and `leaveOut` with the names of
+// the others.
+template <class Visit, class LeaveOut>
 void EachSubkey(clsRegistry& registry, const clsRegistry::Handle& key, const std::string& branch,
-                clsLeftOut* leftOut, Visit&& visit) {
+                Visit&& visit, LeaveOut&& leaveOut) {
   std::string name;
   for (std::size_t i = 0;; ++i) {
     const std::int32_t status = registry.RegEnumKey(key, i, name);
@@ -30,8 +30,8 @@ void EachSubkey(clsRegistry& registry, const clsRegistry::Handle& key, const std
     const std::string child = status == regstatus::Success ? ChildOf(branch, name) : std::string();
     if (status == regstatus::Success && Fits(child)) {
       visit(child);
-    } else if (leftOut != nullptr) {
-      leftOut->Add(LeftOut::LongKey);
+    } else {
+      leaveOut(name);
     }
   }
 }
@@ -85,10 +85,13 @@ void clsScanReg::SetBranchCount(const std::string& psvBranch, std::uint32_t plHi
 void clsScanReg::CountKeys(clsRegistry& registry, const std::string& branch, std::uint32_t hive) {
   clsRegistry::Handle key;
   if (registry.RegOpenKeyEx(hive, branch, key) != regstatus::Success) return;
-  EachSubkey(registry, key, branch, nullptr, [&](const std::string& child) {
-    ++m_branchCount;
-    CountKeys(registry, child, hive);
-  });
+  EachSubkey(
+      registry, key, branch,
+      [&](const std::string& child) {
+        ++m_branchCount;
+        CountKeys(registry, child, hive);
+      },
+      [](const std::string&) {});
   m_context.DoEvents();
 }
 
@@ -146,27 +149,47 @@ void clsScanReg::DoXTree(clsRegistry* registry, const std::string& branch) {
   m_currentKeyId = KeyIdOf(branch);
   // A key that can't be opened has its row, but neither subkeys nor values.
   clsRegistry::Handle key;
-  if (registry == nullptr || registry->RegOpenKeyEx(Hive, branch, key) != regstatus::Success)
-    return;
-  DoValues(*registry, key);
-  EachSubkey(*registry, key, branch, &m_context.LeftOut, [&](const std::string& child) {
-    ReportProgress();
-    ++m_keysWalked;
-    DoXTree(registry, child);
-  });
+  const std::int32_t status =
+      registry == nullptr ? regstatus::FileNotFound : registry->RegOpenKeyEx(Hive, branch, key);
+  if (status == regstatus::AccessDenied) LeaveOut(LeftOut::UnreadableKey, branch);
+  if (status != regstatus::Success) return;
+  DoValues(*registry, key, branch);
+  TellGaps(key, branch);
+  EachSubkey(
+      *registry, key, branch,
+      [&](const std::string& child) {
+        ReportProgress();
+        ++m_keysWalked;
+        DoXTree(registry, child);
+      },
+      [&](const std::string& name) { LeaveOut(LeftOut::LongKey, branch, name); });
 }
 
-void clsScanReg::DoValues(clsRegistry& registry, const clsRegistry::Handle& key) {
+void clsScanReg::LeaveOut(LeftOut kind, const std::string& branch, const std::string& name,
+                          std::uint64_t count) const {
+  if (count == 0) return;
+  m_context.LeftOut.Add({kind, static_cast<std::int32_t>(Hive), branch, name, "", count});
+}
+
+void clsScanReg::TellGaps(const clsRegistry::Handle& key, const std::string& branch) const {
+  const KeyGaps gaps = clsRegistry::Gaps(key);
+  LeaveOut(LeftOut::RefusedKey, branch, "", gaps.Subkeys);
+  LeaveOut(LeftOut::RefusedValue, branch, "", gaps.Values);
+  LeaveOut(LeftOut::DeepKey, branch, "", gaps.Deep);
+}
+
+void clsScanReg::DoValues(clsRegistry& registry, const clsRegistry::Handle& key,
+                          const std::string& branch) {
   RaiseAs("clsScanReg.DoValues", [&] {
     for (std::size_t i = 0; registry.RegEnumValue(key, i, m_element.Name) == regstatus::Success;
          ++i) {
       if (!Fits(m_element.Name)) {
-        m_context.LeftOut.Add(LeftOut::LongValueName);
+        LeaveOut(LeftOut::LongValueName, branch, m_element.Name);
         continue;
       }
-      // What can't be read is left out; the registry counts it.
       if (registry.RegQueryValueEx(key, m_element.Name, m_element.RegType, m_data) !=
           regstatus::Success) {
+        LeaveOut(LeftOut::RefusedValue, branch, m_element.Name);
         continue;
       }
       m_lastType = m_element.RegType;

@@ -111,7 +111,10 @@ class clsScanReg {
   std::int64_t KeyIdOf(const std::string& branch);
   bool FindKey(const std::string& branch, std::int64_t& id);
   bool AddKey(const std::string& branch, std::int64_t& id);
-  void DoValues(clsRegistry& registry, const clsRegistry::Handle& key);
+  void DoValues(clsRegistry& registry, const clsRegistry::Handle& key, const std::string& branch);
+  void TellGaps(const clsRegistry::Handle& key, const std::string& branch) const;
+  void LeaveOut(LeftOut kind, const std::string& branch, const std::string& name = {},
+                std::uint64_t count = 1) const;
   /// Turns `m_data` of a type into the text or number that the store holds.
   void Decode(std::uint32_t type, dao::Value& value);
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -12,12 +13,17 @@
 
 namespace sandrel {
 
+enum class DifferenceOf : std::uint8_t { Registry, Files, IniEntries };
+enum class DifferenceKind : std::uint8_t { New, Changed, Deleted };
+
 struct Difference {
   const char* Sql;
   const char* Table;
   std::function<void(clsTableMaint&, const std::string& database, const std::string& table)> Create;
   const char* Description;
   int Progress;  // per cent
+  DifferenceOf Of;
+  DifferenceKind Kind;
 };
 
 extern const std::array<Difference, 9> Differences;

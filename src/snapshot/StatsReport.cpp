@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "common/text.h"
 #include "config/clsScanSettings.h"
 #include "snapshot/clsSnapshots.h"
@@ -19,6 +21,7 @@ class clsReport {
   void Folders();
   void Hives();
   void Exclusions(clsMachine& machine, const std::string& appPath);
+  void LeftOut(const LeftOutReport& leftOut);
 
  private:
   void Row(std::string_view description, std::string_view value = {}) {
@@ -29,6 +32,7 @@ class clsReport {
   void Item(std::string_view text, std::string_view value = {}) {
     Row(text::Left(fmt::format("{}{}", Indent, text), 255), value);
   }
+  void LeftOutOf(std::string_view which, const std::vector<LeftOutRow>& rows);
   static const char* YesNo(bool yes) { return yes ? "Yes" : "No"; }
 
   dao::Recordset& m_stats;
@@ -74,7 +78,42 @@ void clsReport::Exclusions(clsMachine& machine, const std::string& appPath) {
   }
 }
 
+// A machine may leave out very many names; the working database has them all.
+constexpr std::size_t MostListed = 500;
+
+void clsReport::LeftOutOf(std::string_view which, const std::vector<LeftOutRow>& rows) {
+  Row(fmt::format("    Left Out Of {}", which), rows.empty() ? "None" : "");
+  for (std::size_t i = 0; i < std::min(rows.size(), MostListed); ++i) {
+    Item(PlaceOf(rows[i]), rows[i].Reason);
+  }
+  if (rows.size() > MostListed) Item(fmt::format("and {} more", rows.size() - MostListed));
+}
+
+void clsReport::LeftOut(const LeftOutReport& leftOut) {
+  Blank();
+  Row("Left Out Of The Snapshots");
+  LeftOutOf("Before", leftOut.Before);
+  LeftOutOf("After", leftOut.After);
+  Row("    Differences Not Compared", fmt::to_string(leftOut.NotCompared));
+}
+
 }  // namespace
+
+std::string HiveName(std::int64_t hive) {
+  for (const ScanHive& one : ScanHives(false)) {
+    if (static_cast<std::int32_t>(one.Key) == hive) return one.Name;
+  }
+  return {};
+}
+
+std::string PlaceOf(const LeftOutRow& row) {
+  if (row.Hive == 0) return row.Path + row.Name;
+  std::string place = HiveName(row.Hive);
+  for (const std::string* part : {&row.Path, &row.Name}) {
+    if (!part->empty()) place += "\\" + *part;
+  }
+  return place;
+}
 
 void AddStatsRow(dao::Recordset& stats, std::string_view description, std::string_view value) {
   stats.AddNew();
@@ -84,11 +123,12 @@ void AddStatsRow(dao::Recordset& stats, std::string_view description, std::strin
 }
 
 void WriteStatsReport(dao::Recordset& stats, clsSettingsSource& settings, clsMachine& machine,
-                      const std::string& appPath) {
+                      const std::string& appPath, const LeftOutReport& leftOut) {
   clsReport report(stats, settings);
   report.Folders();
   report.Hives();
   report.Exclusions(machine, appPath);
+  report.LeftOut(leftOut);
 }
 
 std::string ReadStat(dao::Workspace& workspace, const std::string& analysis,

@@ -8,6 +8,7 @@
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
 #include "common/clsNewFile.h"
+#include "common/clsPathText.h"
 #include "common/modOverwrite.h"
 #include "scan/clsScanDrive.h"
 #include "scan/clsScanReg.h"
@@ -143,8 +144,9 @@ void clsAnalysis::Create(clsStatements& run) {
   {
     clsComparison comparison(m_shell, run, m_home.WorkingDatabase(), file->Path());
     comparison.OnPhase = OnPhase;
+    run([&] { comparison.OwnFiles = OwnFiles(*file); });
     comparison.Write([&](dao::Recordset& stats) {
-      WriteStatsReport(stats, m_definition, *m_machine, m_home.Path());
+      WriteStatsReport(stats, m_definition, *m_machine, m_home.Path(), comparison.LeftOut());
     });
   }
   if (!state.Scanning) return;
@@ -153,6 +155,24 @@ void clsAnalysis::Create(clsStatements& run) {
   m_complete = run([&] { maint.CheckDatabase(file->Path()); }) &&
                run([&] { maint.ReplaceDatabase(*file, state.AnalysisPath); });
   if (m_complete) run([&] { m_shell.OpenAnalysis(state.AnalysisPath); });
+}
+
+// Where the machine holds what these commands write, and the rows of the folders that would be
+// without files.
+std::vector<std::string> clsAnalysis::OwnFiles(const clsNewFile& analysis) const {
+  std::vector<std::string> paths;
+  for (const std::string& file :
+       {analysis.Target(), m_shell.State.AnalysisPath, m_home.WorkingDatabase()}) {
+    for (const std::string& part : {file, clsNewFile::PlaceBeside(file)}) {
+      for (const char* suffix : {"", "-journal"}) {
+        for (std::string& path : m_machine->WindowsPaths(part + suffix)) {
+          paths.push_back(clsPathText::TextBeforeLast(path, "\\") + "\\");
+          paths.push_back(std::move(path));
+        }
+      }
+    }
+  }
+  return paths;
 }
 
 // Before the comparison and on both snapshots, so that a changed list works on stored data too.

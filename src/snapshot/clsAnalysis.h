@@ -6,7 +6,9 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "common/clsNewFile.h"
 #include "common/clsShell.h"
 #include "config/clsHome.h"
 #include "config/clsScanDefinition.h"
@@ -54,6 +56,7 @@ class clsAnalysis {
  private:
   bool Try(const std::function<bool()>& statement);
   void Create(clsStatements& run);
+  std::vector<std::string> OwnFiles(const clsNewFile& analysis) const;
   void ApplyExclusions(clsStatements& run);
 
   clsShell& m_shell;

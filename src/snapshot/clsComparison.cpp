@@ -8,7 +8,6 @@
 
 #include "common/clsError.h"
 #include "platform/registry/clsRegistry.h"
-#include "snapshot/StatsReport.h"
 
 namespace sandrel {
 namespace {
@@ -55,9 +54,14 @@ void clsComparison::Write(const std::function<void(dao::Recordset& stats)>& repo
   FillLookups();
   m_run([&] { maint.CreateStatsTable(m_path, "tblStats"); });
   m_run([&] { m_stats = Need(m_target).OpenRecordset("tblStats", dao::RecordsetType::Table); });
+  m_run([&] {
+    m_leftOut.Before = clsLeftOutTable(m_working, "tblLeftOut").Read();
+    m_leftOut.After = clsLeftOutTable(m_working, "tblLeftOut2").Read();
+  });
+  const clsCoverage coverage(m_leftOut.Before, m_leftOut.After, OwnFiles);
   for (const Difference& difference : Differences) {
     if (!m_shell.State.Scanning) return;
-    Compare(difference);
+    Compare(difference, coverage);
   }
   Phase("", "");
   if (!m_shell.State.Scanning) return;
@@ -83,11 +87,11 @@ void clsComparison::FillLookups() {
   m_run([&] { fill("tblValueTypes", "ValueType", ValueTypes); });
 }
 
-void clsComparison::Compare(const Difference& difference) {
+void clsComparison::Compare(const Difference& difference, const clsCoverage& coverage) {
   clsTableMaint maint;
   std::unique_ptr<dao::Recordset> rows;
   std::unique_ptr<dao::Recordset> table;
-  std::optional<std::int64_t> count;  // not known of what could not be copied
+  std::optional<Copied> copied;  // not known of what could not be copied
   Phase("statement", difference.Table);
   m_run([&] { rows = Need(m_source).OpenRecordset(difference.Sql, dao::RecordsetType::Dynaset); });
   m_run([&] { m_shell.SetProgress(difference.Progress); });
@@ -96,20 +100,30 @@ void clsComparison::Compare(const Difference& difference) {
   m_run([&] { difference.Create(maint, m_path, difference.Table); });
   m_run([&] { table = Need(m_target).OpenRecordset(difference.Table, dao::RecordsetType::Table); });
   // One transaction a table, ended before the next table is made through another workspace.
-  m_run([&] { InTransaction(*m_targets, [&] { count = CopyRecords(Need(rows), Need(table)); }); });
-  if (count) {
-    m_run([&] { AddStatsRow(Need(m_stats), difference.Description, fmt::to_string(*count)); });
-  }
+  m_run([&] {
+    InTransaction(*m_targets,
+                  [&] { copied = CopyRecords(difference, coverage, Need(rows), Need(table)); });
+  });
+  if (!copied) return;
+  m_leftOut.NotCompared += copied->Hidden;
+  m_run([&] { AddStatsRow(Need(m_stats), difference.Description, fmt::to_string(copied->Told)); });
 }
 
-// Gives the number of differences.
-std::int64_t clsComparison::CopyRecords(dao::Recordset& source, dao::Recordset& target) {
-  std::int64_t count = 0;
-  if (source.Bof() && source.Eof()) return count;
+clsComparison::Copied clsComparison::CopyRecords(const Difference& difference,
+                                                 const clsCoverage& coverage,
+                                                 dao::Recordset& source, dao::Recordset& target) {
+  Copied copied;
+  if (source.Bof() && source.Eof()) return copied;
   std::vector<std::size_t> numbers;  // of the source's fields in the target
   for (const dao::Field& field : source.Fields()) numbers.push_back(target.FieldNumber(field.Name));
   for (source.MoveFirst(); !source.Eof(); source.MoveNext()) {
-    ++count;
+    m_shell.DoEvents();
+    if (coverage.IsOwn(difference, source)) continue;
+    if (coverage.Hides(difference, source)) {
+      ++copied.Hidden;
+      continue;
+    }
+    ++copied.Told;
     target.AddNew();
     for (std::size_t i = 0; i < numbers.size(); ++i) target.Set(numbers[i], source.Get(i));
     try {
@@ -119,9 +133,8 @@ std::int64_t clsComparison::CopyRecords(dao::Recordset& source, dao::Recordset& 
       // Two changed repetitions of one INI parameter, say: the key has room for the first.
       target.CancelUpdate();
     }
-    m_shell.DoEvents();
   }
-  return count;
+  return copied;
 }
 
 }  // namespace sandrel

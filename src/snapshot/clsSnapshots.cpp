@@ -10,6 +10,7 @@
 #include "common/modDateText.h"
 #include "platform/dao/Workspace.h"
 #include "platform/machine/clsServerWait.h"
+#include "store/clsLeftOutTable.h"
 
 namespace sandrel {
 namespace {
@@ -133,7 +134,7 @@ SnapshotResult clsSnapshots::Before(clsStatements& run, Lock& lock) {
       if (clsScanSettings(m_definition).List("ScanFolders").empty()) ScanCurrentDrive(run);
       ScanDisk(run, tables);
       ScanRegistry(run, tables);
-      if (EndDatabase(run, "Before")) result = SnapshotResult::Complete;
+      if (EndDatabase(run, tables, "Before")) result = SnapshotResult::Complete;
     }
     if (!state.CloseDown) run([&] { m_shell.SetProgress(0); });
     if (result == SnapshotResult::Complete) {
@@ -155,7 +156,7 @@ void clsSnapshots::BeginScan(clsStatements& run) {
   m_shell.State.Scanning = true;
   run([&] { m_shell.UpdateCommandState(); });
   run([&] { CheckNeeds(); });
-  ForgetLeftOut();
+  m_leftOut.Clear();
 }
 
 void clsSnapshots::EndScan(clsStatements& run) {
@@ -192,9 +193,9 @@ bool clsSnapshots::BeginDatabase(clsStatements& run, const std::string& source,
 
 // The snapshot is there, with its time, its machine and its definition, when this gives true; else
 // the old ones are.
-bool clsSnapshots::EndDatabase(clsStatements& run, const char* which) {
+bool clsSnapshots::EndDatabase(clsStatements& run, const Tables& tables, const char* which) {
   if (!m_shell.State.Scanning) return false;
-  return run([&] {
+  return run([&] { clsLeftOutTable(m_new->Path(), tables.LeftOut).Write(m_leftOut); }) && run([&] {
            clsSnapshotRecord record = clsSnapshotRecord::Read(m_new->Path());
            record.Set(which, LocalDateText(std::time(nullptr)), m_machine->Folder());
            record.Definition = m_definition;
@@ -267,13 +268,16 @@ bool clsSnapshots::After(clsStatements& run, Lock& lock) {
       [&](const std::string& database) {
         maint.CreateTempIniValueTable(database, "tblIniValues2");
       },
-      [&](const std::string& database) { maint.CreateTempLeftOutTable(database, "tblLeftOut2"); }};
+      [&](const std::string& database) { maint.CreateTempLeftOutTable(database, "tblLeftOut2"); },
+      [&](const std::string& database) {
+        clsLeftOutTable(database, "tblLeftOut").CreateMissing();
+      }};
   bool complete = false;
   if (BeginDatabase(run, m_home.WorkingDatabase(), creators)) {
     const Tables tables{"tblFiles2", "tblFiles", "tblRegValue2", "tblIniValues2", "tblLeftOut2"};
     ScanDisk(run, tables);
     ScanRegistry(run, tables);
-    complete = EndDatabase(run, "After");
+    complete = EndDatabase(run, tables, "After");
   }
   if (!state.CloseDown) run([&] { m_shell.SetProgress(0); });
   if (complete) {
@@ -324,10 +328,17 @@ void clsSnapshots::ScanFolder(clsStatements& run, const Tables& tables, const st
   moDriveScan->Durability = WhileScanning;
   // Every folder of the list gets its scanner; after a stop its walk ends at once.
   if (!m_shell.State.Scanning) moDriveScan->Cancel();
-  run([&] { moDriveScan->StartDBTransaction(false); });
+  const bool started = run([&] { moDriveScan->StartDBTransaction(false); });
   const std::string root = clsPathText::AddSeparator(clsPathText::NormaliseFolder(folder));
-  run([&] { moDriveScan->DoXTreeFiles(root); });
-  run([&] { moDriveScan->CommitDBTransaction(false); });
+  const bool walked = run([&] { moDriveScan->DoXTreeFiles(root); });
+  const bool committed = run([&] { moDriveScan->CommitDBTransaction(false); });
+  // What the user ignores is not compared. A folder that isn't there is empty, not unread.
+  if (!started || !walked || !committed) {
+    const auto refusal = m_machine->Refusal(root);
+    if (refusal || m_machine->FolderExists(root)) {
+      m_leftOut.Add({LeftOut::UnfinishedFolder, 0, root, "", refusal.value_or("")});
+    }
+  }
   if (moDriveScan->IsCancelled() && m_shell.State.Scanning) AcknowledgeCancel();
   moDriveScan.reset();
 }
@@ -342,9 +353,10 @@ void clsSnapshots::ScanRegistry(clsStatements& run, const Tables& tables) {
   moRegScan->KeyTable = "tblRegKey";
   moRegScan->ValueTable = tables.RegValues;
   moRegScan->Durability = WhileScanning;
-  run([&] { moRegScan->StartDBTransaction(); });
+  const bool started = run([&] { moRegScan->StartDBTransaction(); });
   ScanRegistryHives(run);
-  run([&] { moRegScan->CommitDBTransaction(); });
+  const bool committed = run([&] { moRegScan->CommitDBTransaction(); });
+  if (!started || !committed) LeaveOutHives(1, "");
   if (moRegScan->IsCancelled() && m_shell.State.Scanning) AcknowledgeCancel();
   moRegScan.reset();
 }
@@ -376,11 +388,26 @@ void clsSnapshots::ScanRegistryHives(clsStatements& run) {
           m_shell.Ask({"The remote registry on " + name + " cannot be accessed.", "Sandrel",
                        Buttons::Ok, BoxIcon::None});
         });
+        LeaveOutHives(i, "can't be reached");
         return;
       }
-      run([&] { moRegScan->DoXTreeBranch("", hive.Key, name); });
+      if (!run([&] { moRegScan->DoXTreeBranch("", hive.Key, name); })) LeaveOutHive(hive, "");
     }
     if (!m_shell.State.Scanning) return;
+  }
+}
+
+void clsSnapshots::LeaveOutHive(const ScanHive& hive, const std::string& detail) {
+  m_leftOut.Add({LeftOut::UnfinishedKey, static_cast<std::int32_t>(hive.Key), "", "", detail});
+}
+
+// The selected hives from this one on.
+void clsSnapshots::LeaveOutHives(int first, const std::string& detail) {
+  clsScanSettings settings(m_definition);
+  const bool remote = !settings.RemoteName().empty();
+  for (int i = first; !HiveByIndex(i, remote).Name.empty(); ++i) {
+    const ScanHive hive = HiveByIndex(i, remote);
+    if (settings.IsSelected(hive)) LeaveOutHive(hive, detail);
   }
 }
 
@@ -435,21 +462,7 @@ void clsSnapshots::ScanStopped() {
   if (!m_shell.State.CloseDown) m_shell.SetStatusText("Scan Stopped");
 }
 
-void clsSnapshots::ForgetLeftOut() {
-  m_leftOut.Clear();
-  m_machine->LeftOutCounts().Clear();
-}
-
 void clsSnapshots::TellLeftOut() {
-  m_leftOut.Add(m_machine->LeftOutCounts());
-  m_machine->LeftOutCounts().Clear();
-  clsScanSettings settings(m_definition);
-  if (settings.ScansLocalRegistry()) {
-    m_leftOut.Add(m_machine->Registry().LeftOutCounts());
-  } else if (settings.RegScan()) {
-    const auto remote = m_machine->RegConnectRegistry(settings.RemoteName());
-    if (remote != nullptr) m_leftOut.Add(remote->LeftOutCounts());
-  }
   if (const std::string summary = m_leftOut.Summary(); !summary.empty()) m_shell.Tell(summary);
 }
 
@@ -472,6 +485,9 @@ void clsSnapshots::ReplaceBefore() {
   dao::Workspace& workspace = dao::DBEngine::FirstWorkspace();
   const auto database = workspace.OpenDatabase(working);
   dao::InTransaction(workspace, [&] {
+    for (const char* table : {"tblLeftOut", "tblLeftOut2"}) {
+      clsLeftOutTable(working, table).CreateMissing();
+    }
     dao::TableDefs tables = database->TableDefs();
     for (const char* table : {"tblFiles", "tblRegValue", "tblIniValues", "tblLeftOut"}) {
       tables.Delete(table);

@@ -86,8 +86,8 @@ const TableShape& IniValues() {
 
 const TableShape& LeftOut() {
   static const TableShape shape{{Text("What", 20, Empty::Refused, true), Long("Hive", true),
-                                 Memo("Path"), Memo("Name"), Text("Reason", 255, Empty::Allowed)},
-                                {Clustered({"What", "Hive", "Path", "Name"})}};
+                                 Memo("Path"), Memo("Name"), Memo("Reason")},
+                                {Clustered({"What", "Hive", "Path", "Name", "Reason"})}};
   return shape;
 }
 

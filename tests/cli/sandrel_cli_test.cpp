@@ -1,6 +1,7 @@
 // The program as a user runs it: a process of its own, its output and its exit status.
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -94,7 +95,11 @@ TEST_F(SandrelCli, GoesTheWholeRoad) {
                                      m_temp.Of("home") + "\nSnapshots: none\n");
   ExpectFailure({"after", File()}, 1, "There is no 'Before' snapshot");
   ExpectFailure({"replace"}, 1, "There is no 'After' snapshot");
+  m_sample.WriteFile("C:\\a:b", "");
   EXPECT_EQ(Run({"before"}).Out, "Before Snapshot Complete\n");
+  EXPECT_THAT(Run({"status", "--left-out"}).Out,
+              testing::EndsWith("\nBefore\tC:\\a:b\tname that Windows can't have\n"));
+  m_sample.Remove("C:\\a:b");
   EXPECT_EQ(Run({"before"}).Status, 1);  // a question
   m_sample.WriteFile("C:\\New\\a b.txt", "12345");
   m_sample.SetTime("C:\\New\\a b.txt", 1000000000);

@@ -1,8 +1,11 @@
 #include "scan/clsScanDrive.h"
 
+#include <gmock/gmock.h>
+
 #include <filesystem>
 
 #include "support/ScanFixture.h"
+#include "support/Unprivileged.h"
 
 namespace sandrel::test {
 namespace {
@@ -107,6 +110,38 @@ TEST_F(clsScanDriveTest, DoesNotOpenItsOwnDatabase) {
   EXPECT_EQ(Rows("SELECT FileName, Version FROM tblFiles ORDER BY Id"),
             (Lines{"Own.ini|", "other.ini|"}));
   EXPECT_EQ(Cell("SELECT count(*) FROM tblIniValues"), "1");
+}
+
+// Every real machine has such folders and files: they are left out, told, and end nothing.
+TEST_F(clsScanDriveTest, WhatCanNotBeReadIsLeftOutWithItsReason) {
+  m_settings.SaveSetting("Enabled", "VersionInfo", "1");
+  WriteFiles({"C:\\A\\a.txt", "C:\\A\\closed\\f.txt", "C:\\A\\named\\f.txt",
+              "C:\\A\\named\\sub\\f.txt", "C:\\A\\no.dll", "C:\\A\\no.ini", "C:\\A\\z\\f.txt"});
+  const Unprivileged user({m_sample.Folder(), m_temp.Path()});
+  for (const auto& [path, mode] :
+       {std::pair{"closed", 0}, {"named", 0400}, {"no.dll", 0}, {"no.ini", 0}}) {
+    std::filesystem::permissions(m_sample.HostPath(std::string("C:\\A\\") + path),
+                                 std::filesystem::perms(mode));
+  }
+  Walk("C:\\A");
+  EXPECT_EQ(Files(), (Lines{"C:\\A\\a.txt", "C:\\A\\named\\f.txt", "C:\\A\\no.dll", "C:\\A\\no.ini",
+                            "C:\\A\\z\\f.txt"}));
+  EXPECT_EQ(File("no.dll", "Version, Size"), "NULL|0");
+  Lines told;
+  for (const LeftOutItem& item : m_leftOut.Items()) {
+    told.push_back(item.Path + item.Name + ": " + item.Reason());
+  }
+  const std::string denied = ": Permission denied";
+  EXPECT_THAT(told, testing::UnorderedElementsAre("C:\\A\\closed\\: unreadable folder" + denied,
+                                                  "C:\\A\\named\\sub\\: unreadable folder" + denied,
+                                                  "C:\\A\\named\\f.txt: unreadable file" + denied,
+                                                  "C:\\A\\no.dll: unreadable file" + denied,
+                                                  "C:\\A\\no.ini: unreadable file" + denied,
+                                                  "C:\\A\\no.ini: unreadable INI file" + denied));
+  for (const char* path : {"closed", "named"}) {
+    std::filesystem::permissions(m_sample.HostPath(std::string("C:\\A\\") + path),
+                                 std::filesystem::perms::owner_all);
+  }
 }
 
 TEST_F(clsScanDriveTest, AFolderThatVanishesBeforeItsTurnIsNoFault) {

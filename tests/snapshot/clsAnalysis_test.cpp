@@ -36,6 +36,24 @@ TEST_F(clsAnalysisTest, NothingChangedGivesNineEmptyTables) {
   EXPECT_EQ(Stat("        C:\\users\\tester\\Temp\\"), "Folder Tree");
 }
 
+TEST_F(clsAnalysisTest, TheProgramsOwnFilesAreNoDifferences) {
+  m_settings.SaveSetting("ExcludeFiles", "1", "C:\\nothing");  // in the place of the defaults
+  const clsHome home(m_sample.HostPath("C:\\Home"));
+  clsSnapshots snapshots(m_shell, m_settings, home, m_machine);
+  clsAnalysis analysis(m_shell, m_settings, home, m_machine);
+  m_sample.MapDrive('m', m_sample.Folder());
+  m_settings.SaveSetting("ScanFolders", "1", "c:\\");
+  m_settings.SaveSetting("ScanFolders", "2", "M:\\drive_c");
+  m_analysisPath = m_sample.HostPath("C:\\Own.mdb");
+  std::filesystem::create_directory(home.Path());
+  std::ofstream(home.Path() + "/SandrelTemp.lock");
+  snapshots.mnuSnapShotBefore_Click();
+  for (int i = 0; i < 2; ++i) {  // one that is new, one that takes the place of an older one
+    analysis.AfterInto(snapshots, m_analysisPath);
+    EXPECT_EQ(Analysis("SELECT Value FROM tblStats WHERE id <= 9"), Lines(9, "0"));
+  }
+}
+
 TEST_F(clsAnalysisTest, FindsWhatAnInstallationDid) {
   Enable("VersionInfo", true);
   m_sample.WriteFile("C:\\old.txt", "old");
@@ -139,6 +157,56 @@ TEST_F(clsAnalysisTest, EntriesOfExcludedFilesAreExcludedToo) {
   EXPECT_EQ(Analysis("SELECT FileName, Parameter FROM tblNewIniEnteries"), Lines{"new.ini|k"});
 }
 
+// What only one snapshot has seen is no difference; it is told.
+TEST_F(clsAnalysisTest, WhatASnapshotLeftOutIsNotCompared) {
+  const auto write = [this](const char* folders, const char* keys) {
+    for (const char* c = folders; *c != 0; ++c) {
+      m_sample.WriteFile(std::string("C:\\") + *c + "\\Sub\\f.ini", "[s]\nk=1\n");
+    }
+    std::string registry = SampleMachine::SystemKeys();
+    for (const char* c = keys; *c != 0; ++c) {
+      for (const char* sub : {"", "\\\\Sub"}) {
+        registry += std::string("[Software\\\\") + *c + sub + "] 1\n\"v\"=\"1\"\n";
+      }
+    }
+    m_sample.SetSystemReg(registry);
+  };
+  const auto leaveOut = [this](const char* table) {
+    Rows(Working(), std::string("INSERT INTO ") + table + R"( VALUES
+      ('Folder', 0, 'C:\a\', '', 'closed'), ('INI entries', 0, 'C:\B\Sub\', 'F.ini', ''),
+      ('Key', -2147483646, 'Software\C', '', 'denied'),
+      ('Subkeys', -2147483646, 'software\D', '', ''),
+      ('Values', -2147483646, 'Software\E', '', ''), ('Key', 0, 'Software\F', '', ''))");
+  };
+  const auto found = [this](const char* which) {
+    const std::string table = std::string("tbl") + which;
+    return Analysis("SELECT PathName FROM " + table + "Files UNION ALL SELECT Branch FROM " +
+                    table + "RegistryEnteries UNION ALL SELECT PathName || Parameter FROM " +
+                    table + "IniEnteries ORDER BY 1");
+  };
+  const Lines told{"C:\\B\\",          "C:\\B\\Sub\\",  "C:\\G\\",
+                   "C:\\G\\Sub\\",     "C:\\G\\Sub\\k", "Software\\D",
+                   "Software\\E\\Sub", "Software\\F",   "Software\\F\\Sub"};
+  Before();
+  leaveOut("tblLeftOut");
+  write("ABG", "CDEF");
+  After();
+  EXPECT_EQ(found("New"), told);
+  EXPECT_EQ(Stat("Files - New"), "4");
+  EXPECT_EQ(Stat("        C:\\a\\"), "closed");
+  EXPECT_EQ(Stat("        HKEY_LOCAL_MACHINE\\Software\\C"), "denied");
+  EXPECT_EQ(Stat("    Left Out Of After"), "None");
+  EXPECT_EQ(Stat("    Differences Not Compared"), "8");
+
+  m_snapshots.mnuSnapShotRollUp_Click();  // its own left-out things replace those of Before
+  for (const char* folder : {"C:\\A", "C:\\B", "C:\\G"}) m_sample.Remove(folder);
+  m_sample.SetSystemReg(SampleMachine::SystemKeys());
+  ASSERT_TRUE(m_snapshots.AfterSnapshot());
+  leaveOut("tblLeftOut2");
+  EXPECT_TRUE(m_analysis.CreateViews(m_analysisPath));
+  EXPECT_EQ(found("Deleted"), told);
+}
+
 // Files can be compared on a machine whose registry isn't there, as long as it isn't scanned.
 TEST_F(clsAnalysisTest, AnUnreadableRegistryMattersOnlyWhereItIsScanned) {
   std::filesystem::remove(m_sample.Folder() + "/system.reg");
@@ -197,7 +265,12 @@ Registry Scan Settings=
 File Exclude Settings=
     Files / Folders Excluded=
         C:\windows\temp\=Folder Tree
-        C:\windows\a.txt=File(s))");
+        C:\windows\a.txt=File(s)
+ =
+Left Out Of The Snapshots=
+    Left Out Of Before=None
+    Left Out Of After=None
+    Differences Not Compared=0)");
   for (const char* off : {"FileExclude", "DiskScan"}) Enable(off, false);
   Enable("RemoteRegistry", true);
   m_settings.SaveSetting("RegScan", "RemoteName", "box");
@@ -205,7 +278,7 @@ File Exclude Settings=
   After();
   EXPECT_EQ(Stat("    Folders Scanned") + Stat("    Files / Folders Excluded"), "NoneNone");
   EXPECT_EQ(Stat("        \\\\box\\HKEY_USERS"), "No");
-  EXPECT_EQ(Analysis("SELECT count(*) FROM tblStats"), Lines{"20"});
+  EXPECT_EQ(Stat("        HKEY_LOCAL_MACHINE"), "unfinished hive scan: can't be reached");
 }
 
 TEST_F(clsAnalysisTest, ACancelledOrAbortedComparisonLeavesTheOlderFile) {

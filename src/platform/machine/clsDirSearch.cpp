@@ -27,8 +27,15 @@ clsError AccessError(std::string_view path, int reason) {
 
 clsDirSearch::clsDirSearch(std::shared_ptr<clsFolderListing> listing, int mask,
                            std::shared_ptr<SearchShare> share)
-    : m_listing(std::move(listing)), m_share(std::move(share)), m_mask(mask) {
-  if ((mask & fileattr::Directory) == 0) m_share->LeftOutCounts.Add(m_listing->LeftOutCounts());
+    : m_listing(std::move(listing)), m_share(std::move(share)), m_mask(mask) {}
+
+const clsLeftOut& clsDirSearch::LeftOutItems() const {
+  return (m_mask & fileattr::Directory) == 0 ? m_listing->LeftOutItems() : m_leftOut;
+}
+
+void clsDirSearch::LeaveOut(const clsFolderListing::Entry& entry, LeftOut kind, int reason) {
+  m_leftOut.Add({kind, 0, m_listing->WindowsFolder() + m_listing->Name(entry) + "\\", "",
+                 reason == 0 ? "" : std::generic_category().message(reason)});
 }
 
 bool clsDirSearch::Next(std::string& name) {
@@ -52,17 +59,23 @@ bool clsDirSearch::IsGiven(clsFolderListing::Entry& entry) {
   const bool known = entry.Attributes != clsFolderListing::NotAsked;
   if (!entry.Folder && (refused == 0 || known)) return (entry.Attributes & refused) == 0;
   struct stat status {};
-  // A folder that can't be looked at is not given; who asks for details of such a file hears of it.
-  if (m_listing->Status(entry, status) != 0) return !entry.Folder;
+  // Who asks for details of a file that can't be looked at hears of it.
+  if (const int reason = m_listing->Status(entry, status); reason != 0) {
+    const bool gone = reason == ENOENT || reason == ENOTDIR;
+    if (entry.Folder) {
+      LeaveOut(entry, gone ? LeftOut::VanishedFolder : LeftOut::UnreadableFolder, reason);
+    }
+    return !entry.Folder;
+  }
   if (entry.Folder && status.st_dev != m_listing->Device()) {
     m_listing->HostPath(entry, m_path);
     if (IsKernelFolder(m_path, status.st_dev)) {
-      m_share->LeftOutCounts.Add(LeftOut::KernelFolder);
+      LeaveOut(entry, LeftOut::KernelFolder);
       return false;
     }
   }
   if ((AttributesOf(entry, status) & refused) == 0) return true;
-  if (entry.Folder) m_share->LeftOutCounts.Add(LeftOut::HiddenFolder);
+  if (entry.Folder) LeaveOut(entry, LeftOut::HiddenFolder);
   return false;
 }
 

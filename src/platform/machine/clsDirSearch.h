@@ -41,15 +41,13 @@ struct FileDetails {
 /// What all searches of one machine share.
 struct SearchShare {
   clsAttributes Attributes;
-  clsLeftOut LeftOutCounts;
 };
 
 /// Gives every name of a folder that Windows would give, once, in byte order. Made by
 /// clsMachine::Dir; may outlive the machine.
 class clsDirSearch {
  public:
-  /// Searches `listing` with `mask` (see clsMachine::Dir). Names that the listing left out are
-  /// counted unless the mask holds fileattr::Directory.
+  /// Searches `listing` with `mask` (see clsMachine::Dir).
   clsDirSearch(std::shared_ptr<clsFolderListing> listing, int mask,
                std::shared_ptr<SearchShare> share);
 
@@ -59,6 +57,10 @@ class clsDirSearch {
   /// Details of the item that `Next` gave last. Raises 75 when it has vanished or can't be read.
   FileDetails Details() const;
 
+  /// What was left out so far: by a search for files the names that can't be given, by one for
+  /// folders the folders that are not entered.
+  const clsLeftOut& LeftOutItems() const;
+
   /// Host path of the item that `Next` gave last.
   std::string HostPath() const;
 
@@ -67,10 +69,12 @@ class clsDirSearch {
 
  private:
   bool IsGiven(clsFolderListing::Entry& entry);
+  void LeaveOut(const clsFolderListing::Entry& entry, LeftOut kind, int reason = 0);
   int AttributesOf(clsFolderListing::Entry& entry, const struct stat& status) const;
 
   std::shared_ptr<clsFolderListing> m_listing;
   std::shared_ptr<SearchShare> m_share;
+  clsLeftOut m_leftOut;
   int m_mask;
   std::size_t m_next = 0;
   clsFolderListing::Entry* m_given = nullptr;

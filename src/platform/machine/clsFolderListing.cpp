@@ -41,48 +41,54 @@ int clsFolderListing::Read(const std::string& hostFolder, std::string windowsFol
   struct stat status {};
   if (fstat(m_folder.Descriptor(), &status) != 0) return errno;
   m_stamp = FolderStamp(status);
-  bool full = false;
+  int refused = 0;
   failure = m_folder.Read([&](const char* name, unsigned char type) {
-    full = full || m_names.size() > std::numeric_limits<std::uint32_t>::max() - 4096;
-    if (!full) Add(name, type);
+    if (m_names.size() > std::numeric_limits<std::uint32_t>::max() - 4096) refused = EFBIG;
+    if (refused == 0) refused = Add(name, type);
   });
-  if (failure != 0 || full) return full ? EFBIG : failure;
+  if (failure != 0 || refused != 0) return failure != 0 ? failure : refused;
   std::sort(m_entries.begin(), m_entries.end(),
             [this](const Entry& a, const Entry& b) { return std::strcmp(Name(a), Name(b)) < 0; });
   LeaveOutTwins();
   return 0;
 }
 
-void clsFolderListing::Add(const char* hostName, unsigned char type) {
+// Gives 0, or the system's error number when the folder's names can't be told for what they are.
+int clsFolderListing::Add(const char* hostName, unsigned char type) {
   if (type == DT_UNKNOWN) {
     struct stat status {};
-    if (fstatat(m_folder.Descriptor(), hostName, &status, AT_SYMLINK_NOFOLLOW) != 0) return;
+    if (fstatat(m_folder.Descriptor(), hostName, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+      return errno == ENOENT ? 0 : errno;
+    }
     type = TypeOf(status.st_mode);
   }
-  if (type == DT_LNK && !FollowLink(hostName, type)) {
-    m_leftOut.Add(LeftOut::LinkedFolder);
-    return;
-  }
-  if (type != DT_REG && type != DT_DIR) return;
+  const bool leftLink = type == DT_LNK && !FollowLink(hostName, type);
+  if (!leftLink && type != DT_REG && type != DT_DIR) return 0;
 
   const std::size_t offset = m_names.size();
   const hostnames::Form form = hostnames::AppendWindowsName(m_names, hostName);
   if (form == hostnames::Form::Impossible) {
-    m_leftOut.Add(LeftOut::ImpossibleName);
-    return;
+    m_leftOut.Add({LeftOut::ImpossibleName, 0, m_windowsFolder, hostName});
+    return 0;
+  }
+  if (leftLink) {
+    m_leftOut.Add({LeftOut::LinkedFolder, 0, m_windowsFolder + m_names.substr(offset) + "\\"});
+    m_names.resize(offset);
+    return 0;
   }
   const bool folder = type == DT_DIR;
   const std::size_t room = LongestPath - std::min(LongestPath, m_windowsFolderLength + folder);
   const std::string_view name = std::string_view(m_names).substr(offset);
   // A name has no more units than bytes, so most need no counting.
   if (name.size() > room && text::Length(name) > room) {
-    m_leftOut.Add(LeftOut::LongPath);
+    m_leftOut.Add({LeftOut::LongPath, 0, m_windowsFolder, std::string(name)});
     m_names.resize(offset);
-    return;
+    return 0;
   }
   m_names += '\0';
   m_entries.push_back(
       {static_cast<std::uint32_t>(offset), NotAsked, folder, form == hostnames::Form::Mapped});
+  return 0;
 }
 
 // Replaces a link's type by what stands behind it. False for a folder, and for nothing at all.
@@ -108,7 +114,7 @@ void clsFolderListing::LeaveOutTwins() {
       slot = (slot + 1) & mask;
     }
     if (table[slot] != None) {
-      m_leftOut.Add(LeftOut::CaseTwin);
+      m_leftOut.Add({LeftOut::CaseTwin, 0, m_windowsFolder, std::string(name)});
       continue;
     }
     table[slot] = static_cast<std::uint32_t>(kept);

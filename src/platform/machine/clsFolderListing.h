@@ -28,12 +28,12 @@ class clsFolderListing {
   ///
   /// Entries are files, links to files and folders, in byte order of their names. Names that
   /// Windows can't have, paths above 255 UTF-16 units (a folder's with its trailing backslash),
-  /// names that equal an earlier one but for case, and links to folders are left out and counted.
-  /// Sockets, devices and fifos are no files and not counted.
+  /// names that equal an earlier one but for case, and links to folders are left out and told.
+  /// Sockets, devices and fifos are no files and not told.
   int Read(const std::string& hostFolder, std::string windowsFolder);
 
   std::vector<Entry>& Entries() { return m_entries; }
-  const clsLeftOut& LeftOutCounts() const { return m_leftOut; }
+  const clsLeftOut& LeftOutItems() const { return m_leftOut; }
 
   const std::string& HostFolder() const { return m_hostFolder; }
   const std::string& WindowsFolder() const { return m_windowsFolder; }
@@ -49,7 +49,7 @@ class clsFolderListing {
   bool IsCurrent() const;
 
  private:
-  void Add(const char* hostName, unsigned char type);
+  int Add(const char* hostName, unsigned char type);
   bool FollowLink(const char* hostName, unsigned char& type);
   void LeaveOutTwins();
 

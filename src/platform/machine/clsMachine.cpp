@@ -127,6 +127,10 @@ std::optional<std::string> clsMachine::WindowsPath(const std::string& hostPath) 
   return m_state->Paths.WindowsPath(hostPath);
 }
 
+std::vector<std::string> clsMachine::WindowsPaths(const std::string& hostPath) const {
+  return m_state->Paths.WindowsPaths(hostPath);
+}
+
 bool clsMachine::FileExists(std::string_view windowsPath) const {
   const std::optional<std::string> path = HostPath(windowsPath);
   return path && clsFileWorks::FileExists(*path);
@@ -135,6 +139,15 @@ bool clsMachine::FileExists(std::string_view windowsPath) const {
 bool clsMachine::FolderExists(std::string_view windowsPath) const {
   const std::optional<std::string> path = HostPath(windowsPath);
   return path && clsFileWorks::FolderExists(*path);
+}
+
+std::optional<std::string> clsMachine::Refusal(std::string_view windowsPath) const {
+  if (!m_state->Paths.ExactHostPath(windowsPath.substr(0, 2))) return "there is no such drive";
+  int reason = 0;
+  const std::optional<std::string> path = m_state->Paths.HostPath(windowsPath, &reason);
+  if (path) reason = clsHostFolder().Open(*path);
+  if (reason == ENOENT || reason == ENOTDIR) return {};
+  return std::generic_category().message(reason);
 }
 
 FileDetails clsMachine::Details(std::string_view windowsPath) const {
@@ -224,10 +237,6 @@ std::shared_ptr<clsRegistry> clsMachine::RegConnectRegistry(std::string_view nam
   const std::shared_ptr<clsMachine> remote = Connect(name);
   if (remote == nullptr) return nullptr;
   return {remote, &remote->Registry()};  // keeps the machine as long as its registry is used
-}
-
-clsLeftOut& clsMachine::LeftOutCounts() {
-  return m_state->Share->LeftOutCounts;
 }
 
 }  // namespace sandrel

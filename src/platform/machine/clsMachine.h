@@ -11,7 +11,6 @@
 #include <string_view>
 #include <vector>
 
-#include "common/clsLeftOut.h"
 #include "platform/machine/clsDirSearch.h"
 #include "platform/registry/clsRegistry.h"
 
@@ -45,18 +44,21 @@ class clsMachine {
   /// The Windows path of a host path, which need not exist, by the drive whose folder lies nearest
   /// above it (the first letter of several); nothing when no drive holds it.
   std::optional<std::string> WindowsPath(const std::string& hostPath) const;
+  /// The same by every drive that holds it.
+  std::vector<std::string> WindowsPaths(const std::string& hostPath) const;
 
   bool FileExists(std::string_view windowsPath) const;
   bool FolderExists(std::string_view windowsPath) const;
+  /// Why a folder that can't be searched can't, in the system's words; nothing when it has gone.
+  std::optional<std::string> Refusal(std::string_view windowsPath) const;
   /// Raises 75 when the file has vanished or can't be read.
   FileDetails Details(std::string_view windowsPath) const;
 
   /// Starts a search of all names of a folder (as the pattern "*.*"). With the mask fileattr::Files
   /// it gives files, hidden and system ones too; with fileattr::Directory it gives ordinary files
-  /// and ordinary folders, no hidden or system ones. Raises 52 when the folder can't be read. What
-  /// is left out is counted, by the search for files except for hidden folders and folders of the
-  /// kernel's, which the search for folders counts. A search for folders that follows the search
-  /// for files of the same folder reads the disk no second time.
+  /// and ordinary folders, no hidden or system ones. Raises 52 when the folder can't be read. A
+  /// search for folders that follows the search for files of the same folder reads the disk no
+  /// second time.
   clsDirSearch Dir(std::string_view folder, int mask);
 
   /// The Windows folder and the system folder, without a trailing backslash, as "C:\windows".
@@ -80,9 +82,6 @@ class clsMachine {
   /// of that name in $SANDREL_NETWORK. Null when it isn't there; raises errnum::Hive when one of
   /// its hives can't be read.
   std::shared_ptr<clsRegistry> RegConnectRegistry(std::string_view name);
-
-  /// What directory searches left out so far; cleared by the reader.
-  clsLeftOut& LeftOutCounts();
 
  private:
   struct State;

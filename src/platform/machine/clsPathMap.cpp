@@ -71,6 +71,21 @@ std::string OrRoot(const std::string& path) {
   return path.empty() ? "/" : path;
 }
 
+// Nothing when a name on the way is none for Windows.
+std::optional<std::string> WindowsPathBelow(char drive, std::string_view rest) {
+  std::string path{drive, ':', '\\'};
+  while (!rest.empty()) {
+    rest.remove_prefix(1);
+    const std::size_t end = std::min(rest.find('/'), rest.size());
+    if (!path.ends_with('\\')) path += '\\';
+    if (hostnames::AppendWindowsName(path, rest.substr(0, end)) == hostnames::Form::Impossible) {
+      return {};
+    }
+    rest.remove_prefix(end);
+  }
+  return path;
+}
+
 }  // namespace
 
 std::string FindNameNoCase(const std::string& hostFolder, std::string_view windowsName) {
@@ -214,7 +229,7 @@ std::string clsPathMap::FindName(const std::string& hostFolder, std::string_view
   return name;
 }
 
-std::optional<std::string> clsPathMap::WindowsPath(const std::string& hostPath) {
+std::vector<std::string> clsPathMap::WindowsPaths(const std::string& hostPath) {
   std::error_code failure;
   const std::filesystem::path absolute = std::filesystem::absolute(hostPath, failure);
   if (failure || hostPath.empty()) return {};
@@ -222,31 +237,30 @@ std::optional<std::string> clsPathMap::WindowsPath(const std::string& hostPath) 
   // that gets to a drive through a link of its own belongs there too.
   const std::string plain = WithoutSlash(absolute.lexically_normal().string());
   const std::string real = RealPath(plain);
-  const Drive* best = nullptr;
-  const std::string* path = nullptr;
+  std::vector<std::pair<std::size_t, std::string>> found;  // with the length of the drive's root
   for (const Drive& drive : CurrentDrives()) {
     for (const std::string* candidate : {&plain, &real}) {
       const bool holds =
           candidate->starts_with(drive.Root) &&
           (candidate->size() == drive.Root.size() || (*candidate)[drive.Root.size()] == '/');
-      if (!holds || (best != nullptr && drive.Root.size() <= best->Root.size())) continue;
-      best = &drive;
-      path = candidate;
+      if (!holds) continue;
+      const std::string_view rest = std::string_view(*candidate).substr(drive.Root.size());
+      if (auto path = WindowsPathBelow(drive.Letter, rest)) {
+        found.emplace_back(drive.Root.size(), std::move(*path));
+      }
     }
   }
-  if (best == nullptr) return {};
-  std::string result{best->Letter, ':', '\\'};
-  std::string_view rest = std::string_view(*path).substr(best->Root.size());
-  while (!rest.empty()) {
-    rest.remove_prefix(1);
-    const std::size_t end = std::min(rest.find('/'), rest.size());
-    if (!result.ends_with('\\')) result += '\\';
-    if (hostnames::AppendWindowsName(result, rest.substr(0, end)) == hostnames::Form::Impossible) {
-      return {};
-    }
-    rest.remove_prefix(end);
-  }
-  return result;
+  std::stable_sort(found.begin(), found.end(),
+                   [](const auto& a, const auto& b) { return a.first > b.first; });
+  std::vector<std::string> paths;
+  for (auto& [length, path] : found) paths.push_back(std::move(path));
+  return paths;
+}
+
+std::optional<std::string> clsPathMap::WindowsPath(const std::string& hostPath) {
+  std::vector<std::string> paths = WindowsPaths(hostPath);
+  if (paths.empty()) return {};
+  return std::move(paths.front());
 }
 
 }  // namespace sandrel

@@ -35,6 +35,8 @@ class clsPathMap {
   /// above it; the first letter of several. Nothing when no drive holds it or its name is none for
   /// Windows.
   std::optional<std::string> WindowsPath(const std::string& hostPath);
+  /// The same by every drive that holds it, the nearest first.
+  std::vector<std::string> WindowsPaths(const std::string& hostPath);
 
  private:
   struct Drive {

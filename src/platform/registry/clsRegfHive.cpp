@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 #include "common/clsError.h"
@@ -89,6 +90,8 @@ class clsRegfKey : public clsRegKey {
     data = value.content;
     return true;
   }
+  std::uint64_t RefusedSubkeys() override { return (SubkeyNames(), m_subkeys.refused); }
+  std::uint64_t RefusedValues() override { return (ValueNames(), m_values.refused); }
   std::optional<std::string> LinkTarget() override {
     if (!m_hive->IsLink(m_node)) return {};
     const std::vector<std::string>& names = ValueNames();
@@ -181,11 +184,6 @@ bool clsRegfHive::ReadName(std::size_t at, std::size_t size, bool latin1, std::s
   return true;
 }
 
-void clsRegfHive::Count(hive_node_h node, LeftOut kind, std::size_t refused) {
-  if (refused == 0 || m_counts == nullptr) return;
-  if (m_counted[kind == LeftOut::RefusedValue].insert(node).second) m_counts->Add(kind, refused);
-}
-
 // A list holds places of keys ("li", with hashes between them "lf" and "lh") or of further lists
 // ("ri").
 void clsRegfHive::ListSubkeys(std::size_t list, int depth, std::vector<hive_node_h>& nodes) const {
@@ -215,8 +213,8 @@ void clsRegfHive::ReadSubkeys(hive_node_h node, Subkeys& subkeys) {
   ListSubkeys(FirstBin + Number32(node + KeySubkeyList), 0, nodes);
   // The number may be what is damaged.
   const bool plausible = count <= m_bytes.size() / KeyName;
-  std::size_t refused = nodes.size() >= count ? 0 : plausible ? count - nodes.size() : 1;
-  refused += RemoveTwins(nodes);
+  subkeys.refused = nodes.size() >= count ? 0 : plausible ? count - nodes.size() : 1;
+  subkeys.refused += RemoveTwins(nodes);
 
   subkeys.names.reserve(nodes.size());
   std::size_t kept = 0;
@@ -226,9 +224,8 @@ void clsRegfHive::ReadSubkeys(hive_node_h node, Subkeys& subkeys) {
     subkeys.names.push_back(std::move(name));
     nodes[kept++] = subkey;
   }
-  refused += nodes.size() - kept;
+  subkeys.refused += nodes.size() - kept;
   nodes.resize(kept);
-  Count(node, LeftOut::RefusedKey, refused);
 }
 
 bool clsRegfHive::ReadSubkey(hive_node_h parent, hive_node_h node, std::string& name) const {
@@ -248,10 +245,9 @@ void clsRegfHive::ReadValues(hive_node_h node, Values& values) {
   if (count == 0) return;
   const std::size_t list = FirstBin + Number32(node + KeyValueList);
   if (Cell(list).size() / 4 < count) {
-    Count(node, LeftOut::RefusedValue, count > m_bytes.size() / 4 ? 1 : count);
+    values.refused = count > m_bytes.size() / 4 ? 1 : count;
     return;
   }
-  std::size_t refused = 0;
   values.names.reserve(count);
   values.data.reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
@@ -261,10 +257,9 @@ void clsRegfHive::ReadValues(hive_node_h node, Values& values) {
       values.names.push_back(std::move(name));
       values.data.push_back(data);
     } else {
-      ++refused;
+      ++values.refused;
     }
   }
-  Count(node, LeftOut::RefusedValue, refused);
 }
 
 bool clsRegfHive::ReadValue(hive_value_h value, std::string& name, ValueData& data) const {

@@ -13,10 +13,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
-#include "common/clsLeftOut.h"
 #include "platform/registry/clsMappedFile.h"
 #include "platform/registry/clsRegistry.h"
 
@@ -35,9 +33,6 @@ class clsRegfHive : public std::enable_shared_from_this<clsRegfHive> {
   /// True when the last changes stand in the hive's log only.
   bool HasPendingLog() const;
 
-  /// Where keys and values that can't be read are counted, each once; null counts nowhere.
-  void CountIn(clsLeftOut* counts) { m_counts = counts; }
-
   /// The hive's root key. Open keys keep the hive.
   std::shared_ptr<clsRegKey> Root();
 
@@ -47,6 +42,7 @@ class clsRegfHive : public std::enable_shared_from_this<clsRegfHive> {
   struct Subkeys {
     std::vector<std::string> names;
     std::vector<hive_node_h> nodes;
+    std::uint64_t refused = 0;
   };
   struct ValueData {  // stands in the file's bytes, unless its cell only says where the parts are
     std::uint32_t type = 0;
@@ -57,6 +53,7 @@ class clsRegfHive : public std::enable_shared_from_this<clsRegfHive> {
   struct Values {
     std::vector<std::string> names;
     std::vector<ValueData> data;
+    std::uint64_t refused = 0;
   };
 
   explicit clsRegfHive(const std::string& path);
@@ -70,7 +67,6 @@ class clsRegfHive : public std::enable_shared_from_this<clsRegfHive> {
   bool ReadValue(hive_value_h value, std::string& name, ValueData& data) const;
   bool ReadSplitData(std::string_view cell, std::size_t size, std::string* data) const;
   bool ReadName(std::size_t at, std::size_t size, bool latin1, std::string& name) const;
-  void Count(hive_node_h node, LeftOut kind, std::size_t refused);
 
   std::uint16_t Number16(std::size_t at) const;
   std::uint32_t Number32(std::size_t at) const;
@@ -80,8 +76,6 @@ class clsRegfHive : public std::enable_shared_from_this<clsRegfHive> {
   std::string_view m_bytes;
   hive_h* m_hive = nullptr;
   hive_node_h m_root = 0;
-  clsLeftOut* m_counts = nullptr;
-  std::unordered_set<std::size_t> m_counted[2];  // keys whose refused subkeys, values are counted
 };
 
 }  // namespace sandrel

@@ -121,14 +121,13 @@ std::int32_t clsRegistry::RegOpenKeyEx(std::uint32_t root, std::string_view path
   }
   key = m_chain.back().key;
   key->m_level = m_chain.size() - 1;
-  if (key->m_level == MaxKeyLevel) CountDeepKeys(root, path, key);
   return regstatus::Success;
 }
 
-void clsRegistry::CountDeepKeys(std::uint32_t root, std::string_view path, const Handle& key) {
-  if (m_deepKeysCounted.insert(std::to_string(root).append(path)).second) {
-    m_leftOut.Add(LeftOut::DeepKey, key->SubkeyNames().size());
-  }
+KeyGaps clsRegistry::Gaps(const Handle& key) {
+  if (key == nullptr) return {};
+  return {key->RefusedSubkeys(), key->RefusedValues(),
+          key->m_level >= MaxKeyLevel ? key->SubkeyNames().size() : 0};
 }
 
 std::int32_t clsRegistry::RegEnumKey(const Handle& key, std::size_t index, std::string& name) {

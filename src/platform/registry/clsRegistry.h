@@ -13,10 +13,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
-#include "common/clsLeftOut.h"
 #include "platform/registry/clsNameIndex.h"
 
 namespace sandrel {
@@ -63,6 +61,13 @@ struct HiveFile {
 /// Keys below this level are not given.
 inline constexpr std::size_t MaxKeyLevel = 512;
 
+/// What the enumeration of a key doesn't give.
+struct KeyGaps {
+  std::uint64_t Subkeys = 0;  ///< that can't be read
+  std::uint64_t Values = 0;   ///< likewise
+  std::uint64_t Deep = 0;     ///< subkeys that lie below MaxKeyLevel
+};
+
 /// An open key of a provider. Implemented by each provider; callers go through clsRegistry. What it
 /// gives stays as it was when first asked for, so open a key again to see changes.
 class clsRegKey {
@@ -84,6 +89,9 @@ class clsRegKey {
   /// The path that a symbolic link leads to, as "\REGISTRY\MACHINE\...", an empty one where it
   /// holds none; nothing for other keys.
   virtual std::optional<std::string> LinkTarget() { return {}; }
+  /// How many subkeys and values the key has that can't be read, and the lists above lack.
+  virtual std::uint64_t RefusedSubkeys() { return 0; }
+  virtual std::uint64_t RefusedValues() { return 0; }
 
  private:
   friend class clsRegistry;
@@ -126,6 +134,9 @@ class clsRegistry {
   std::int32_t RegQueryValueEx(const Handle& key, std::string_view name, std::uint32_t& type,
                                std::string& data);
 
+  /// What the enumerations of an open key lack.
+  static KeyGaps Gaps(const Handle& key);
+
   /// Writing. AccessDenied for a registry that is only read. A registry on disk is written by
   /// `Flush`, which replaces its files whole.
   virtual std::int32_t RegCreateKeyEx(std::uint32_t root, std::string_view path);
@@ -151,11 +162,6 @@ class clsRegistry {
   /// not applied, for instance.
   const std::vector<std::string>& Remarks() const { return m_remarks; }
 
-  /// Keys and values left out so far, each counted once, when it is met for the first time however
-  /// often its key is listed; cleared by the reader. For the counts of a scan open the registry
-  /// anew.
-  clsLeftOut& LeftOutCounts() { return m_leftOut; }
-
  protected:
   clsRegistry() = default;
 
@@ -180,7 +186,6 @@ class clsRegistry {
   std::string m_currentUserSid;
   std::vector<HiveFile> m_hiveFiles;
   std::vector<std::string> m_remarks;
-  clsLeftOut m_leftOut;
 
  private:
   struct Step {  // one level of the path opened last
@@ -192,13 +197,11 @@ class clsRegistry {
   Handle OpenSubkey(const Handle& parent, std::string_view name, bool mayFollow, bool& followed,
                     int& hops);
   Handle FindKey(std::uint32_t root, std::string_view path, int& hops);
-  void CountDeepKeys(std::uint32_t root, std::string_view path, const Handle& key);
 
   std::vector<std::uint32_t> m_roots;
   std::uint32_t m_lastRoot = 0;
   std::string m_lastPath;
   std::vector<Step> m_chain;  // from the root key down
-  std::unordered_set<std::string> m_deepKeysCounted;
 };
 
 /// The registry of a Wine prefix: `folder` holds system.reg, user.reg and userdef.reg. All files

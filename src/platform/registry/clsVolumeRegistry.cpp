@@ -39,7 +39,6 @@ std::shared_ptr<clsRegKey> SubkeyNamed(const std::shared_ptr<clsRegKey>& key,
 class clsVolumeRegistry : public clsRegistry {
  public:
   clsVolumeRegistry(const std::string& folder, std::string_view user);
-  ~clsVolumeRegistry() override;
 
  protected:
   Handle OpenRoot(std::uint32_t root) override;
@@ -59,7 +58,6 @@ class clsVolumeRegistry : public clsRegistry {
   void ChooseUser(const std::vector<VolumeProfile>& profiles, std::string_view user);
   std::string LastUser();
 
-  std::vector<HivePointer> m_hives;
   std::map<std::string, HivePointer> m_machine;  // by the names of their keys
   HivePointer m_defaultUser;
   std::string m_controlSet;  // the key that is CurrentControlSet
@@ -81,15 +79,8 @@ clsVolumeRegistry::clsVolumeRegistry(const std::string& folder, std::string_view
   FindRoots();
 }
 
-clsVolumeRegistry::~clsVolumeRegistry() {
-  // Open keys may keep a hive for longer.
-  for (const HivePointer& hive : m_hives) hive->CountIn(nullptr);
-}
-
 HivePointer clsVolumeRegistry::OpenHive(const std::string& key, const std::string& path) {
   HivePointer hive = clsRegfHive::Open(path);
-  hive->CountIn(&m_leftOut);
-  m_hives.push_back(hive);
   m_hiveFiles.push_back({key, path});
   if (hive->HasPendingLog()) {
     m_remarks.push_back(fmt::format(

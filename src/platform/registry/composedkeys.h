@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -45,6 +46,8 @@ class clsGraftedKey : public clsRegKey {
   bool Value(std::size_t index, std::uint32_t& type, std::string& data) override {
     return m_base->Value(index, type, data);
   }
+  std::uint64_t RefusedSubkeys() override { return m_base->RefusedSubkeys(); }
+  std::uint64_t RefusedValues() override { return m_base->RefusedValues(); }
 
  private:
   std::shared_ptr<clsRegKey> m_base;
@@ -63,6 +66,12 @@ class clsMergedKey : public clsRegKey {
   const std::vector<std::string>& ValueNames() override;
   std::shared_ptr<clsRegKey> Subkey(std::size_t index) override;
   bool Value(std::size_t index, std::uint32_t& type, std::string& data) override;
+  std::uint64_t RefusedSubkeys() override {
+    return m_upper->RefusedSubkeys() + m_lower->RefusedSubkeys();
+  }
+  std::uint64_t RefusedValues() override {
+    return m_upper->RefusedValues() + m_lower->RefusedValues();
+  }
 
  private:
   // The union of two lists of names, each with its places in both.

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <optional>
 #include <string_view>
+#include <system_error>
 
 namespace sandrel {
 namespace {
@@ -30,6 +31,7 @@ class clsPieces {
  public:
   explicit clsPieces(const std::string& path)
       : m_descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
+    if (m_descriptor < 0) m_failure = errno;
     m_firstSize = Read(0, m_first.data(), m_first.size());
   }
   ~clsPieces() {
@@ -47,6 +49,9 @@ class clsPieces {
     return Read(at, piece, size) == size;
   }
 
+  // The system's number of the first error; 0 when there was none.
+  int Failure() const { return m_failure; }
+
   std::uint64_t Size() const {
     struct stat status {};
     return fstat(m_descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
@@ -59,6 +64,7 @@ class clsPieces {
       const ssize_t got =
           pread(m_descriptor, piece + done, size - done, static_cast<off_t>(at + done));
       if (got < 0 && errno == EINTR) continue;
+      if (got < 0 && m_failure == 0) m_failure = errno;
       if (got <= 0) break;
       done += static_cast<std::size_t>(got);
       if (at == 0 && size == FirstPiece) break;  // a small file need not be asked for its end
@@ -67,6 +73,7 @@ class clsPieces {
   }
 
   int m_descriptor;
+  mutable int m_failure = 0;
   std::array<char, FirstPiece> m_first;
   std::size_t m_firstSize = 0;
 };
@@ -180,9 +187,13 @@ std::optional<Place> FindVersion(const clsPieces& file) {
 
 }  // namespace
 
-std::size_t clsVersionInfo::GetFileVersionInfoSize(const std::string& hostPath) {
+std::size_t clsVersionInfo::GetFileVersionInfoSize(const std::string& hostPath,
+                                                   std::string* failure) {
   const clsPieces file(hostPath);
   const std::optional<Place> place = FindVersion(file);
+  if (failure != nullptr && file.Failure() != 0) {
+    *failure = std::generic_category().message(file.Failure());
+  }
   return place ? place->Size : 0;
 }
 

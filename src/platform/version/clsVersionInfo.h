@@ -10,8 +10,10 @@ namespace sandrel {
 class clsVersionInfo {
  public:
   /// The size in bytes of the file's version resource; 0 when it has none, is no PE file or can't
-  /// be read. Reads headers and the resource directory only, never the whole file.
-  static std::size_t GetFileVersionInfoSize(const std::string& hostPath);
+  /// be read, why `failure` then tells in the system's words. Reads headers and the resource
+  /// directory only, never the whole file.
+  static std::size_t GetFileVersionInfoSize(const std::string& hostPath,
+                                            std::string* failure = nullptr);
 
   /// Fills `buffer` with at most `size` bytes of the version resource. False on failure.
   static bool GetFileVersionInfo(const std::string& hostPath, std::size_t size,
