@@ -20,6 +20,7 @@ namespace errnum {
 inline constexpr std::int32_t InvalidArgument = 5;
 inline constexpr std::int32_t Overflow = 6;
 inline constexpr std::int32_t OutOfMemory = 7;
+inline constexpr std::int32_t Internal = 51;     ///< a fault of the program's own
 inline constexpr std::int32_t BadFileName = 52;  ///< a folder that can't be searched
 inline constexpr std::int32_t FileNotFound = 53;
 inline constexpr std::int32_t TypeMismatch = 13;

@@ -13,6 +13,7 @@
 
 #include "config/frmFolderTreeview.h"
 #include "platform/qt/modBoxes.h"
+#include "platform/qt/modGuard.h"
 #include "platform/qt/modText.h"
 #include "snapshot/clsStatements.h"
 
@@ -33,17 +34,17 @@ frmConfig::frmConfig(clsShell& shell, clsConfigModel& model, std::shared_ptr<cls
 
 void frmConfig::Connect() {
   const auto click = [this](QPushButton* button, std::function<void()> body) {
-    connect(
+    qt::Connect(
         button, &QPushButton::clicked, this,
         [this, body = std::move(body), method = "frmConfig." + button->objectName().toStdString()] {
           Command(method.c_str(), body);
         });
   };
   const auto toggle = [this](QCheckBox* box, void (frmConfig::*body)()) {
-    connect(box, &QCheckBox::toggled, this, body);
+    qt::Connect(box, &QCheckBox::toggled, this, body);
   };
   click(cmdSave, [this] { cmdSave_Click(); });
-  connect(cmdClose, &QPushButton::clicked, this, &frmConfig::reject);
+  qt::Connect(cmdClose, &QPushButton::clicked, this, &frmConfig::reject);
 
   const Add addFolder = [this](const std::string& folder) { return m_model.AddFolder(folder); };
   toggle(chkEnableDiskScan, &frmConfig::chkEnableDiskScan_Click);
@@ -67,11 +68,11 @@ void frmConfig::Connect() {
       ShowHives();
     });
   }
-  connect(lstRegHives, &QListWidget::itemChanged, this, [this](const QListWidgetItem* item) {
+  qt::Connect(lstRegHives, &QListWidget::itemChanged, this, [this](const QListWidgetItem* item) {
     m_model.SetScanned(item->text().toStdString(), item->checkState() == Qt::Checked);
   });
-  connect(txtRemote, &QLineEdit::textChanged, this,
-          [this](const QString& name) { m_model.RemoteName = name.toStdString(); });
+  qt::Connect(txtRemote, &QLineEdit::textChanged, this,
+              [this](const QString& name) { m_model.RemoteName = name.toStdString(); });
   click(cmdAddRemote, [this] {
     const std::string name = Pick(NetworkComputers(), "Please select a remote computer", {});
     if (!name.empty()) txtRemote->setText(qt::FromText(name));
@@ -84,8 +85,8 @@ void frmConfig::Connect() {
     txtZoom->clear();
     ShowList(lstFileExclude, m_model.Excludes);
   });
-  connect(cmdAddFile, &QPushButton::clicked, this,
-          [this] { Command("frmConfig.AddDialog", [this] { AddDialog(); }); });
+  qt::Connect(cmdAddFile, &QPushButton::clicked, this,
+              [this] { Command("frmConfig.AddDialog", [this] { AddDialog(); }); });
   click(cmdExcludeAddFile, [this] {
     PickMachineFolder("Select a folder branch to exclude", [this](const std::string& folder) {
       return m_model.AddExcludeFolder(folder);
@@ -97,18 +98,18 @@ void frmConfig::Connect() {
 
 void frmConfig::ConnectList(QListWidget* list, QLineEdit* text, std::vector<std::string>& entries) {
   // Not the current entry, which is there as soon as the focus comes: a typed text would be lost.
-  connect(list, &QListWidget::itemSelectionChanged, this, [list, text] {
+  qt::Connect(list, &QListWidget::itemSelectionChanged, this, [list, text] {
     const QList<QListWidgetItem*> selected = list->selectedItems();
     if (selected.size() == 1) text->setText(selected.front()->text());
   });
   // The selected entry can be clicked too, when the text has gone on from it.
-  connect(list, &QListWidget::itemClicked, this,
-          [text](const QListWidgetItem* item) { text->setText(item->text()); });
+  qt::Connect(list, &QListWidget::itemClicked, this,
+              [text](const QListWidgetItem* item) { text->setText(item->text()); });
   const auto remove = [this, list, &entries] { RemoveSelected(list, entries); };
-  connect(list, &QListWidget::itemDoubleClicked, this, remove);
+  qt::Connect(list, &QListWidget::itemDoubleClicked, this, remove);
   auto* const key = new QShortcut(QKeySequence::Delete, list);
   key->setContext(Qt::WidgetShortcut);
-  connect(key, &QShortcut::activated, this, remove);
+  qt::Connect(key, &QShortcut::activated, this, remove);
 }
 
 void frmConfig::Command(const char* method, const std::function<void()>& body) {
@@ -234,15 +235,17 @@ void frmConfig::AddDialog() {
 
 // Enter in a text box adds the text; anywhere else it saves.
 void frmConfig::keyPressEvent(QKeyEvent* event) {
-  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  QPushButton* const add = focusWidget() == txtDSZoom ? cmdDSAdd
-                           : focusWidget() == txtZoom ? cmdAddCustom
-                                                      : nullptr;
-  if (enter && add != nullptr) {
-    add->click();
-  } else {
-    QDialog::keyPressEvent(event);
-  }
+  qt::Guard(this, [&] {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    QPushButton* const add = focusWidget() == txtDSZoom ? cmdDSAdd
+                             : focusWidget() == txtZoom ? cmdAddCustom
+                                                        : nullptr;
+    if (enter && add != nullptr) {
+      add->click();
+    } else {
+      QDialog::keyPressEvent(event);
+    }
+  });
 }
 
 void frmConfig::cmdSave_Click() {

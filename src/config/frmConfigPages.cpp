@@ -12,6 +12,7 @@
 
 #include "config/frmConfig.h"
 #include "platform/qt/clsCellDelegate.h"
+#include "platform/qt/modGuard.h"
 
 namespace sandrel {
 namespace {
@@ -168,7 +169,7 @@ QCheckBox* frmConfig::NewCheckBox(const char* name, const char* caption,
                                   bool clsConfigModel::*option, QWidget* parent) {
   auto* const box = new QCheckBox(caption, parent);
   box->setObjectName(name);
-  connect(box, &QCheckBox::toggled, this, [this, option](bool on) { m_model.*option = on; });
+  qt::Connect(box, &QCheckBox::toggled, this, [this, option](bool on) { m_model.*option = on; });
   return box;
 }
 

@@ -17,6 +17,7 @@
 #include "platform/qt/Icons.h"
 #include "platform/qt/clsCellDelegate.h"
 #include "platform/qt/modCellText.h"
+#include "platform/qt/modGuard.h"
 #include "platform/qt/modInput.h"
 
 namespace sandrel {
@@ -147,21 +148,29 @@ class clsFolderTree final : public QTreeView {
     if (!hasFocus()) ShowUnfocused(*option);
   }
   bool viewportEvent(QEvent* event) override {
-    if (event->type() != QEvent::ToolTip) return QTreeView::viewportEvent(event);
-    qt::ShowCutTip(*this, *static_cast<QHelpEvent*>(event));
-    return true;
+    return qt::Guard(this, [&] {
+      if (event->type() != QEvent::ToolTip) return QTreeView::viewportEvent(event);
+      qt::ShowCutTip(*this, *static_cast<QHelpEvent*>(event));
+      return true;
+    });
   }
   void resizeEvent(QResizeEvent* event) override {
-    QTreeView::resizeEvent(event);
-    header()->setMinimumSectionSize(viewport()->width());
+    qt::Guard(this, [&] {
+      QTreeView::resizeEvent(event);
+      header()->setMinimumSectionSize(viewport()->width());
+    });
   }
   void focusInEvent(QFocusEvent* event) override {
-    QTreeView::focusInEvent(event);
-    viewport()->update();
+    qt::Guard(this, [&] {
+      QTreeView::focusInEvent(event);
+      viewport()->update();
+    });
   }
   void focusOutEvent(QFocusEvent* event) override {
-    QTreeView::focusOutEvent(event);
-    viewport()->update();
+    qt::Guard(this, [&] {
+      QTreeView::focusOutEvent(event);
+      viewport()->update();
+    });
   }
 };
 
@@ -182,13 +191,13 @@ frmFolderTreeview::frmFolderTreeview(std::unique_ptr<clsFolderSource> source, QW
   Arrange();
   SetLabel("Select or &Enter a folder to include in this Disk Scan");
 
-  connect(cmdOK, &QPushButton::clicked, this, &frmFolderTreeview::accept);
-  connect(cmdClose, &QPushButton::clicked, this, &frmFolderTreeview::reject);
-  connect(txtFolder, &QLineEdit::textEdited, this, &frmFolderTreeview::FollowText);
-  connect(ftvTreeview->selectionModel(), &QItemSelectionModel::currentChanged, this,
-          &frmFolderTreeview::SelectNode);
+  qt::Connect(cmdOK, &QPushButton::clicked, this, &frmFolderTreeview::accept);
+  qt::Connect(cmdClose, &QPushButton::clicked, this, &frmFolderTreeview::reject);
+  qt::Connect(txtFolder, &QLineEdit::textEdited, this, &frmFolderTreeview::FollowText);
+  qt::Connect(ftvTreeview->selectionModel(), &QItemSelectionModel::currentChanged, this,
+              &frmFolderTreeview::SelectNode);
   // The current folder can be clicked too, when the text has gone on from it.
-  connect(ftvTreeview, &QTreeView::clicked, this, &frmFolderTreeview::SelectNode);
+  qt::Connect(ftvTreeview, &QTreeView::clicked, this, &frmFolderTreeview::SelectNode);
 
   const QModelIndex first = m_model->index(0, 0, {});
   ftvTreeview->setCurrentIndex(first);
@@ -285,10 +294,12 @@ std::string frmFolderTreeview::Choice() const {
 }
 
 void frmFolderTreeview::accept() {
-  std::string folder = Choice();
-  if (folder.empty() || (Validate && !Validate(folder))) return;
-  m_folder = std::move(folder);
-  QDialog::accept();
+  qt::Guard(this, [&] {
+    std::string folder = Choice();
+    if (folder.empty() || (Validate && !Validate(folder))) return;
+    m_folder = std::move(folder);
+    QDialog::accept();
+  });
 }
 
 }  // namespace sandrel

@@ -14,6 +14,7 @@
 
 #include "platform/qt/Icons.h"
 #include "platform/qt/modCellText.h"
+#include "platform/qt/modGuard.h"
 
 namespace sandrel {
 
@@ -24,7 +25,7 @@ class clsFileFlight final : public QWidget {
   explicit clsFileFlight(QWidget* parent) : QWidget(parent) {
     setFixedHeight(Height);
     m_timer.setInterval(1000 / 25);
-    m_timer.callOnTimeout(this, [this] {
+    qt::Connect(&m_timer, &QTimer::timeout, this, [this] {
       m_step = (m_step + 1) % Steps;
       update();
     });
@@ -118,7 +119,7 @@ frmAnimate::frmAnimate(QWidget* owner)
   prgProgress->setObjectName("prgProgress");
   cmdCancel->setObjectName("cmdCancel");
   Arrange();
-  connect(cmdCancel, &QPushButton::clicked, this, &frmAnimate::Cancel);
+  qt::Connect(cmdCancel, &QPushButton::clicked, this, &frmAnimate::Cancel);
 }
 
 frmAnimate::~frmAnimate() {
@@ -208,22 +209,26 @@ void frmAnimate::Cancel() {
 }
 
 void frmAnimate::reject() {
-  Cancel();
+  qt::Guard(this, [&] { Cancel(); });
 }
 
 void frmAnimate::closeEvent(QCloseEvent* event) {
-  if (!m_shown) return QDialog::closeEvent(event);
-  Cancel();
-  event->ignore();
+  qt::Guard(this, [&] {
+    if (!m_shown) return QDialog::closeEvent(event);
+    Cancel();
+    event->ignore();
+  });
 }
 
 // A box that asks something during the copy must not lie below this one.
 bool frmAnimate::event(QEvent* event) {
-  const bool blocked = event->type() == QEvent::WindowBlocked;
-  if (blocked || event->type() == QEvent::WindowUnblocked) {
-    windowHandle()->setFlag(Qt::WindowStaysOnTopHint, !blocked);
-  }
-  return QDialog::event(event);
+  return qt::Guard(this, [&] {
+    const bool blocked = event->type() == QEvent::WindowBlocked;
+    if (blocked || event->type() == QEvent::WindowUnblocked) {
+      windowHandle()->setFlag(Qt::WindowStaysOnTopHint, !blocked);
+    }
+    return QDialog::event(event);
+  });
 }
 
 }  // namespace sandrel

@@ -24,6 +24,7 @@
 #include "platform/qt/Icons.h"
 #include "platform/qt/clsPreviewPane.h"
 #include "platform/qt/clsQtPrintDevice.h"
+#include "platform/qt/modGuard.h"
 #include "print/clsPrintData.h"
 #include "print/clsPrintGrid.h"
 #include "snapshot/clsStatements.h"
@@ -67,7 +68,7 @@ frmPrintPreview::frmPrintPreview(clsShell& shell, clsSettings& settings, clsQtPr
   LoadZoom();
   for (QScrollBar* const bar : {HScroll, VScroll}) {
     bar->setSingleStep(ScrollStep);
-    connect(bar, &QScrollBar::valueChanged, this, [this] { MovePages(); });
+    qt::Connect(bar, &QScrollBar::valueChanged, this, [this] { MovePages(); });
   }
   picBack->Wheel = [this](QWheelEvent& event) { Wheel(event); };
   picBack->Dragged = [this](QPoint by) {
@@ -77,7 +78,7 @@ frmPrintPreview::frmPrintPreview(clsShell& shell, clsSettings& settings, clsQtPr
   Timer->setObjectName("Timer");
   Timer->setSingleShot(true);
   Timer->setInterval(SettleTime);
-  Timer->callOnTimeout(this, [this] { Timer_Tick(); });
+  qt::Connect(Timer, &QTimer::timeout, this, [this] { Timer_Tick(); });
   placement::Load(*this, settings, FormSection);
   setWindowState(windowState() & ~Qt::WindowMinimized);
   picBack->setFocus();
@@ -117,9 +118,9 @@ void frmPrintPreview::MakeToolbar() {
   cbxZoomList->setValidator(
       new QRegularExpressionValidator(QRegularExpression("[0-9]{0,4}%?"), cbxZoomList));
   for (const int zoom : ZoomList) cbxZoomList->addItem(QString("%1%").arg(zoom));
-  connect(cbxZoomList, &QComboBox::activated, this, [this] { cbxZoomList_Click(); });
-  connect(cbxZoomList->lineEdit(), &QLineEdit::editingFinished, this,
-          [this] { cbxZoomList_Click(); });
+  qt::Connect(cbxZoomList, &QComboBox::activated, this, [this] { cbxZoomList_Click(); });
+  qt::Connect(cbxZoomList->lineEdit(), &QLineEdit::editingFinished, this,
+              [this] { cbxZoomList_Click(); });
   tlbToolbar->addWidget(cbxZoomList);
 }
 
@@ -128,7 +129,7 @@ void frmPrintPreview::AddButton(const char* key, const char* tip, const QKeySequ
   QAction* const action = tlbToolbar->addAction(icons::Tool(key), tip);
   action->setToolTip(tip);
   action->setShortcut(shortcut);
-  connect(action, &QAction::triggered, this, std::move(click));
+  qt::Connect(action, &QAction::triggered, this, std::move(click));
   auto* const button = static_cast<QToolButton*>(tlbToolbar->widgetForAction(action));
   button->setObjectName(QString("tlbToolbar.") + key);
   button->setAccessibleName(tip);
@@ -299,55 +300,63 @@ void frmPrintPreview::Wheel(QWheelEvent& event) {
 }
 
 void frmPrintPreview::keyPressEvent(QKeyEvent* event) {
-  const bool control = (event->modifiers() & Qt::ControlModifier) != 0;
-  switch (event->key()) {
-    case Qt::Key_PageDown:
-      return Move(&clsPreviewBlock::MoveNext);
-    case Qt::Key_PageUp:
-      return Move(&clsPreviewBlock::MovePrevious);
-    case Qt::Key_Home:
-      return Move(&clsPreviewBlock::MoveFirst);
-    case Qt::Key_End:
-      return Move(&clsPreviewBlock::MoveLast);
-    case Qt::Key_Down:
-      return VScroll->setValue(VScroll->value() + ScrollStep);
-    case Qt::Key_Up:
-      return VScroll->setValue(VScroll->value() - ScrollStep);
-    case Qt::Key_Right:
-      return HScroll->setValue(HScroll->value() + ScrollStep);
-    case Qt::Key_Left:
-      return HScroll->setValue(HScroll->value() - ScrollStep);
-    case Qt::Key_Plus:
-    case Qt::Key_Equal:
-      if (control) return StepZoom(1);
-      break;
-    case Qt::Key_Minus:
-      if (control) return StepZoom(-1);
-      break;
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-      return picBack->setFocus();  // the zoom box is done
-    default:
-      break;
-  }
-  QDialog::keyPressEvent(event);
+  qt::Guard(this, [&] {
+    const bool control = (event->modifiers() & Qt::ControlModifier) != 0;
+    switch (event->key()) {
+      case Qt::Key_PageDown:
+        return Move(&clsPreviewBlock::MoveNext);
+      case Qt::Key_PageUp:
+        return Move(&clsPreviewBlock::MovePrevious);
+      case Qt::Key_Home:
+        return Move(&clsPreviewBlock::MoveFirst);
+      case Qt::Key_End:
+        return Move(&clsPreviewBlock::MoveLast);
+      case Qt::Key_Down:
+        return VScroll->setValue(VScroll->value() + ScrollStep);
+      case Qt::Key_Up:
+        return VScroll->setValue(VScroll->value() - ScrollStep);
+      case Qt::Key_Right:
+        return HScroll->setValue(HScroll->value() + ScrollStep);
+      case Qt::Key_Left:
+        return HScroll->setValue(HScroll->value() - ScrollStep);
+      case Qt::Key_Plus:
+      case Qt::Key_Equal:
+        if (control) return StepZoom(1);
+        break;
+      case Qt::Key_Minus:
+        if (control) return StepZoom(-1);
+        break;
+      case Qt::Key_Return:
+      case Qt::Key_Enter:
+        return picBack->setFocus();  // the zoom box is done
+      default:
+        break;
+    }
+    QDialog::keyPressEvent(event);
+  });
 }
 
 void frmPrintPreview::showEvent(QShowEvent* event) {
-  QDialog::showEvent(event);
-  LayOutPanes();
-  if (std::exchange(m_shown, true)) return;
-  QTimer::singleShot(0, this, [this] { FillPages(); });
+  qt::Guard(this, [&] {
+    QDialog::showEvent(event);
+    LayOutPanes();
+    if (std::exchange(m_shown, true)) return;
+    qt::Later(this, [this] { FillPages(); });
+  });
 }
 
 void frmPrintPreview::resizeEvent(QResizeEvent* event) {
-  QDialog::resizeEvent(event);
-  LayOutPanes();
+  qt::Guard(this, [&] {
+    QDialog::resizeEvent(event);
+    LayOutPanes();
+  });
 }
 
 void frmPrintPreview::changeEvent(QEvent* event) {
-  QDialog::changeEvent(event);
-  if (event->type() == QEvent::StyleChange && m_shown) LayOutPanes();
+  qt::Guard(this, [&] {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::StyleChange && m_shown) LayOutPanes();
+  });
 }
 
 void frmPrintPreview::done(int result) {

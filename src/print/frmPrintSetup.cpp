@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "platform/qt/clsQtPrinter.h"
+#include "platform/qt/modGuard.h"
 
 namespace sandrel {
 
@@ -29,7 +30,7 @@ frmPrintSetup::frmPrintSetup(clsQtPrinter& printer, QWidget* parent)
   }
   cbxPrinter->setCurrentIndex(cbxPrinter->findData(printer.Name()));
   FillPapers();
-  connect(cbxPrinter, &QComboBox::currentIndexChanged, this, [this] { FillPapers(); });
+  qt::Connect(cbxPrinter, &QComboBox::currentIndexChanged, this, [this] { FillPapers(); });
   const bool landscape = printer.Layout().orientation() == QPageLayout::Landscape;
   (landscape ? optLandscape : optPortrait)->setChecked(true);
 
@@ -39,8 +40,8 @@ frmPrintSetup::frmPrintSetup(clsQtPrinter& printer, QWidget* parent)
   form->addRow("Orientation:", optPortrait);
   form->addRow("", optLandscape);
   auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-  connect(buttons, &QDialogButtonBox::accepted, this, &frmPrintSetup::accept);
-  connect(buttons, &QDialogButtonBox::rejected, this, &frmPrintSetup::reject);
+  qt::Connect(buttons, &QDialogButtonBox::accepted, this, &frmPrintSetup::accept);
+  qt::Connect(buttons, &QDialogButtonBox::rejected, this, &frmPrintSetup::reject);
   auto* const column = new QVBoxLayout(this);
   column->addLayout(form);
   column->addWidget(buttons);
@@ -65,9 +66,12 @@ void frmPrintSetup::FillPapers() {
 }
 
 void frmPrintSetup::accept() {
-  m_printer.Choose(cbxPrinter->currentData().toString(), cbxPaper->currentData().value<QPageSize>(),
-                   optLandscape->isChecked() ? QPageLayout::Landscape : QPageLayout::Portrait);
-  QDialog::accept();
+  qt::Guard(this, [&] {
+    m_printer.Choose(cbxPrinter->currentData().toString(),
+                     cbxPaper->currentData().value<QPageSize>(),
+                     optLandscape->isChecked() ? QPageLayout::Landscape : QPageLayout::Portrait);
+    QDialog::accept();
+  });
 }
 
 }  // namespace sandrel

@@ -8,6 +8,7 @@
 
 #include "platform/dao/Workspace.h"
 #include "platform/qt/Icons.h"
+#include "platform/qt/modGuard.h"
 #include "shell/modSystemInfo.h"
 
 namespace sandrel {
@@ -36,7 +37,7 @@ frmAbout::frmAbout(clsShell& shell, std::function<std::shared_ptr<clsMachine>()>
   large.setBold(true);
   lblProgramNameAndVersion->setFont(large);
   cmdSysinfo->setObjectName("cmdSysinfo");
-  connect(cmdSysinfo, &QPushButton::clicked, this, [this] { cmdSysinfo_Click(); });
+  qt::Connect(cmdSysinfo, &QPushButton::clicked, this, [this] { cmdSysinfo_Click(); });
 
   auto* const texts = new QVBoxLayout;
   texts->setSpacing(8);
@@ -56,7 +57,7 @@ frmAbout::frmAbout(clsShell& shell, std::function<std::shared_ptr<clsMachine>()>
   buttons->addButton(cmdSysinfo, QDialogButtonBox::ActionRole);
   buttons->button(QDialogButtonBox::Ok)->setDefault(true);
   buttons->button(QDialogButtonBox::Ok)->setFocus();
-  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  qt::Connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(20, 20, 20, 14);
   column->setSpacing(20);

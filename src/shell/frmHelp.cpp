@@ -21,6 +21,7 @@
 #include "config/modKeep.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/clsMarkdownPage.h"
+#include "platform/qt/modGuard.h"
 #include "platform/qt/modInput.h"
 #include "platform/qt/modText.h"
 
@@ -123,7 +124,7 @@ void frmHelp::MakeToolbar() {
         shortcuts.isEmpty()
             ? QString(tip)
             : QString("%1 (%2)").arg(tip, shortcuts.front().toString(QKeySequence::NativeText)));
-    connect(action, &QAction::triggered, this, click);
+    qt::Connect(action, &QAction::triggered, this, click);
     return action;
   };
   QAction* const back = add("MovePrevious", "Back", {QKeySequence(Qt::ALT | Qt::Key_Left)},
@@ -131,12 +132,12 @@ void frmHelp::MakeToolbar() {
   QAction* const forward = add("MoveNext", "Forward", {QKeySequence(Qt::ALT | Qt::Key_Right)},
                                [this] { page->forward(); });
   for (QAction* const action : {back, forward}) action->setEnabled(false);
-  connect(page, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
-  connect(page, &QTextBrowser::forwardAvailable, forward, &QAction::setEnabled);
+  qt::Connect(page, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
+  qt::Connect(page, &QTextBrowser::forwardAvailable, forward, &QAction::setEnabled);
   tlbarHelp->addSeparator();
   QAction* const copy = add("Copy", "Copy", {}, [this] { page->copy(); });
   copy->setEnabled(false);
-  connect(page, &QTextEdit::copyAvailable, copy, &QAction::setEnabled);
+  qt::Connect(page, &QTextEdit::copyAvailable, copy, &QAction::setEnabled);
   add("Print", "Print", {QKeySequence::Print}, [this] { page->Print(); });
 }
 
@@ -161,8 +162,8 @@ void frmHelp::MakeTabs() {
   treeContents->setAccessibleName("Contents");
   treeIndex->setAccessibleName("Index");
   treeSearch->setAccessibleName("Found");
-  connect(txtIndex, &QLineEdit::textChanged, this, [this] { FillIndex(); });
-  connect(txtSearch, &QLineEdit::textChanged, this, [this] { FillSearch(); });
+  qt::Connect(txtIndex, &QLineEdit::textChanged, this, [this] { FillIndex(); });
+  qt::Connect(txtSearch, &QLineEdit::textChanged, this, [this] { FillSearch(); });
 }
 
 // A list of places, under a box that narrows it where there is one.
@@ -178,19 +179,20 @@ QTreeWidget* frmHelp::AddList(QWidget& tab, const char* name, QLineEdit* box) {
     box->setClearButtonEnabled(true);
     qt::MoveThrough(*box, *list);
     column->addWidget(box);
-    connect(box, &QLineEdit::returnPressed, list, [this, list] { ShowPlace(list->currentItem()); });
+    qt::Connect(box, &QLineEdit::returnPressed, list,
+                [this, list] { ShowPlace(list->currentItem()); });
   }
   column->addWidget(list);
-  connect(list, &QTreeWidget::itemClicked, this,
-          [this](QTreeWidgetItem* item) { ShowPlace(item); });
-  connect(list, &QTreeWidget::itemActivated, this,
-          [this](QTreeWidgetItem* item) { ShowPlace(item); });
+  qt::Connect(list, &QTreeWidget::itemClicked, this,
+              [this](QTreeWidgetItem* item) { ShowPlace(item); });
+  qt::Connect(list, &QTreeWidget::itemActivated, this,
+              [this](QTreeWidgetItem* item) { ShowPlace(item); });
   return list;
 }
 
 void frmHelp::MakeKeys() {
   const auto on = [this](const QKeySequence& keys, const std::function<void()>& act) {
-    connect(new QShortcut(keys, this), &QShortcut::activated, this, act);
+    qt::Connect(new QShortcut(keys, this), &QShortcut::activated, this, act);
   };
   on(Qt::Key_Escape, [this] { close(); });
   on(QKeySequence::Find, [this] {
@@ -371,11 +373,13 @@ void frmHelp::OpenOutside(const QUrl& url) {
 }
 
 void frmHelp::closeEvent(QCloseEvent* event) {
-  QWidget::closeEvent(event);
-  if (!m_placed) return;
-  Keep(m_shell, m_settings, "The help's place", [&] {
-    placement::Save(*this, m_settings, Section);
-    m_settings.SaveSetting(Section, "Zoom", fmt::to_string(page->Zoom()));
+  qt::Guard(this, [&] {
+    QWidget::closeEvent(event);
+    if (!m_placed) return;
+    Keep(m_shell, m_settings, "The help's place", [&] {
+      placement::Save(*this, m_settings, Section);
+      m_settings.SaveSetting(Section, "Zoom", fmt::to_string(page->Zoom()));
+    });
   });
 }
 

@@ -25,6 +25,7 @@
 #include "platform/qt/clsTrayIcon.h"
 #include "platform/qt/clsTreeWidget.h"
 #include "platform/qt/modBoxes.h"
+#include "platform/qt/modGuard.h"
 #include "platform/qt/modMenus.h"
 #include "platform/qt/modPump.h"
 #include "platform/qt/modText.h"
@@ -48,13 +49,28 @@ class clsClient final : public QWidget {
       : QWidget(parent), m_resized(std::move(resized)) {}
 
  protected:
-  void resizeEvent(QResizeEvent*) override { m_resized(); }
+  void resizeEvent(QResizeEvent*) override { qt::Guard(this, m_resized); }
 
  private:
   std::function<void()> m_resized;
 };
 
 }  // namespace
+
+// A snapshot command runs, however it ends.
+class frmSandrel::clsBusy {
+ public:
+  explicit clsBusy(frmSandrel& form) : m_form(form) { form.State.Busy = true; }
+  ~clsBusy() {
+    m_form.State.Busy = false;
+    m_form.UpdateCommandState();
+  }
+  clsBusy(const clsBusy&) = delete;
+  clsBusy& operator=(const clsBusy&) = delete;
+
+ private:
+  frmSandrel& m_form;
+};
 
 frmSandrel::frmSandrel(clsSettings& settings, const clsHome& home, clsWindowList& windows,
                        StartOptions options)
@@ -67,7 +83,10 @@ frmSandrel::frmSandrel(clsSettings& settings, const clsHome& home, clsWindowList
       m_browser(*this, settings, m_controls, home),
       m_export(*this, m_controls, m_browser.Pages, home),
       m_print(*this, m_settings, m_controls, m_browser, m_printer),
-      m_commandState(*this, settings, home, m_controls) {
+      m_commandState(*this, settings, home, m_controls),
+      m_errorReport([this](const clsError& error, const std::string& where) {
+        return ReportSlot(error, where);
+      }) {
   setObjectName("frmSandrel");
   setWindowIcon(icons::Window());
   SetCommands();
@@ -110,7 +129,7 @@ void frmSandrel::MakeControls() {
   stbrStatus = new clsStatusBarWidget(m_controls.stbrStatus, m_client);
   Timer = new QTimer(this);
   Timer->setObjectName("Timer");
-  connect(Timer, &QTimer::timeout, this, [this] { Timer_Tick(); });
+  qt::Connect(Timer, &QTimer::timeout, this, [this] { Timer_Tick(); });
   mnuSysTrayPopup = new QMenu(this);
   mnuSysTrayPopup->setObjectName("mnuSysTrayPopup");
   qt::ShowPopup(m_controls.Menus["mnuSysTrayPopup"], *mnuSysTrayPopup);
@@ -165,11 +184,17 @@ void frmSandrel::SetExportCommands() {
 // One at a time: messages come through while one runs, and between a stop and its end as well.
 void frmSandrel::SnapshotCommand(const std::function<void()>& command) {
   if (State.Busy) return;
-  State.Busy = true;
+  const clsBusy busy(*this);
   ForgetMachine();
   command();
-  State.Busy = false;
-  UpdateCommandState();
+}
+
+// What leaves a slot is a fault of the program's own, or one that no command could report.
+bool frmSandrel::ReportSlot(const clsError& error, const std::string& where) {
+  const Answer answer =
+      ReportError(error.Number(), error.Description(), error.Source(), "frmSandrel." + where);
+  if (answer == Answer::Abort) Unload();
+  return answer == Answer::Retry;
 }
 
 void frmSandrel::Form_Resize() {
@@ -205,12 +230,14 @@ void frmSandrel::Form_Resize() {
 }
 
 void frmSandrel::changeEvent(QEvent* event) {
-  QMainWindow::changeEvent(event);
-  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) Form_Resize();
+  qt::Guard(this, [&] {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) Form_Resize();
+  });
 }
 
 void frmSandrel::closeEvent(QCloseEvent* event) {
-  event->setAccepted(!Form_Unload());
+  qt::Guard(this, [&] { event->setAccepted(!Form_Unload()); });
 }
 
 void frmSandrel::SetStatusText(std::string_view text) {
@@ -225,7 +252,7 @@ void frmSandrel::SetProgress(int percent) {
 void frmSandrel::Tell(std::string_view text) {
   if (!m_notes.empty()) m_notes += "\n\n";
   m_notes += text;
-  QTimer::singleShot(0, this, [this] { ShowNotes(); });
+  qt::Later(this, [this] { ShowNotes(); });
 }
 
 void frmSandrel::ShowNotes() {
@@ -236,7 +263,7 @@ void frmSandrel::ShowNotes() {
 void frmSandrel::UpdateCommandState() {
   if (m_unloaded) return;
   m_commandState.UpdateCommandState();
-  if (!State.Busy && !m_notes.empty()) QTimer::singleShot(0, this, [this] { ShowNotes(); });
+  if (!State.Busy && !m_notes.empty()) qt::Later(this, [this] { ShowNotes(); });
 }
 
 QWidget* frmSandrel::BoxParent() {

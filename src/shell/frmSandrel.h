@@ -18,6 +18,7 @@
 #include "export/clsExportCommands.h"
 #include "platform/process/clsWindowList.h"
 #include "platform/qt/clsQtPrinter.h"
+#include "platform/qt/modGuard.h"
 #include "print/clsPrintCommands.h"
 #include "shell/clsCommandState.h"
 #include "snapshot/clsAnalysis.h"
@@ -106,7 +107,9 @@ class frmSandrel final : public QMainWindow, public clsShell {
   void MakeControls();
   void SetCommands();
   void SetExportCommands();
+  class clsBusy;
   void SnapshotCommand(const std::function<void()>& command);
+  bool ReportSlot(const clsError& error, const std::string& where);
   void Form_Resize();
   void ShowNotes();
   QWidget* BoxParent();
@@ -161,6 +164,7 @@ class frmSandrel final : public QMainWindow, public clsShell {
   clsQtPrinter m_printer;
   clsPrintCommands m_print;
   clsCommandState m_commandState;
+  qt::clsErrorReport m_errorReport;  // of slots and event handlers
 
   QWidget* m_client = nullptr;  // what the layout divides
   clsToolbarWidget* tlbarMain = nullptr;

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/qt/Icons.h"
+#include "platform/qt/modGuard.h"
 
 namespace sandrel {
 
@@ -35,7 +36,7 @@ frmSplash::frmSplash(const std::string& version)
   Timer1->setObjectName("Timer1");
   Timer1->setInterval(Tick);
   Timer1->setSingleShot(true);
-  connect(Timer1, &QTimer::timeout, this, [this] { Unload(); });
+  qt::Connect(Timer1, &QTimer::timeout, this, [this] { Unload(); });
   Arrange();
 }
 
@@ -115,26 +116,32 @@ void frmSplash::Unload() {
 
 // The card takes the keys, for Shift, unless a box waits for an answer.
 void frmSplash::showEvent(QShowEvent* event) {
-  QWidget::showEvent(event);
-  Timer1->start();
-  const bool boxIsUp = QApplication::activeModalWidget() != nullptr;
-  setAttribute(Qt::WA_ShowWithoutActivating, boxIsUp);
-  if (!boxIsUp) activateWindow();
+  qt::Guard(this, [&] {
+    QWidget::showEvent(event);
+    Timer1->start();
+    const bool boxIsUp = QApplication::activeModalWidget() != nullptr;
+    setAttribute(Qt::WA_ShowWithoutActivating, boxIsUp);
+    if (!boxIsUp) activateWindow();
+  });
 }
 
 void frmSplash::keyPressEvent(QKeyEvent* event) {
-  if (event->key() != Qt::Key_Shift) return QWidget::keyPressEvent(event);
-  m_shift = true;
-  if (OnShift) OnShift();
+  qt::Guard(this, [&] {
+    if (event->key() != Qt::Key_Shift) return QWidget::keyPressEvent(event);
+    m_shift = true;
+    if (OnShift) OnShift();
+  });
 }
 
 void frmSplash::mousePressEvent(QMouseEvent*) {
-  Unload();
+  qt::Guard(this, [&] { Unload(); });
 }
 
 void frmSplash::closeEvent(QCloseEvent* event) {
-  QWidget::closeEvent(event);
-  Unload();
+  qt::Guard(this, [&] {
+    QWidget::closeEvent(event);
+    Unload();
+  });
 }
 
 void frmSplash::paintEvent(QPaintEvent*) {

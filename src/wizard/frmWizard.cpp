@@ -14,6 +14,7 @@
 
 #include "browser/clsMainControls.h"
 #include "platform/qt/Icons.h"
+#include "platform/qt/modGuard.h"
 #include "platform/qt/modText.h"
 #include "platform/qt/modTwips.h"
 #include "wizard/clsControlsWorks.h"
@@ -245,33 +246,33 @@ void frmWizard::Arrange() {
 
 void frmWizard::Connect() {
   const auto act = [this](QPushButton* button, void (clsWizardFlow::*what)()) {
-    connect(button, &QPushButton::clicked, this,
-            [this, what] { Run([this, what] { (m_flow.*what)(); }); });
+    qt::Connect(button, &QPushButton::clicked, this,
+                [this, what] { Run([this, what] { (m_flow.*what)(); }); });
   };
   act(cmdNext, &clsWizardFlow::cmdNext_Click);
   act(cmdPrevious, &clsWizardFlow::cmdPrevious_Click);
   act(cmdBrowse, &clsWizardFlow::cmdBrowse_Click);
   act(cmdSaveAnalysisBrowse, &clsWizardFlow::cmdSaveAnalysisBrowse_Click);
   for (QPushButton* const button : {cmdFinish, cmdCancel}) {
-    connect(button, &QPushButton::clicked, this, [this] { Unload(); });
+    qt::Connect(button, &QPushButton::clicked, this, [this] { Unload(); });
   }
   for (int index = 0; index < 2; ++index) {
-    connect(optScanSettings[static_cast<std::size_t>(index)], &QRadioButton::clicked, this,
-            [this, index] { m_flow.optScanSettings = index; });
-    connect(optInstComplete[static_cast<std::size_t>(index)], &QRadioButton::clicked, this,
-            [this, index] { m_flow.optInstComplete_Click(index); });
+    qt::Connect(optScanSettings[static_cast<std::size_t>(index)], &QRadioButton::clicked, this,
+                [this, index] { m_flow.optScanSettings = index; });
+    qt::Connect(optInstComplete[static_cast<std::size_t>(index)], &QRadioButton::clicked, this,
+                [this, index] { m_flow.optInstComplete_Click(index); });
   }
   for (int index = 0; index < 3; ++index) {
-    connect(optBeforeSS[static_cast<std::size_t>(index)], &QRadioButton::clicked, this,
-            [this, index] { m_flow.optBeforeSS = index; });
+    qt::Connect(optBeforeSS[static_cast<std::size_t>(index)], &QRadioButton::clicked, this,
+                [this, index] { m_flow.optBeforeSS = index; });
   }
-  connect(txtRun, &QLineEdit::textEdited, this,
-          [this](const QString& text) { m_flow.txtRun_Change(text.toStdString()); });
-  connect(txtViewName, &QLineEdit::textEdited, this,
-          [this](const QString& text) { m_flow.txtViewName_Change(text.toStdString()); });
-  connect(txtViewName, &QLineEdit::editingFinished, this,
-          [this] { m_flow.txtViewName_LostFocus(); });
-  connect(txtWait, &QLineEdit::textEdited, this, [this](const QString& text) {
+  qt::Connect(txtRun, &QLineEdit::textEdited, this,
+              [this](const QString& text) { m_flow.txtRun_Change(text.toStdString()); });
+  qt::Connect(txtViewName, &QLineEdit::textEdited, this,
+              [this](const QString& text) { m_flow.txtViewName_Change(text.toStdString()); });
+  qt::Connect(txtViewName, &QLineEdit::editingFinished, this,
+              [this] { m_flow.txtViewName_LostFocus(); });
+  qt::Connect(txtWait, &QLineEdit::textEdited, this, [this](const QString& text) {
     m_flow.txtWait = clsWizardFlow::WaitText(text.toStdString());
   });
 }
@@ -344,12 +345,16 @@ void frmWizard::Unload() {
 
 // Escape. The last page has only its one button.
 void frmWizard::reject() {
-  if (cmdCancel->isEnabled()) Unload();
+  qt::Guard(this, [&] {
+    if (cmdCancel->isEnabled()) Unload();
+  });
 }
 
 void frmWizard::closeEvent(QCloseEvent* event) {
-  event->accept();
-  Unload();
+  qt::Guard(this, [&] {
+    event->accept();
+    Unload();
+  });
 }
 
 }  // namespace sandrel

@@ -15,6 +15,7 @@
 #include "platform/qt/clsListModel.h"
 #include "platform/qt/clsListSelection.h"
 #include "platform/qt/modCellText.h"
+#include "platform/qt/modGuard.h"
 #include "platform/qt/modTwips.h"
 
 namespace sandrel {
@@ -83,17 +84,17 @@ void clsListWidget::ConnectHeader() {
   columns.setSectionsClickable(true);
   columns.setHighlightSections(false);
   columns.setMinimumSectionSize(LeastColumn);
-  connect(&columns, &QHeaderView::sectionResized, this, [this](int column, int, int pixels) {
+  qt::Connect(&columns, &QHeaderView::sectionResized, this, [this](int column, int, int pixels) {
     if (m_toHeader) return;
     const QScopedValueRollback user(m_fromHeader, true);
     m_list.SetWidth(static_cast<std::size_t>(column), qt::ToTwips(pixels));
   });
-  connect(&columns, &QHeaderView::sectionMoved, this, [this](int column, int, int place) {
+  qt::Connect(&columns, &QHeaderView::sectionMoved, this, [this](int column, int, int place) {
     if (m_toHeader) return;
     const QScopedValueRollback user(m_fromHeader, true);
     m_list.SetPosition(static_cast<std::size_t>(column), place + 1);
   });
-  connect(&columns, &QHeaderView::sectionClicked, this, [this](int column) {
+  qt::Connect(&columns, &QHeaderView::sectionClicked, this, [this](int column) {
     if (m_list.ColumnClick) m_list.ColumnClick(static_cast<std::size_t>(column));
     LayoutChanged();  // Qt has moved the arrow, whatever the program thinks of the click
   });
@@ -197,32 +198,36 @@ void clsListWidget::EndGesture() {
 }
 
 void clsListWidget::mousePressEvent(QMouseEvent* event) {
-  m_changed = false;
-  m_dragging = false;
-  m_pressed = true;
-  const std::size_t row = RowAt(event->position().toPoint());
-  const bool shift = event->modifiers().testFlag(Qt::ShiftModifier);
-  const bool control = event->modifiers().testFlag(Qt::ControlModifier);
-  if (row == ListView::NoRow) {
-    if (!shift && !control) m_list.SelectAll(false);
-  } else if (event->button() == Qt::RightButton) {
-    GoTo(row, m_list.Selected(row) ? Way::Focus : Way::Only);
-  } else if (event->button() == Qt::LeftButton) {
-    if (shift) {
-      GoTo(row, control ? Way::AddRange : Way::Range);
-    } else {
-      GoTo(row, control ? Way::Toggle : Way::Only);
+  qt::Guard(this, [&] {
+    m_changed = false;
+    m_dragging = false;
+    m_pressed = true;
+    const std::size_t row = RowAt(event->position().toPoint());
+    const bool shift = event->modifiers().testFlag(Qt::ShiftModifier);
+    const bool control = event->modifiers().testFlag(Qt::ControlModifier);
+    if (row == ListView::NoRow) {
+      if (!shift && !control) m_list.SelectAll(false);
+    } else if (event->button() == Qt::RightButton) {
+      GoTo(row, m_list.Selected(row) ? Way::Focus : Way::Only);
+    } else if (event->button() == Qt::LeftButton) {
+      if (shift) {
+        GoTo(row, control ? Way::AddRange : Way::Range);
+      } else {
+        GoTo(row, control ? Way::Toggle : Way::Only);
+      }
+      m_dragging = !control;
     }
-    m_dragging = !control;
-  }
+  });
 }
 
 void clsListWidget::mouseMoveEvent(QMouseEvent* event) {
-  if (event->buttons() == Qt::NoButton) {
-    QTreeView::mouseMoveEvent(event);
-  } else if (m_dragging) {
-    DragTo(event->position().toPoint());
-  }
+  qt::Guard(this, [&] {
+    if (event->buttons() == Qt::NoButton) {
+      QTreeView::mouseMoveEvent(event);
+    } else if (m_dragging) {
+      DragTo(event->position().toPoint());
+    }
+  });
 }
 
 // Beyond the rows the selection goes on by one row at a time, as long as the mouse stays there.
@@ -246,20 +251,26 @@ void clsListWidget::DragTo(const QPoint& position) {
 }
 
 void clsListWidget::timerEvent(QTimerEvent* event) {
-  if (event->timerId() == m_scroll.timerId()) {
-    DragTo(viewport()->mapFromGlobal(QCursor::pos()));
-  } else {
-    QTreeView::timerEvent(event);
-  }
+  qt::Guard(this, [&] {
+    if (event->timerId() == m_scroll.timerId()) {
+      DragTo(viewport()->mapFromGlobal(QCursor::pos()));
+    } else {
+      QTreeView::timerEvent(event);
+    }
+  });
 }
 
 void clsListWidget::mouseReleaseEvent(QMouseEvent*) {
-  if (m_pressed) EndGesture();
+  qt::Guard(this, [&] {
+    if (m_pressed) EndGesture();
+  });
 }
 
 void clsListWidget::mouseDoubleClickEvent(QMouseEvent* event) {
-  const bool row = RowAt(event->position().toPoint()) != ListView::NoRow;
-  if (row && event->button() == Qt::LeftButton && m_list.DblClick) m_list.DblClick();
+  qt::Guard(this, [&] {
+    const bool row = RowAt(event->position().toPoint()) != ListView::NoRow;
+    if (row && event->button() == Qt::LeftButton && m_list.DblClick) m_list.DblClick();
+  });
 }
 
 bool clsListWidget::MoveByKey(const QKeyEvent& event) {
@@ -282,43 +293,51 @@ bool clsListWidget::MoveByKey(const QKeyEvent& event) {
 }
 
 void clsListWidget::keyPressEvent(QKeyEvent* event) {
-  m_keys.Press(*event);
-  m_changed = false;
-  const std::size_t focus = m_list.SelectedItem();
-  const Qt::KeyboardModifiers modifiers = event->modifiers();
-  if (MoveByKey(*event)) {
-    event->accept();
-  } else if (event->key() == Qt::Key_Space && focus != ListView::NoRow) {
-    GoTo(focus,
-         modifiers == Qt::ControlModifier || !m_list.Selected(focus) ? Way::Toggle : Way::Focus);
-  } else {
-    QTreeView::keyPressEvent(event);
-    if (m_list.SelectedItem() != focus) {
-      m_anchor = m_list.SelectedItem();
-      scrollTo(currentIndex());
+  qt::Guard(this, [&] {
+    m_keys.Press(*event);
+    m_changed = false;
+    const std::size_t focus = m_list.SelectedItem();
+    const Qt::KeyboardModifiers modifiers = event->modifiers();
+    if (MoveByKey(*event)) {
+      event->accept();
+    } else if (event->key() == Qt::Key_Space && focus != ListView::NoRow) {
+      GoTo(focus,
+           modifiers == Qt::ControlModifier || !m_list.Selected(focus) ? Way::Toggle : Way::Focus);
+    } else {
+      QTreeView::keyPressEvent(event);
+      if (m_list.SelectedItem() != focus) {
+        m_anchor = m_list.SelectedItem();
+        scrollTo(currentIndex());
+      }
     }
-  }
-  EndGesture();
+    EndGesture();
+  });
 }
 
 void clsListWidget::keyReleaseEvent(QKeyEvent* event) {
-  QTreeView::keyReleaseEvent(event);
-  const int code = m_keys.Release(*event);
-  if (code != 0 && m_list.KeyUp) m_list.KeyUp(code);
+  qt::Guard(this, [&] {
+    QTreeView::keyReleaseEvent(event);
+    const int code = m_keys.Release(*event);
+    if (code != 0 && m_list.KeyUp) m_list.KeyUp(code);
+  });
 }
 
 void clsListWidget::focusInEvent(QFocusEvent* event) {
-  QTreeView::focusInEvent(event);
-  viewport()->update();
-  if (m_list.GotFocus) m_list.GotFocus();
+  qt::Guard(this, [&] {
+    QTreeView::focusInEvent(event);
+    viewport()->update();
+    if (m_list.GotFocus) m_list.GotFocus();
+  });
 }
 
 void clsListWidget::focusOutEvent(QFocusEvent* event) {
-  QTreeView::focusOutEvent(event);
-  m_keys.Forget();
-  m_scroll.stop();
-  viewport()->update();
-  if (!qt::KeepsFocus(event->reason()) && m_list.LostFocus) m_list.LostFocus();
+  qt::Guard(this, [&] {
+    QTreeView::focusOutEvent(event);
+    m_keys.Forget();
+    m_scroll.stop();
+    viewport()->update();
+    if (!qt::KeepsFocus(event->reason()) && m_list.LostFocus) m_list.LostFocus();
+  });
 }
 
 // The view's own ways, such as the search by typing, end here.
@@ -362,9 +381,11 @@ void clsListWidget::drawRow(QPainter* painter, const QStyleOptionViewItem& optio
 }
 
 bool clsListWidget::viewportEvent(QEvent* event) {
-  if (event->type() != QEvent::ToolTip) return QTreeView::viewportEvent(event);
-  qt::ShowCutTip(*this, *static_cast<QHelpEvent*>(event));
-  return true;
+  return qt::Guard(this, [&] {
+    if (event->type() != QEvent::ToolTip) return QTreeView::viewportEvent(event);
+    qt::ShowCutTip(*this, *static_cast<QHelpEvent*>(event));
+    return true;
+  });
 }
 
 }  // namespace sandrel

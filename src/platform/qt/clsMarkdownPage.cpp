@@ -10,6 +10,7 @@
 #include <QWheelEvent>
 #include <algorithm>
 
+#include "platform/qt/modGuard.h"
 #include "platform/qt/modMarkdown.h"
 #include "platform/qt/modText.h"
 
@@ -37,7 +38,7 @@ clsMarkdownPage::clsMarkdownPage(QWidget* parent) : QTextBrowser(parent) {
   setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   setLineWrapMode(QTextEdit::FixedPixelWidth);
   document()->setDocumentMargin(Margin);
-  connect(this, &QTextBrowser::anchorClicked, this, [this](const QUrl& url) {
+  qt::Connect(this, &QTextBrowser::anchorClicked, this, [this](const QUrl& url) {
     if (url.scheme() == Scheme) {
       m_marked.clear();
       setSource(url, QTextDocument::MarkdownResource);
@@ -46,7 +47,7 @@ clsMarkdownPage::clsMarkdownPage(QWidget* parent) : QTextBrowser(parent) {
     }
   });
   // The browser has filled itself by its own rules; a jump within the text keeps it.
-  connect(this, &QTextBrowser::sourceChanged, this, [this](const QUrl& url) {
+  qt::Connect(this, &QTextBrowser::sourceChanged, this, [this](const QUrl& url) {
     m_text = TextOf(url.fileName());
     Fill();
     if (url.hasFragment()) scrollToAnchor(url.fragment());
@@ -153,21 +154,27 @@ QVariant clsMarkdownPage::loadResource(int type, const QUrl& name) {
 }
 
 void clsMarkdownPage::resizeEvent(QResizeEvent* event) {
-  QTextBrowser::resizeEvent(event);
-  if (!m_filling && TextWidth() != m_width) Renew();
+  qt::Guard(this, [&] {
+    QTextBrowser::resizeEvent(event);
+    if (!m_filling && TextWidth() != m_width) Renew();
+  });
 }
 
 void clsMarkdownPage::changeEvent(QEvent* event) {
-  QTextBrowser::changeEvent(event);
-  const auto type = event->type();
-  if (type == QEvent::PaletteChange || type == QEvent::FontChange) Renew();
+  qt::Guard(this, [&] {
+    QTextBrowser::changeEvent(event);
+    const auto type = event->type();
+    if (type == QEvent::PaletteChange || type == QEvent::FontChange) Renew();
+  });
 }
 
 void clsMarkdownPage::wheelEvent(QWheelEvent* event) {
-  if (!event->modifiers().testFlag(Qt::ControlModifier)) return QTextBrowser::wheelEvent(event);
-  const int turned = event->angleDelta().y();
-  if (turned != 0) SetZoom(m_zoom + (turned > 0 ? ZoomStep : -ZoomStep));
-  event->accept();
+  qt::Guard(this, [&] {
+    if (!event->modifiers().testFlag(Qt::ControlModifier)) return QTextBrowser::wheelEvent(event);
+    const int turned = event->angleDelta().y();
+    if (turned != 0) SetZoom(m_zoom + (turned > 0 ? ZoomStep : -ZoomStep));
+    event->accept();
+  });
 }
 
 }  // namespace sandrel

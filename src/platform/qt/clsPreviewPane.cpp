@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/qt/modGuard.h"
+
 namespace sandrel {
 
 void clsPreviewPage::SetPicture(QImage image, QSize shown) {
@@ -71,18 +73,22 @@ void clsPreviewPane::paintEvent(QPaintEvent*) {
 }
 
 void clsPreviewPane::wheelEvent(QWheelEvent* event) {
-  if (Wheel) Wheel(*event);
-  event->accept();
+  qt::Guard(this, [&] {
+    if (Wheel) Wheel(*event);
+    event->accept();
+  });
 }
 
 void clsPreviewPane::mousePressEvent(QMouseEvent* event) {
-  m_mouse = event->pos();
+  qt::Guard(this, [&] { m_mouse = event->pos(); });
 }
 
 void clsPreviewPane::mouseMoveEvent(QMouseEvent* event) {
-  if ((event->buttons() & Qt::LeftButton) == 0) return;
-  const QPoint by = event->pos() - std::exchange(m_mouse, event->pos());
-  if (Dragged) Dragged(by);
+  qt::Guard(this, [&] {
+    if ((event->buttons() & Qt::LeftButton) == 0) return;
+    const QPoint by = event->pos() - std::exchange(m_mouse, event->pos());
+    if (Dragged) Dragged(by);
+  });
 }
 
 }  // namespace sandrel

@@ -3,6 +3,8 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include "platform/qt/modGuard.h"
+
 namespace sandrel {
 
 clsSplitBar::clsSplitBar(QWidget* parent) : QWidget(parent) {
@@ -10,23 +12,29 @@ clsSplitBar::clsSplitBar(QWidget* parent) : QWidget(parent) {
 }
 
 void clsSplitBar::mousePressEvent(QMouseEvent* event) {
-  if (event->button() != Qt::LeftButton) return;
-  m_dragging = true;
-  update();
+  qt::Guard(this, [&] {
+    if (event->button() != Qt::LeftButton) return;
+    m_dragging = true;
+    update();
+  });
 }
 
 void clsSplitBar::mouseMoveEvent(QMouseEvent* event) {
-  if (!m_dragging || (event->buttons() & Qt::LeftButton) == 0) return;
-  const QPointF cursor = mapToParent(event->position());
-  const int left = static_cast<int>(cursor.x()) - width() / 2;
-  if (MayStandAt && MayStandAt(left)) move(left, y());
+  qt::Guard(this, [&] {
+    if (!m_dragging || (event->buttons() & Qt::LeftButton) == 0) return;
+    const QPointF cursor = mapToParent(event->position());
+    const int left = static_cast<int>(cursor.x()) - width() / 2;
+    if (MayStandAt && MayStandAt(left)) move(left, y());
+  });
 }
 
 void clsSplitBar::mouseReleaseEvent(QMouseEvent* event) {
-  if (!m_dragging || event->button() != Qt::LeftButton) return;
-  m_dragging = false;
-  update();
-  if (Dropped) Dropped();
+  qt::Guard(this, [&] {
+    if (!m_dragging || event->button() != Qt::LeftButton) return;
+    m_dragging = false;
+    update();
+    if (Dropped) Dropped();
+  });
 }
 
 void clsSplitBar::paintEvent(QPaintEvent*) {

@@ -9,6 +9,7 @@
 #include <QStyle>
 #include <algorithm>
 
+#include "platform/qt/modGuard.h"
 #include "platform/qt/modTwips.h"
 
 namespace sandrel {
@@ -26,8 +27,10 @@ class clsStatusBarWidget::clsStatusPanel : public QLabel {
 
  protected:
   void resizeEvent(QResizeEvent* event) override {
-    QLabel::resizeEvent(event);
-    TellWhatIsCut();
+    qt::Guard(this, [&] {
+      QLabel::resizeEvent(event);
+      TellWhatIsCut();
+    });
   }
 
   void paintEvent(QPaintEvent*) override {
@@ -133,7 +136,7 @@ void clsStatusBarWidget::ModelChanged() {
 }
 
 void clsStatusBarWidget::customEvent(QEvent*) {
-  TakeTexts();
+  qt::Guard(this, [&] { TakeTexts(); });
 }
 
 void clsStatusBarWidget::TakeTexts() {

@@ -9,6 +9,8 @@
 #include <csignal>
 #include <utility>
 
+#include "platform/qt/modGuard.h"
+
 namespace sandrel {
 namespace {
 
@@ -26,7 +28,7 @@ constexpr int Signals[] = {SIGTERM, SIGINT, SIGHUP};
 clsTermination::clsTermination(std::function<void()> end, std::function<void()> save) {
   if (pipe2(thePipe.data(), O_CLOEXEC | O_NONBLOCK) == 0) {
     auto* const notifier = new QSocketNotifier(thePipe[0], QSocketNotifier::Read, this);
-    connect(notifier, &QSocketNotifier::activated, this, [end = std::move(end)] {
+    qt::Connect(notifier, &QSocketNotifier::activated, this, [end = std::move(end)] {
       char byte = 0;
       while (read(thePipe[0], &byte, 1) > 0) {
       }
@@ -34,8 +36,8 @@ clsTermination::clsTermination(std::function<void()> end, std::function<void()> 
     });
     for (const int number : Signals) std::signal(number, OnSignal);
   }
-  connect(qGuiApp, &QGuiApplication::commitDataRequest, this,
-          [save = std::move(save)](QSessionManager&) { save(); });
+  qt::Connect(qGuiApp, &QGuiApplication::commitDataRequest, this,
+              [save = std::move(save)](QSessionManager&) { save(); });
 }
 
 clsTermination::~clsTermination() {

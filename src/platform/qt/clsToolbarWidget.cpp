@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/qt/Icons.h"
+#include "platform/qt/modGuard.h"
 #include "platform/qt/modTwips.h"
 
 namespace sandrel {
@@ -47,7 +48,7 @@ QAction* clsToolbarWidget::AddButton(const ToolbarButton& button) {
   // The text is that of the menu that takes the buttons which a narrow window has no room for.
   QAction* const action = addAction(icons::Tool(button.Key), tip);
   action->setToolTip(tip);
-  connect(action, &QAction::triggered, this, [this, key = button.Key] {
+  qt::Connect(action, &QAction::triggered, this, [this, key = button.Key] {
     if (m_model.ButtonClick) m_model.ButtonClick(key);
   });
   auto* const widget = static_cast<QToolButton*>(widgetForAction(action));

@@ -3,6 +3,7 @@
 #include <QPointer>
 
 #include "platform/qt/Icons.h"
+#include "platform/qt/modGuard.h"
 
 namespace sandrel {
 
@@ -10,7 +11,7 @@ clsTrayIcon::clsTrayIcon(SysTray& model, QObject* parent)
     : QSystemTrayIcon(icons::Window(), parent), m_model(model) {
   model.LookForTray = isSystemTrayAvailable;
   model.Look();
-  connect(this, &QSystemTrayIcon::activated, this, &clsTrayIcon::Activated);
+  qt::Connect(this, &QSystemTrayIcon::activated, this, &clsTrayIcon::Activated);
   Follow();
   model.Changed = [held = QPointer<clsTrayIcon>(this)] {
     if (held) held->Follow();

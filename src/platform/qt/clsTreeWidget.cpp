@@ -12,6 +12,7 @@
 #include "platform/qt/clsCellDelegate.h"
 #include "platform/qt/clsTreeModel.h"
 #include "platform/qt/modCellText.h"
+#include "platform/qt/modGuard.h"
 
 namespace sandrel {
 
@@ -25,14 +26,15 @@ clsTreeWidget::clsTreeWidget(TreeView& tree, QWidget* parent)
   setHorizontalScrollMode(ScrollPerPixel);
   header()->setStretchLastSection(false);
   header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-  connect(this, &QTreeView::expanded, this, [this](const QModelIndex& index) {
+  qt::Connect(this, &QTreeView::expanded, this, [this](const QModelIndex& index) {
     m_tree.SetExpanded(*clsTreeModel::NodeOf(index), true);
   });
-  connect(this, &QTreeView::collapsed, this, [this](const QModelIndex& index) {
+  qt::Connect(this, &QTreeView::collapsed, this, [this](const QModelIndex& index) {
     m_collapsed = index;
     if (!m_atWork) TellCollapsed();
   });
-  connect(this, &QTreeView::pressed, this, [this](const QModelIndex& index) { m_pressed = index; });
+  qt::Connect(this, &QTreeView::pressed, this,
+              [this](const QModelIndex& index) { m_pressed = index; });
   m_tree.SetObserver(this);
   ApplyExpansion(m_tree.Roots());
   SelectionChanged();
@@ -82,13 +84,10 @@ void clsTreeWidget::Cleared() {
 void clsTreeWidget::Changed(Node&) {
   viewport()->update();
   if (std::exchange(m_looksChanged, true)) return;
-  QMetaObject::invokeMethod(
-      this,
-      [this] {
-        m_looksChanged = false;
-        m_model->LooksChanged();
-      },
-      Qt::QueuedConnection);
+  qt::Later(this, [this] {
+    m_looksChanged = false;
+    m_model->LooksChanged();
+  });
 }
 
 void clsTreeWidget::ApplyExpansion(const Node& node) {
@@ -152,9 +151,11 @@ void clsTreeWidget::initViewItemOption(QStyleOptionViewItem* option) const {
 }
 
 bool clsTreeWidget::viewportEvent(QEvent* event) {
-  if (event->type() != QEvent::ToolTip) return QTreeView::viewportEvent(event);
-  qt::ShowCutTip(*this, *static_cast<QHelpEvent*>(event));
-  return true;
+  return qt::Guard(this, [&] {
+    if (event->type() != QEvent::ToolTip) return QTreeView::viewportEvent(event);
+    qt::ShowCutTip(*this, *static_cast<QHelpEvent*>(event));
+    return true;
+  });
 }
 
 // What a collapsed node raises may close the analysis: it waits until Qt is done with the click or
@@ -165,71 +166,89 @@ void clsTreeWidget::TellCollapsed() {
 }
 
 void clsTreeWidget::mousePressEvent(QMouseEvent* event) {
-  m_pressed = QModelIndex();
-  if (event->button() != Qt::LeftButton) return;
-  {
-    const QScopedValueRollback atWork(m_atWork, true);
-    QTreeView::mousePressEvent(event);
-  }
-  TellCollapsed();
+  qt::Guard(this, [&] {
+    m_pressed = QModelIndex();
+    if (event->button() != Qt::LeftButton) return;
+    {
+      const QScopedValueRollback atWork(m_atWork, true);
+      QTreeView::mousePressEvent(event);
+    }
+    TellCollapsed();
+  });
 }
 
 void clsTreeWidget::mouseDoubleClickEvent(QMouseEvent* event) {
-  {
-    const QScopedValueRollback atWork(m_atWork, true);
-    QTreeView::mouseDoubleClickEvent(event);
-  }
-  TellCollapsed();
+  qt::Guard(this, [&] {
+    {
+      const QScopedValueRollback atWork(m_atWork, true);
+      QTreeView::mouseDoubleClickEvent(event);
+    }
+    TellCollapsed();
+  });
 }
 
 // The node that was pressed stays the current one, wherever the mouse is let go.
 void clsTreeWidget::mouseMoveEvent(QMouseEvent* event) {
-  if (event->buttons() == Qt::NoButton) QTreeView::mouseMoveEvent(event);
+  qt::Guard(this, [&] {
+    if (event->buttons() == Qt::NoButton) QTreeView::mouseMoveEvent(event);
+  });
 }
 
 void clsTreeWidget::mouseReleaseEvent(QMouseEvent* event) {
-  QTreeView::mouseReleaseEvent(event);
-  if (event->button() != Qt::LeftButton || !m_pressed.isValid()) return;
-  Node& node = *clsTreeModel::NodeOf(m_pressed);
-  m_pressed = QModelIndex();
-  m_tree.SetSelectedItem(&node);
-  if (m_tree.NodeClick) m_tree.NodeClick(node);
-  if (m_tree.Click) m_tree.Click();
+  qt::Guard(this, [&] {
+    QTreeView::mouseReleaseEvent(event);
+    if (event->button() != Qt::LeftButton || !m_pressed.isValid()) return;
+    Node& node = *clsTreeModel::NodeOf(m_pressed);
+    m_pressed = QModelIndex();
+    m_tree.SetSelectedItem(&node);
+    if (m_tree.NodeClick) m_tree.NodeClick(node);
+    if (m_tree.Click) m_tree.Click();
+  });
 }
 
 void clsTreeWidget::keyPressEvent(QKeyEvent* event) {
-  m_keys.Press(*event);
-  {
-    const QScopedValueRollback atWork(m_atWork, true);
-    QTreeView::keyPressEvent(event);
-  }
-  TellCollapsed();
+  qt::Guard(this, [&] {
+    m_keys.Press(*event);
+    {
+      const QScopedValueRollback atWork(m_atWork, true);
+      QTreeView::keyPressEvent(event);
+    }
+    TellCollapsed();
+  });
 }
 
 void clsTreeWidget::keyReleaseEvent(QKeyEvent* event) {
-  QTreeView::keyReleaseEvent(event);
-  const int code = m_keys.Release(*event);
-  if (code != 0 && m_tree.KeyUp) m_tree.KeyUp(code);
+  qt::Guard(this, [&] {
+    QTreeView::keyReleaseEvent(event);
+    const int code = m_keys.Release(*event);
+    if (code != 0 && m_tree.KeyUp) m_tree.KeyUp(code);
+  });
 }
 
 void clsTreeWidget::focusInEvent(QFocusEvent* event) {
-  {
-    const QScopedValueRollback own(m_ownCurrent, true);
-    QTreeView::focusInEvent(event);
-  }
-  SelectionChanged();
-  viewport()->update();
+  qt::Guard(this, [&] {
+    {
+      const QScopedValueRollback own(m_ownCurrent, true);
+      QTreeView::focusInEvent(event);
+    }
+    SelectionChanged();
+    viewport()->update();
+  });
 }
 
 void clsTreeWidget::focusOutEvent(QFocusEvent* event) {
-  QTreeView::focusOutEvent(event);
-  m_keys.Forget();
-  viewport()->update();
+  qt::Guard(this, [&] {
+    QTreeView::focusOutEvent(event);
+    m_keys.Forget();
+    viewport()->update();
+  });
 }
 
 void clsTreeWidget::resizeEvent(QResizeEvent* event) {
-  QTreeView::resizeEvent(event);
-  header()->setMinimumSectionSize(viewport()->width());
+  qt::Guard(this, [&] {
+    QTreeView::resizeEvent(event);
+    header()->setMinimumSectionSize(viewport()->width());
+  });
 }
 
 }  // namespace sandrel

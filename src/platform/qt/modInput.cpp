@@ -5,6 +5,8 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
+#include "platform/qt/modGuard.h"
+
 namespace sandrel::qt {
 
 namespace {
@@ -17,12 +19,14 @@ class clsMover final : public QObject {
 
  protected:
   bool eventFilter(QObject* /*watched*/, QEvent* event) override {
-    if (event->type() != QEvent::KeyPress) return false;
-    const int key = static_cast<QKeyEvent*>(event)->key();
-    const bool moves = key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_PageUp ||
-                       key == Qt::Key_PageDown;
-    if (moves) QCoreApplication::sendEvent(&m_list, event);
-    return moves;
+    return qt::Guard(this, [&] {
+      if (event->type() != QEvent::KeyPress) return false;
+      const int key = static_cast<QKeyEvent*>(event)->key();
+      const bool moves = key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_PageUp ||
+                         key == Qt::Key_PageDown;
+      if (moves) QCoreApplication::sendEvent(&m_list, event);
+      return moves;
+    });
   }
 
  private:

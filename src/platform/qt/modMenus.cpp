@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "platform/controls/Menu.h"
+#include "platform/qt/modGuard.h"
 
 namespace sandrel::qt {
 
@@ -36,7 +37,7 @@ void AddCommand(QMenu& menu, MenuItem& item, const Joined& joined) {
     action->setShortcut(
         QKeySequence(QString::fromStdString(item.Shortcut), QKeySequence::PortableText));
   }
-  QObject::connect(action, &QAction::triggered, action, [&item, action] {
+  qt::Connect(action, &QAction::triggered, action, [&item, action] {
     Follow(item, *action);  // Qt has turned the tick, which is the command's business
     if (item.IsUsable() && item.Click) item.Click();
   });
@@ -46,7 +47,7 @@ void AddCommand(QMenu& menu, MenuItem& item, const Joined& joined) {
 // Connected first, the Click of the item has brought its items up to date when others follow them.
 void Fill(QMenu& menu, MenuItem& item, const Joined& joined) {
   menu.setObjectName(QString::fromStdString(item.Name()));
-  QObject::connect(&menu, &QMenu::aboutToShow, &menu, [&item] {
+  qt::Connect(&menu, &QMenu::aboutToShow, &menu, [&item] {
     if (item.Click) item.Click();
   });
   for (const auto& below : item.Items()) {
@@ -87,8 +88,7 @@ void ShowMenus(const Menus& menus, QMenuBar& bar) {
 void ShowPopup(MenuItem& item, QMenu& menu) {
   Fill(menu, item, [&menu](MenuItem& below, QAction& action) {
     Dress(below, action);
-    QObject::connect(&menu, &QMenu::aboutToShow, &action,
-                     [&below, &action] { Follow(below, action); });
+    qt::Connect(&menu, &QMenu::aboutToShow, &action, [&below, &action] { Follow(below, action); });
   });
 }
 
