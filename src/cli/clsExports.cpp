@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "browser/FormatCell.h"
@@ -13,6 +14,7 @@
 #include "common/text.h"
 #include "export/clsRegExport.h"
 #include "export/clsSandrelFileCopy.h"
+#include "store/modTarget.h"
 
 namespace sandrel {
 namespace {
@@ -66,12 +68,19 @@ bool Holds(const std::vector<dao::Field>& fields, const std::vector<dao::Value>&
   return folded.empty();
 }
 
+bool HasSeveralDrives(const std::vector<std::string>& files) {
+  return std::any_of(files.begin(), files.end(), [&](const std::string& file) {
+    return !text::EqualNoCase(file.substr(0, 1), files.front().substr(0, 1));
+  });
+}
+
 }  // namespace
 
 std::size_t clsExports::ExportRegistry(int page, const std::string& out, const std::string& match) {
   NeedPage(page,
            {page::NewRegistry, page::ChangedRegistry, page::DeletedRegistry, page::AllRegistry},
            "registry values");
+  NeedTarget(out);
   clsRegExport registry;
   const std::string folded = text::Fold(match);
   clsPageReader(m_analysis)
@@ -79,21 +88,15 @@ std::size_t clsExports::ExportRegistry(int page, const std::string& out, const s
           page, [](const std::vector<dao::Field>&) {},
           [&](const std::vector<dao::Field>& fields, const std::vector<dao::Value>& values, int) {
             if (!Holds(fields, values, folded)) return;
-            const auto cell = [&](const char* name) { return CellOf(fields, values, name); };
-            clsRegEntry& entry = registry.RegEntrys.Add();
-            entry.Branch = cell("Hive") + "\\" + cell("Branch");
-            entry.ValueName = cell("Value Name");
-            entry.Value = cell(page == page::ChangedRegistry ? "New Value" : "Value");
-            entry.RegType = GetRegEntryType(cell("Value Type"));
+            registry.RegEntrys.Add(RegEntryOf(
+                page == page::ChangedRegistry,
+                [&](std::string_view column) { return CellOf(fields, values, column); }));
           });
   if (registry.RegEntrys.Count() == 0) return 0;
   if (!MayOverwrite(m_shell, out)) return 0;
   registry.WriteFile(out);
-  if (registry.Lost() > 0) {
-    m_shell.Tell(fmt::format("{} character(s) that code page 1252 lacks are written as ?.",
-                             registry.Lost()));
-  }
-  return registry.RegEntrys.Count();
+  if (const std::string told = registry.LeftOutText(); !told.empty()) m_shell.Tell(told);
+  return registry.Written();
 }
 
 std::string clsExports::CopyFiles(int page, const std::string& folder, clsMachine& machine) {
@@ -115,8 +118,17 @@ std::string clsExports::CopyFiles(int page, const std::string& folder, clsMachin
           });
   clsTerminalProgress progress(m_shell);
   std::vector<std::string> results;
+  std::vector<std::string> failed;
   std::int64_t unknown = 0;
-  clsSandrelFileCopy(m_shell, machine, progress).CopyFiles(files, folder, "C:", results, unknown);
+  clsSandrelFileCopy copy(m_shell, machine, progress);
+  copy.DriveFolders = HasSeveralDrives(files);
+  copy.OnError = [&](const std::string& file, const clsError& error) {
+    failed.push_back(file.empty() ? error.Description() : file + ": " + error.Description());
+    return Answer::Ignore;
+  };
+  copy.CopyFiles(files, folder, "C:", results, unknown);
+  for (const std::string& failure : failed) m_shell.Fail(failure);
+  if (copy.Copied() == 0 && !files.empty()) m_shell.Fail("No file was copied.");
   return clsSandrelFileCopy::Summary(results, deleted);
 }
 

@@ -9,6 +9,7 @@
 #include "common/clsPathText.h"
 #include "platform/controls/ListView.h"
 #include "print/clsPrintJob.h"
+#include "store/modTarget.h"
 
 namespace sandrel {
 namespace {
@@ -36,7 +37,7 @@ void ReadList(const std::string& analysis, int page, ListView& list) {
 
 int PrintPage(const std::string& analysis, int page, const std::string& out, clsPrinter& printer,
               clsShell& shell, clsSettings& settings) {
-  CheckTarget(out, analysis);
+  NeedTarget(out);
   TextPool texts;
   ListView list(texts);
   ReadList(analysis, page, list);

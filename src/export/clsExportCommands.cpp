@@ -11,7 +11,9 @@
 #include "common/modOverwrite.h"
 #include "export/clsRegExport.h"
 #include "export/clsSandrelFileCopy.h"
+#include "snapshot/clsStatements.h"
 #include "snapshot/modFileDialogs.h"
+#include "store/modTarget.h"
 
 namespace sandrel {
 namespace {
@@ -27,6 +29,14 @@ std::string FolderOf(const Node* node) {
     folder.insert(0, "\\" + node->Text());
   }
   return folder.size() >= 2 ? folder.substr(1) : folder;
+}
+
+std::string CellOf(const ListView& list, std::size_t row, std::string_view column) {
+  const std::vector<ListColumn>& columns = list.Columns();
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (columns[i].Text == column) return std::string(list.Cell(row, i));
+  }
+  return {};
 }
 
 bool IsInOneOf(const std::vector<std::string>& folders, std::string_view path) {
@@ -72,48 +82,48 @@ std::vector<std::size_t> clsExportCommands::SelectedSourceRows(int& source) cons
   return rows;
 }
 
-void clsExportCommands::AddEntry(const ListView& list, std::size_t row, bool hasOldValueColumn,
-                                 clsRegEntrys& entries) {
-  clsRegEntry& entry = entries.Add();
-  entry.Branch = std::string(list.Text(row)) + "\\" + std::string(list.Cell(row, 1));
-  entry.ValueName = list.Cell(row, 2);
-  entry.Value = list.Cell(row, 3);
-  entry.RegType = GetRegEntryType(list.Cell(row, hasOldValueColumn ? 5 : 4));
+// Asks until the answer is a file that may be written; empty when the user cancelled.
+std::string clsExportCommands::ChooseRegFile() {
+  for (;;) {
+    std::string file = SaveDialog(m_shell, m_home.Path(), "Export To Registry File", "reg",
+                                  "Registry File *.reg|*.reg|All Files *.*|*.*");
+    if (file.empty()) return file;
+    try {
+      NeedTarget(file);
+      return MayOverwrite(m_shell, file) ? file : std::string();
+    } catch (const clsError& error) {
+      m_shell.Ask({error.Description(), "Sandrel Manager", Buttons::Ok, BoxIcon::Exclamation});
+    }
+  }
 }
 
 void clsExportCommands::mnuFileExportToRegFile_Click() {
+  clsStatements run(m_shell, "frmSandrel.mnuFileExportToRegFile");
+  run.Command([&] { ExportToRegFile(run); }, [] {});
+}
+
+void clsExportCommands::ExportToRegFile(clsStatements& run) {
   clsRegExport registry;
   {
     const clsPointerGuard pointer(m_shell, pointer::Hourglass);
     int source = 0;
     const std::vector<std::size_t> rows = SelectedSourceRows(source);
+    const ListView& list = m_controls.List(source);
     for (const std::size_t row : rows) {
-      AddEntry(m_controls.List(source), row, source == page::ChangedRegistry, registry.RegEntrys);
+      registry.RegEntrys.Add(
+          RegEntryOf(source == page::ChangedRegistry,
+                     [&](std::string_view column) { return CellOf(list, row, column); }));
     }
   }
   if (registry.RegEntrys.Count() == 0) return;
-  const std::string file = SaveDialog(m_shell, m_home.Path(), "Export To Registry File", "reg",
-                                      "Registry File *.reg|*.reg|All Files *.*|*.*");
+  const std::string file = ChooseRegFile();
   if (file.empty()) return;
-  std::error_code ignored;
-  if (std::filesystem::equivalent(file, m_shell.State.AnalysisPath, ignored)) {
-    throw clsError(errnum::PathFileAccess,
-                   fmt::format("Can't write {}: that file holds the open analysis. Choose another "
-                               "file.",
-                               file));
-  }
-  if (!MayOverwrite(m_shell, file)) return;
-  {
+  run([&] {
     const clsPointerGuard pointer(m_shell, pointer::Hourglass);
     registry.DoEvents = [this] { m_shell.DoEvents(); };
     registry.WriteFile(file);
-  }
-  if (registry.Lost() > 0) {
-    m_shell.Tell(
-        fmt::format("{} character(s) can't stand in a registry file, which is written in "
-                    "code page 1252. A ? stands in the place of each.",
-                    registry.Lost()));
-  }
+  });
+  if (const std::string told = registry.LeftOutText(); !told.empty()) m_shell.Tell(told);
 }
 
 std::string clsExportCommands::RootPrefix() const {

@@ -13,6 +13,7 @@
 #include "export/clsCopyProgress.h"
 #include "export/clsRegEntry.h"
 #include "platform/machine/clsMachine.h"
+#include "snapshot/clsStatements.h"
 
 namespace sandrel {
 
@@ -33,15 +34,14 @@ class clsExportCommands {
   void mnuFileExportToRegFile_Click();
   void mnuFileExportFiles_Click();
 
-  /// The value that a row of a registry page stands for; of a changed value the new one.
-  static void AddEntry(const ListView& list, std::size_t row, bool hasOldValueColumn,
-                       clsRegEntrys& entries);
   /// How much of each path is left out when files are copied: the folder of the node that is
   /// selected, without a last backslash; empty above the folders.
   std::string RootPrefix() const;
 
  private:
   std::vector<std::size_t> SelectedSourceRows(int& source) const;
+  std::string ChooseRegFile();
+  void ExportToRegFile(clsStatements& run);
 
   clsShell& m_shell;
   clsMainControls& m_controls;

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace sandrel {
@@ -17,13 +19,18 @@ struct clsRegEntry {
 
 class clsRegEntrys {
  public:
-  clsRegEntry& Add() { return m_entries.emplace_back(); }
+  clsRegEntry& Add(clsRegEntry entry = {}) { return m_entries.emplace_back(std::move(entry)); }
   std::size_t Count() const { return m_entries.size(); }
   std::vector<clsRegEntry>& Items() { return m_entries; }
 
  private:
   std::vector<clsRegEntry> m_entries;
 };
+
+/// The value that a row of a registry page stands for, by its cells' texts under their columns'
+/// names; of a changed value the new one.
+clsRegEntry RegEntryOf(bool isChanged,
+                       const std::function<std::string(std::string_view column)>& cell);
 
 /// The type's number by the text of a page's Value Type column, without regard to case; 0 for a
 /// text that names none.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
@@ -35,9 +36,53 @@ std::string KeyOf(const clsRegEntry& entry) {
   return entry.Branch + "\\" + entry.ValueName;
 }
 
-// The text as the file can hold it.
-std::string InCodePage(std::string_view value, std::size_t* lost) {
-  return text::FromCp1252(text::ToCp1252(value, text::Lacking::QuestionMark, lost));
+clsError CantCarry(std::string_view what) {
+  return {errnum::InvalidArgument, fmt::format("{} can't stand in a registry file.", what)};
+}
+
+// The bytes of the text in the file's code page.
+std::string InCodePage(std::string_view text) {
+  std::size_t lost = 0;
+  std::string bytes = text::ToCp1252(text, text::Lacking::QuestionMark, &lost);
+  if (lost > 0) throw CantCarry("A letter that code page 1252 lacks");
+  return bytes;
+}
+
+bool HasControls(std::string_view bytes) {
+  return std::any_of(bytes.begin(), bytes.end(),
+                     [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t'; });
+}
+
+// The name that a reader takes from a line; nothing where it takes the line for none of a value.
+std::optional<std::string> NameRead(std::string_view line) {
+  if (line.starts_with('@')) return "";
+  std::string name;
+  std::size_t at = 1;
+  for (; at < line.size() && line[at] != '"'; ++at) {
+    if (line[at] == '\\' && ++at == line.size()) return {};
+    name += line[at];
+  }
+  at = line.find_first_not_of(" \t", at + 1);
+  if (at == std::string_view::npos || line[at] != '=') return {};
+  return name;
+}
+
+// The letters of a list of strings stand as bytes in the analysis: those of the code page, and
+// those of UTF-8 for others, which a reader would take for other letters.
+void NeedLetters(std::string_view hex) {
+  std::string bytes;
+  for (std::size_t at = 0; at + 2 <= hex.size(); at += 3) {
+    unsigned int byte = 0;
+    std::from_chars(hex.data() + at, hex.data() + at + 2, byte, 16);
+    bytes.push_back(static_cast<char>(byte));
+  }
+  constexpr char32_t LastLetter = 0x10FFFF;  // above it are bytes that are no UTF-8
+  for (std::size_t at = 0; at < bytes.size();) {
+    const std::size_t start = at;
+    const char32_t letter = text::Next(bytes, at);
+    if (letter >= 0x80 && letter <= LastLetter)
+      InCodePage(std::string_view(bytes).substr(start, at - start));
+  }
 }
 
 }  // namespace
@@ -61,32 +106,63 @@ void clsRegExport::SortRegEnteries() {
 void clsRegExport::WriteFile(const std::string& fileName) {
   RaiseAs("clsRegExport.WriteFile", [&] {
     SortRegEnteries();
-    m_lost = 0;
-    const std::string content = text::ToCp1252(Lines(), text::Lacking::QuestionMark, &m_lost);
-    clsFileWorks::ReplaceWhole(fileName, content);
+    const std::string content = text::ToCp1252(Lines(), text::Lacking::QuestionMark);
+    if (m_written > 0) clsFileWorks::ReplaceWhole(fileName, content);
   });
 }
 
 std::string clsRegExport::Lines() {
+  m_written = 0;
+  m_leftOut.clear();
   std::string lines = std::string("REGEDIT4") + LineEnd;
   std::string lastBranch;
   for (const clsRegEntry& entry : RegEntrys.Items()) {
+    if (DoEvents) DoEvents();
+    std::string line;
+    try {
+      line = Line(entry);
+    } catch (const clsError& error) {
+      m_leftOut.push_back(
+          fmt::format("{} {}: {}", entry.Branch,
+                      entry.ValueName.empty() ? "(Default)" : '"' + entry.ValueName + '"',
+                      error.Description()));
+      continue;
+    }
     if (text::Lower(entry.Branch) != text::Lower(lastBranch)) {
       lines += LineEnd + ("[" + entry.Branch + "]") + LineEnd;
       lastBranch = entry.Branch;
     }
-    const std::string name = QuoteValueName(entry.ValueName);
-    try {
-      lines +=
-          name + "=" + FormatValue(entry.Value, entry.RegType, text::Length(name) + 1, &m_lost);
-    } catch (const clsError& error) {
-      throw error.WithDescription(fmt::format("The value {} of the key {} can't be exported. {}",
-                                              name, entry.Branch, error.Description()));
-    }
-    lines += LineEnd;
-    if (DoEvents) DoEvents();
+    lines += line + LineEnd;
+    ++m_written;
   }
   return lines;
+}
+
+// The line of a value. Names are quoted as they are, so that one that holds a quote or a backslash
+// would be read as another one, or not at all.
+std::string clsRegExport::Line(const clsRegEntry& entry) {
+  if (HasControls(InCodePage(entry.Branch + entry.ValueName))) {
+    throw CantCarry("A name with control characters");
+  }
+  const std::string name = QuoteValueName(entry.ValueName);
+  std::string line = name + "=" + FormatValue(entry.Value, entry.RegType, text::Length(name) + 1);
+  if (NameRead(line) != entry.ValueName) {
+    throw CantCarry("A name with quotes or backslashes");
+  }
+  return line;
+}
+
+std::string clsRegExport::LeftOutText() const {
+  constexpr std::size_t MostNamed = 20;
+  if (m_leftOut.empty()) return {};
+  std::string told = fmt::format("{} value(s) were left out:", m_leftOut.size());
+  for (std::size_t i = 0; i < std::min(m_leftOut.size(), MostNamed); ++i) {
+    told += "\n    " + m_leftOut[i];
+  }
+  if (m_leftOut.size() > MostNamed) {
+    told += fmt::format("\n    and {} more", m_leftOut.size() - MostNamed);
+  }
+  return told;
 }
 
 std::string clsRegExport::QuoteValueName(std::string_view name) {
@@ -127,11 +203,8 @@ std::string clsRegExport::CommaSeparateDword(std::string_view hex8) {
 }
 
 std::string clsRegExport::WrapHexText(std::string_view text, std::size_t keyLength) {
-  if (keyLength >= FirstLineLimit) {
-    throw clsError(errnum::InvalidArgument, "Its name is too long for a value of this type.");
-  }
   std::string result;
-  std::size_t limit = FirstLineLimit - keyLength;
+  std::size_t limit = FirstLineLimit - std::min(keyLength, FirstLineLimit - 1);
   for (;;) {
     const std::size_t comma = text.find(',', limit - 1);
     if (comma == std::string_view::npos) break;
@@ -145,25 +218,33 @@ std::string clsRegExport::WrapHexText(std::string_view text, std::size_t keyLeng
 }
 
 std::string clsRegExport::FormatValue(std::string_view value, std::int32_t regType,
-                                      std::size_t keyLength, std::size_t* lost) {
-  const auto hex = [&](const std::string& text) {
-    return text::Lower(WrapHexText(text, keyLength));
+                                      std::size_t keyLength) {
+  const auto hex = [&](std::string_view pairs) {
+    const std::string type =
+        regType == 3 ? "hex:" : fmt::format("hex({:x}):", static_cast<std::uint32_t>(regType));
+    return text::Lower(WrapHexText(type + ReplaceChar(' ', ",", pairs), keyLength));
+  };
+  const auto textBytes = [&] {
+    InCodePage(value);
+    return hex(clsScanReg::DecodeBinary(value) + ",00");
   };
   switch (regType) {
     case 1:
+      // A text that would end its line goes out as bytes.
+      if (HasControls(InCodePage(value))) return textBytes();
       return "\"" + ReplaceChar('"', "\\\"", ReplaceChar('\\', "\\\\", value)) + "\"";
     case 4:
       return text::Lower("dword:" + PadHex8(value));
     case 5:
       return text::Lower("hex(5):" + CommaSeparateDword(PadHex8(value)));
-    case 3:
-      return hex("hex:" + ReplaceChar(' ', ",", value));
     case 0:
     case 2:
-      return hex(fmt::format("hex({:x}):", regType) +
-                 ReplaceChar(' ', ",", clsScanReg::DecodeBinary(InCodePage(value, lost))) + ",00");
+      return textBytes();
+    case 7:
+      NeedLetters(value);
+      return hex(value);
     default:
-      return hex(fmt::format("hex({:x}):", regType) + ReplaceChar(' ', ",", value));
+      return hex(value);
   }
 }
 

@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "export/clsRegEntry.h"
 
@@ -22,24 +23,27 @@ class clsRegExport {
   /// order.
   void SortRegEnteries();
 
-  /// Sorts, and puts the values in the place of the file at the host path. Raises 5 for a value
-  /// that the format has no room for and 6 for a number that isn't one of 32 bits; the description
-  /// names the value, and a file that stood there is left as it was.
+  /// Sorts, and puts the values in the place of the file at the host path, whole or not at all.
+  /// What the format can't carry is left out: a reader gets exactly the values that were written.
+  /// Without any that can be written there is no file.
   void WriteFile(const std::string& fileName);
 
-  /// Characters of the last file that code page 1252 lacks; "?" stands in their place.
-  std::size_t Lost() const { return m_lost; }
+  /// How many values the last file has.
+  std::size_t Written() const { return m_written; }
+  /// The others, each as its key, its name and why; empty when there are none.
+  const std::vector<std::string>& LeftOut() const { return m_leftOut; }
+  /// What the user is told of them; empty when there are none.
+  std::string LeftOutText() const;
 
   // The parts of the format; texts are UTF-8.
   static std::string QuoteValueName(std::string_view name);
-  /// `lost`, when given, is raised by the number of characters that the code page lacks where they
-  /// are written as bytes.
+  /// Raises 5 for what the format can't carry, and what `PadHex8` raises.
   static std::string FormatValue(std::string_view value, std::int32_t regType,
-                                 std::size_t keyLength, std::size_t* lost = nullptr);
+                                 std::size_t keyLength);
   /// Four pairs of digits, joined with commas.
   static std::string CommaSeparateDword(std::string_view hex8);
   /// Breaks behind the first comma at or past the 77th character of the line, the first line's
-  /// count beginning at `keyLength`.
+  /// count beginning at `keyLength`; behind a longer key behind the first comma.
   static std::string WrapHexText(std::string_view text, std::size_t keyLength);
   /// The number's eight hexadecimal digits in capitals. Raises 6 for a text that is no number of 32
   /// bits, 13 for one that is no number.
@@ -47,9 +51,11 @@ class clsRegExport {
   static std::string ReplaceChar(char find, std::string_view replacement, std::string_view text);
 
  private:
+  static std::string Line(const clsRegEntry& entry);
   std::string Lines();
 
-  std::size_t m_lost = 0;
+  std::size_t m_written = 0;
+  std::vector<std::string> m_leftOut;
 };
 
 }  // namespace sandrel

@@ -50,7 +50,9 @@ void clsSandrelFileCopy::CopyFiles(const std::vector<std::string>& files,
                                    const std::string& destinationFolder,
                                    const std::string& rootPrefix, std::vector<std::string>& results,
                                    std::int64_t& totalBytes) {
-  m_copied = m_missing = m_ignored = m_lowestTime = 0;
+  m_copied = m_missing = m_ignored = m_lowestTime = m_bytesDone = 0;
+  m_secondsTaken = 0;
+  m_file.clear();
   m_destination = destinationFolder;
   m_progress.SetProgress(0);
   m_progress.Show();
@@ -64,6 +66,7 @@ void clsSandrelFileCopy::CopyFiles(const std::vector<std::string>& files,
     const auto host = m_machine.HostPath(file);
     const std::uintmax_t size = host ? std::filesystem::file_size(*host, failure) : 0;
     const auto begun = std::chrono::steady_clock::now();
+    m_file = file;
     next = CopyOne(*target, file, rootPrefix);
     const auto taken = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - begun);
@@ -103,8 +106,9 @@ clsSandrelFileCopy::Next clsSandrelFileCopy::Try(Statement&& statement) {
         ++m_missing;
         return Next::Skip;
       }
-      switch (m_shell.ReportError(error.Number(), error.Description(), error.Source(),
-                                  "clsFileWorks.CopyFiles")) {
+      switch (OnError ? OnError(m_file, error)
+                      : m_shell.ReportError(error.Number(), error.Description(), error.Source(),
+                                            "clsFileWorks.CopyFiles")) {
         case Answer::Retry:
           break;
         case Answer::Ignore:
@@ -117,15 +121,23 @@ clsSandrelFileCopy::Next clsSandrelFileCopy::Try(Statement&& statement) {
   }
 }
 
+// Where below the destination the file goes.
+std::string clsSandrelFileCopy::Below(const std::string& file,
+                                      const std::string& rootPrefix) const {
+  constexpr std::size_t DriveLength = 3;
+  if (DriveFolders) {
+    return file.size() < DriveLength ? file : file.substr(0, 1) + "\\" + file.substr(DriveLength);
+  }
+  if (rootPrefix.empty()) return clsPathText::TextAfterLast(file, "\\");
+  // The prefix is the beginning of the path but for the case of its letters.
+  return file.substr(text::Left(file, text::Length(rootPrefix) + 1).size());
+}
+
 clsSandrelFileCopy::Next clsSandrelFileCopy::CopyOne(clsTargetFolder& target,
                                                      const std::string& file,
                                                      const std::string& rootPrefix) {
   const std::string name = clsPathText::TextAfterLast(file, "\\");
-  std::string_view below = name;
-  if (!rootPrefix.empty()) {
-    // The prefix is the beginning of the path but for the case of its letters.
-    below = std::string_view(file).substr(text::Left(file, text::Length(rootPrefix) + 1).size());
-  }
+  const std::string below = Below(file, rootPrefix);
   std::vector<std::string> parts = HostNames(below);
   const std::string hostName = parts.empty() ? std::string() : parts.back();
   if (!parts.empty()) parts.pop_back();
@@ -155,12 +167,14 @@ clsSandrelFileCopy::Next clsSandrelFileCopy::CopyOne(clsTargetFolder& target,
   return next == Next::Skip ? Next::Done : next;
 }
 
-// The estimate rests on the speed of the last file, and only falls.
+// The estimate rests on the speed so far, as small files say little of large ones, and only falls.
 void clsSandrelFileCopy::TellTime(std::int64_t bytes, double seconds, std::int64_t& totalBytes) {
   if (totalBytes <= 0) return;
   totalBytes -= bytes;
-  if (seconds <= 0 || bytes <= 0) return;
-  const double speed = static_cast<double>(bytes) / seconds;
+  m_bytesDone += bytes;
+  m_secondsTaken += seconds;
+  if (m_secondsTaken <= 0 || m_bytesDone <= 0) return;
+  const double speed = static_cast<double>(m_bytesDone) / m_secondsTaken;
   const std::int64_t remaining = std::llround(static_cast<double>(totalBytes) / speed);
   if (remaining <= 0 || (m_lowestTime > 0 && remaining >= m_lowestTime)) return;
   m_lowestTime = remaining;

@@ -1,17 +1,18 @@
 #include "export/clsTargetFolder.h"
 
 #include <fcntl.h>
-#include <fmt/format.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
-#include <utility>
 #include <vector>
 
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
+#include "common/clsNewFile.h"
+#include "store/modTarget.h"
 
 namespace sandrel {
 namespace {
@@ -26,7 +27,6 @@ class clsFile {
   clsFile& operator=(const clsFile&) = delete;
 
   int Get() const { return m_file; }
-  bool Close() { return close(std::exchange(m_file, -1)) == 0; }
 
  private:
   int m_file;
@@ -61,6 +61,29 @@ void CopyBytes(int from, int to, const std::string& source, const std::string& t
         throw ErrnoError(errno, "Can't write " + target);
       }
     }
+  }
+}
+
+// An empty file of this process' own, locked; one that a killed process left is taken over.
+int OpenTemporary(int folder, const std::string& name, const std::string& target) {
+  for (;;) {
+    const int file =
+        openat(folder, name.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (file < 0) throw TargetError(ErrnoError(errno, "Can't write " + target));
+    struct stat opened {};
+    struct stat present {};
+    if (flock(file, LOCK_EX | LOCK_NB) != 0) {
+      close(file);
+      throw clsError(errnum::PathFileAccess,
+                     "Can't write " + target + ": another program is writing it");
+    }
+    if (fstat(file, &opened) == 0 &&
+        fstatat(folder, name.c_str(), &present, AT_SYMLINK_NOFOLLOW) == 0 &&
+        opened.st_dev == present.st_dev && opened.st_ino == present.st_ino &&
+        ftruncate(file, 0) == 0) {
+      return file;
+    }
+    close(file);
   }
 }
 
@@ -114,17 +137,23 @@ void clsTargetFolder::Copy(const std::string& source, const std::vector<std::str
   if (folder.Get() < 0 || !IsName(name)) {
     throw clsError(errnum::PathNotFound, "Can't write " + target + ": its folder isn't there");
   }
+  struct stat there {};
+  if (fstatat(folder.Get(), name.c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0 &&
+      S_ISREG(there.st_mode)) {
+    if (there.st_dev == status.st_dev && there.st_ino == status.st_ino) {
+      throw clsError(errnum::PathFileAccess, "Can't write " + target + ": it is copied itself");
+    }
+    NeedTarget(target);
+  }
   // The copy appears whole under its name; a link or a file that stood there goes.
-  const std::string temporary = fmt::format(".sandrel-copy-{}", getpid());
-  unlinkat(folder.Get(), temporary.c_str(), 0);
-  clsFile to(openat(folder.Get(), temporary.c_str(),
-                    O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-  if (to.Get() < 0) throw TargetError(ErrnoError(errno, "Can't write " + target));
+  const std::string temporary = clsNewFile::PlaceBeside(name);
+  const clsFile to(OpenTemporary(folder.Get(), temporary, target));
   try {
     CopyBytes(from.Get(), to.Get(), source, target);
     const std::array<timespec, 2> times = {status.st_atim, status.st_mtim};
     futimens(to.Get(), times.data());
-    if (!to.Close()) throw ErrnoError(errno, "Can't write " + target);
+    // Some systems tell what could not be written when a file is closed.
+    if (close(dup(to.Get())) != 0) throw ErrnoError(errno, "Can't write " + target);
     if (renameat(folder.Get(), temporary.c_str(), folder.Get(), name.c_str()) != 0) {
       throw TargetError(ErrnoError(errno, "Can't replace " + target));
     }

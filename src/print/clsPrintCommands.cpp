@@ -5,6 +5,7 @@
 #include "common/clsPathText.h"
 #include "common/modOverwrite.h"
 #include "print/clsPrintData.h"
+#include "store/modTarget.h"
 
 namespace sandrel {
 
@@ -14,7 +15,7 @@ bool clsPrintCommands::ChooseFile(std::string& file) {
   file = m_shell.ChooseFile({"Print To PDF File", ".pdf", "", "PDF Files *.pdf|*.pdf",
                              clsPathText::TextBeforeLast(m_shell.State.AnalysisPath, "/"), true});
   if (file.empty()) return false;
-  CheckTarget(file, m_shell.State.AnalysisPath);
+  NeedTarget(file);
   return MayOverwrite(m_shell, file);
 }
 

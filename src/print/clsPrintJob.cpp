@@ -1,10 +1,5 @@
 #include "print/clsPrintJob.h"
 
-#include <fmt/format.h>
-
-#include <filesystem>
-
-#include "common/clsError.h"
 #include "print/clsPrintData.h"
 
 namespace sandrel {
@@ -17,19 +12,6 @@ PrintArea AreaOf(const clsPrintGrid& grid, const clsPaper& paper) {
   area.PrintWidth = static_cast<float>(paper.Width() / TwipsPerInch - 2 * area.LeftMargin);
   area.PrintHeight = static_cast<float>(paper.Height() / TwipsPerInch - 2 * area.TopMargin);
   return area;
-}
-
-void CheckTarget(const std::string& file, const std::string& analysis) {
-  const auto refuse = [&](const char* why) {
-    throw clsError(errnum::PathFileAccess,
-                   fmt::format("Can't write {}: {}. Choose another file.", file, why));
-  };
-  std::error_code ignored;
-  if (std::filesystem::equivalent(file, analysis, ignored)) refuse("that file holds the analysis");
-  const auto status = std::filesystem::status(file, ignored);
-  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
-    refuse("it is no regular file");
-  }
 }
 
 clsPrintJob::clsPrintJob(clsShell& shell, clsSettings& settings, clsPrinter& printer,

@@ -23,10 +23,6 @@ struct PrintData {
 /// All of the sheet but the grid's margins, on both sides.
 PrintArea AreaOf(const clsPrintGrid& grid, const clsPaper& paper);
 
-/// Raises 75 for a file (a host path) that pages must not replace: one that is no regular file, and
-/// the analysis that is printed.
-void CheckTarget(const std::string& file, const std::string& analysis);
-
 class clsPrintJob {
  public:
   /// How wide columns are at least: all alike, or as the preview has them.

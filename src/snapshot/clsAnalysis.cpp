@@ -33,7 +33,9 @@ void clsAnalysis::CheckTarget(const std::string& path) const {
         errnum::PathFileAccess,
         fmt::format("Can't write the analysis {}: it is a folder. Choose a file.", path));
   }
-  if (clsFileWorks::IsSameFile(path, m_home.WorkingDatabase())) {
+  // Also those of another home.
+  if (clsFileWorks::IsSameFile(path, m_home.WorkingDatabase()) ||
+      ReadSnapshotLevel(path) != SnapshotLevel::None) {
     throw clsError(errnum::PathFileAccess,
                    fmt::format("Can't write the analysis {}: that file holds the snapshots. Choose "
                                "another file.",

@@ -158,6 +158,30 @@ TEST_F(SandrelCli, ExportsValuesAndCopiesFiles) {
   EXPECT_EQ(clsFileWorks::ReadWhole(m_temp.Of("to/New/Deep/b.txt")), "C:\\New\\Deep\\b.txt");
 }
 
+TEST_F(SandrelCli, CopiesOfSeveralDrivesStayApartAndGoOnAfterAFailure) {
+  const std::filesystem::path other = m_temp.Of("other");
+  std::filesystem::create_directory(other);
+  m_sample.MapDrive('d', other.string());
+  Run({"settings", "ScanFolders", "1", "C:"});
+  Run({"settings", "ScanFolders", "2", "D:"});
+  ASSERT_EQ(Run({"before"}).Status, 0);
+  m_sample.WriteFile("C:\\same.txt", "c");
+  m_sample.WriteFile("C:\\stuck.txt", "c");
+  std::ofstream(other / "same.txt") << "d";
+  ASSERT_EQ(Run({"after", File()}).Status, 0);
+  std::filesystem::create_directories(m_temp.Of("to/C/stuck.txt"));
+  const Result copy = Run({"copy", File(), m_temp.Of("to")});
+  EXPECT_EQ(copy.Status, 2);
+  EXPECT_EQ(copy.Out, "2 File(s) were successfully copied.\n1 Error(s) were ignored\n");
+  EXPECT_NE(copy.Err.find("C:\\stuck.txt: Can't replace"), std::string::npos) << copy.Err;
+  EXPECT_EQ(clsFileWorks::ReadWhole(m_temp.Of("to/C/same.txt")), "c");
+  EXPECT_EQ(clsFileWorks::ReadWhole(m_temp.Of("to/D/same.txt")), "d");
+  for (const char* name : {"C:\\same.txt", "C:\\stuck.txt"}) m_sample.Remove(name);
+  std::filesystem::remove(other / "same.txt");
+  const Result none = Run({"copy", File(), m_temp.Of("to")});
+  EXPECT_EQ(std::to_string(none.Status) + none.Err, "2sandrel-cli: No file was copied.\n");
+}
+
 TEST_F(SandrelCli, TellsWhatIsWrongInOneLine) {
   std::ofstream(m_temp.Of("junk.mdb")) << std::string(9000, 'j');
   ExpectFailure({"list", m_temp.Of("junk.mdb")}, 2, "is an invalid or corrupt Sandrel Database.");
@@ -352,7 +376,11 @@ TEST_F(SandrelCli, PrintsAPage) {
   EXPECT_TRUE(before.starts_with("%PDF-"));
   ExpectFailure({"print", File(), pdf}, 1, "Overwrite the existing file?");
   ExpectFailure({"print", File(), pdf, "--yes", "ShowNothing"}, 2, "There is no page");
-  ExpectFailure({"print", File(), File(), "--yes"}, 2, "that file holds the analysis");
+  ExpectFailure({"print", File(), File(), "--yes"}, 2, "that file holds an analysis");
+  ExpectFailure({"export", File(), File(), "--yes"}, 2, "that file holds an analysis");
+  ExpectFailure({"export", File(), Working(), "--yes"}, 2, "that file holds an analysis or snap");
+  ExpectFailure({"after", Working(), "--yes"}, 2, "that file holds the snapshots");
+  EXPECT_TRUE(IsWhole(File()) && IsWhole(Working()));
   ExpectFailure({"print", File(), m_temp.Of(""), "--yes"}, 2, "no regular file");
   ExpectFailure({"print", m_temp.Of("settings.ini"), pdf, "--yes"}, 2, "");
   // A full disk costs neither the old file nor an error's text.

@@ -2,7 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <random>
+#include <vector>
+
 #include "common/clsFileWorks.h"
+#include "common/text.h"
 #include "support/NumberOf.h"
 #include "support/TempFolder.h"
 
@@ -13,7 +18,8 @@ struct Value {
   const char *Branch, *Name, *Text, *Type;
 };
 
-std::string Exported(std::initializer_list<Value> values, std::size_t* lost = nullptr) {
+std::string Exported(std::initializer_list<Value> values,
+                     std::vector<std::string>* leftOut = nullptr) {
   const test::TempFolder temp;
   clsRegExport registry;
   for (const Value& value : values) {
@@ -24,8 +30,9 @@ std::string Exported(std::initializer_list<Value> values, std::size_t* lost = nu
     entry.RegType = GetRegEntryType(value.Type);
   }
   registry.WriteFile(temp.Of("x.reg"));
-  if (lost != nullptr) *lost = registry.Lost();
-  return clsFileWorks::ReadWhole(temp.Of("x.reg"));
+  if (leftOut != nullptr) *leftOut = registry.LeftOut();
+  EXPECT_EQ(clsFileWorks::FileExists(temp.Of("x.reg")), registry.Written() > 0);
+  return registry.Written() > 0 ? clsFileWorks::ReadWhole(temp.Of("x.reg")) : std::string();
 }
 
 // One value's line, of the key "K".
@@ -38,7 +45,10 @@ std::string Line(const char* name, const char* value, const char* type) {
 
 TEST(clsRegExport, WritesEveryType) {
   EXPECT_EQ(Line("", "C:\\Program Files\\Sample", "STRING"), "@=\"C:\\\\Program Files\\\\Sample\"");
-  EXPECT_EQ(Line("a\"b\\", "C:\\a\"b", "string"), "\"a\"b\\\"=\"C:\\\\a\\\"b\"");
+  EXPECT_EQ(clsRegExport::QuoteValueName("a\"b"), "\"a\"b\"");
+  EXPECT_EQ(Line("n", "C:\\a\"b", "string"), "\"n\"=\"C:\\\\a\\\"b\"");
+  EXPECT_EQ(Line("q", "01 02", "QWORD") + Line("t", "0A", "TYPE 0x00012345"),
+            "\"q\"=hex(b):01,02\"t\"=hex(12345):0a");
   EXPECT_EQ(Line("Count", "42", "DWORD"), "\"Count\"=dword:0000002a");
   EXPECT_EQ(Line("n", "-1", "dword"), "\"n\"=dword:ffffffff");
   EXPECT_EQ(Line("n", "305419896", "little_endian"), "\"n\"=dword:12345678");
@@ -63,9 +73,10 @@ TEST(clsRegExport, SortsAndHeads) {
             // Differs from the last branch in case alone, so it has no heading of its own.
             "\"Z\"=dword:00000002\r\n\"a\"=dword:00000001\r\n@=dword:00000003\r\n");
   // By UTF-16 units: U+10000 (D800 DC00) stands before U+FF01.
-  const std::string file =
-      Exported({{"K", "\uFF01", "1", "DWORD"}, {"K", "\U00010000", "2", "DWORD"}});
-  EXPECT_LT(file.find("00000002"), file.find("00000001"));
+  clsRegExport registry;
+  for (const char* name : {"\uFF01", "\U00010000"}) registry.RegEntrys.Add({"K", name, "", 1});
+  registry.SortRegEnteries();
+  EXPECT_EQ(registry.RegEntrys.Items()[0].ValueName, "\U00010000");
 }
 
 TEST(clsRegExport, WrapsBehindTheFirstCommaPastTheLimit) {
@@ -82,21 +93,118 @@ TEST(clsRegExport, WrapsBehindTheFirstCommaPastTheLimit) {
   EXPECT_EQ(clsRegExport::WrapHexText("hex:00,", 71), "hex:00,\\\r\n  ");
 }
 
-TEST(clsRegExport, TellsWhatItCantWrite) {
-  std::size_t lost = 0;
-  const std::string file = Exported(
-      {{"K\u0416", "n", "\u2603", "STRING"}, {"K\u0416", "p", "\u2603", "EXPAND_STRING"}}, &lost);
-  EXPECT_NE(file.find("[K?]\r\n\"n\"=\"?\"\r\n\"p\"=hex(2):3f,00"), std::string::npos);
-  EXPECT_EQ(lost, 3U);
-  const std::string longName(74, 'n');
-  EXPECT_EQ(Line(longName.c_str(), "1", "DWORD"), "\"" + longName + "\"=dword:00000001");
-  const std::pair<Value, std::int32_t> refused[] = {
-      {{"K", longName.c_str(), "00", "BINARY"}, errnum::InvalidArgument},
-      {{"K", "n", "4294967296", "DWORD"}, errnum::Overflow},
-      {{"K", "n", "x", "DWORD"}, errnum::TypeMismatch}};
-  for (const auto& [value, number] : refused) {
-    EXPECT_EQ(test::NumberOf([&] { Exported({value}); }), number) << value.Text;
+// A reader of such files, as strict as an editor's: "key|name" to "type:data".
+std::map<std::string, std::string> ReadBack(std::string file) {
+  std::map<std::string, std::string> values;
+  for (std::size_t at; (at = file.find("\\\r\n  ")) != std::string::npos;) file.erase(at, 5);
+  std::string key;
+  for (std::size_t from = 0, end; (end = file.find("\r\n", from)) != std::string::npos;
+       from = end + 2) {
+    const std::string line = text::FromCp1252(file.substr(from, end - from));
+    if (line.starts_with("[")) key = line.substr(1, line.rfind(']') - 1);
+    if (!line.starts_with("\"") && !line.starts_with("@")) continue;
+    std::size_t i = 0;
+    const auto quoted = [&] {
+      std::string text;
+      for (++i; i < line.size() && line[i] != '"'; ++i) text += line[line[i] == '\\' ? ++i : i];
+      ++i;
+      return text;
+    };
+    std::string name;
+    if (line[0] == '@') {
+      i = 1;
+    } else {
+      name = quoted();
+    }
+    if (i >= line.size() || line[i] != '=') continue;
+    const bool isText = line[++i] == '"';
+    EXPECT_TRUE(values.emplace(key + "|" + name, isText ? "1:" + quoted() : line.substr(i)).second);
   }
+  return values;
+}
+
+// No row makes the file say what no row says, whatever its names and texts hold.
+TEST(clsRegExport, AReaderGetsTheRowsOrTheyAreNamed) {
+  std::mt19937 random(7);
+  const auto below = [&](unsigned most) { return static_cast<unsigned>(random()) % most; };
+  const std::vector<std::string> odd = {
+      "\r\n[EVIL]\r\n", "\"", "\\", "\"=\"", "]", "[", "=", "\r", "\n",
+      "\u2400",         "\t", ",",  ";",     "@", "'"};
+  const auto text = [&] {
+    std::string text;
+    for (unsigned n = below(90); n > 0; --n) {
+      if (below(9) == 0) {
+        text += odd[below(static_cast<unsigned>(odd.size()))];
+      } else if (below(60) == 0) {
+        text += text::FromUtf16Le(
+            std::string{static_cast<char>(random()), static_cast<char>(random())});
+      } else {
+        text.push_back(static_cast<char>('a' + below(26)));
+      }
+    }
+    return below(5) == 0 ? std::string() : text;
+  };
+  const test::TempFolder temp;
+  std::size_t written = 0;
+  for (int round = 0; round < 3000; ++round) {
+    clsRegExport registry;
+    std::map<std::string, std::string> expected;
+    for (unsigned n = 1 + below(3); n > 0; --n) {
+      clsRegEntry entry{"K\\" + text(), std::to_string(n) + text(), text(), below(3) == 0 ? 4 : 1};
+      if (below(3) == 0) entry = {"K\\plain", "plain" + std::to_string(n), text(), 1};
+      const std::string number = std::to_string(below(1000));
+      if (entry.RegType == 4 && below(2) == 0) entry.Value = number;
+      registry.RegEntrys.Add(entry);
+    }
+    const std::vector<clsRegEntry> rows = registry.RegEntrys.Items();
+    registry.WriteFile(temp.Of("x.reg"));
+    EXPECT_EQ(registry.Written() + registry.LeftOut().size(), rows.size());
+    if (registry.Written() == 0) continue;
+    written += registry.Written();
+    std::size_t found = 0;
+    for (const auto& [place, data] : ReadBack(clsFileWorks::ReadWhole(temp.Of("x.reg")))) {
+      for (const clsRegEntry& row : rows) {
+        if (row.Branch + "|" + row.ValueName != place) continue;
+        const std::string form = row.RegType == 4           ? "dword:"
+                                 : data.substr(0, 1) == "1" ? "1:" + row.Value
+                                                            : "hex(1):";
+        found += data.starts_with(form);
+      }
+    }
+    ASSERT_EQ(found, registry.Written()) << clsFileWorks::ReadWhole(temp.Of("x.reg"));
+  }
+  EXPECT_GT(written, 1000U);
+}
+
+TEST(clsRegExport, WhatTheFormatCantCarryIsNamed) {
+  EXPECT_EQ(Line("n", "a\r\n[K]\r\n\"x\"=\"y\"\u2400", "STRING").substr(0, 28),
+            "\"n\"=hex(1):61,0d,0a,5b,4b,5d");
+  const std::string longName(200, 'n');
+  EXPECT_EQ(Line(longName.c_str(), "00 01 02", "BINARY"),
+            "\"" + longName + "\"=hex:00,\\\r\n  01,02");
+  std::vector<std::string> leftOut;
+  const std::string file = Exported({{"K", "fits", "1", "DWORD"},
+                                     {"K", "a\"b", "1", "DWORD"},
+                                     {"K", "C:\\x", "1", "DWORD"},
+                                     {"K", "line\nend", "1", "DWORD"},
+                                     {"K\u0416", "n", "1", "DWORD"},
+                                     {"K", "letters", "\u2603", "STRING"},
+                                     {"K", "list", "D0 96 00 00", "MULTI_STRING"},
+                                     {"K", "large", "4294967296", "DWORD"},
+                                     {"K", "", "x", "BIG_ENDIAN"}},
+                                    &leftOut);
+  EXPECT_EQ(file, "REGEDIT4\r\n\r\n[K]\r\n\"fits\"=dword:00000001\r\n");
+  const std::vector<std::string> named = {
+      "K (Default): 'x' is no number.",
+      "K \"C:\\x\": A name with quotes or backslashes can't stand in a registry file.",
+      "K \"a\"b\": A name with quotes or backslashes can't stand in a registry file.",
+      "K \"large\": 4294967296 is no number of 32 bits.",
+      "K \"letters\": A letter that code page 1252 lacks can't stand in a registry file.",
+      "K \"line\nend\": A name with control characters can't stand in a registry file.",
+      "K \"list\": A letter that code page 1252 lacks can't stand in a registry file.",
+      "K\u0416 \"n\": A letter that code page 1252 lacks can't stand in a registry file."};
+  EXPECT_EQ(leftOut, named);
+  EXPECT_EQ(Exported({{"K", "n", "x", "DWORD"}}), "");
 }
 
 }  // namespace
