@@ -3,7 +3,7 @@
 # The settings that matter to scans, and what is stored: "section<tab>key" a line.
 _sandrel_cli_settings() {
   local key
-  for key in DiskScan VersionInfo SizeInfo AttributeInfo RegScan RemoteRegistry FileExclude; do
+  for key in DiskScan VersionInfo SizeInfo AttributeInfo HiddenFolders RegScan RemoteRegistry FileExclude; do
     printf 'Enabled\t%s\n' "$key"
   done
   for key in CLASSES_ROOT CURRENT_CONFIG CURRENT_USER LOCAL_MACHINE USERS; do

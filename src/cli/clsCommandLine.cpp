@@ -16,9 +16,11 @@
 #include "common/clsError.h"
 #include "common/clsFileWorks.h"
 #include "common/modOverwrite.h"
+#include "common/text.h"
 #include "config/clsHome.h"
 #include "config/clsScanSettings.h"
 #include "config/clsSettings.h"
+#include "config/modSettingCheck.h"
 #include "platform/machine/modMachineReport.h"
 #include "platform/process/clsHostCommands.h"
 #include "snapshot/StatsReport.h"
@@ -74,6 +76,9 @@ class clsCommands {
   std::shared_ptr<clsMachine> OpenMachine();
   std::shared_ptr<clsMachine> OpenScannedMachine();
   void PrintSection(const std::string& section);
+  std::shared_ptr<clsMachine> MachineIfThere();
+  bool MayStore(const std::string& section, const std::string& text);
+  void TellRemote();
   int Print(const std::string& line) const;
   void PrintLeftOut(const char* which, const char* table) const;
 
@@ -200,18 +205,49 @@ void clsCommands::PrintSection(const std::string& section) {
   }
 }
 
+// Settings can be made before there is a machine.
+std::shared_ptr<clsMachine> clsCommands::MachineIfThere() {
+  try {
+    return OpenMachine();
+  } catch (const clsError&) {
+    return nullptr;
+  }
+}
+
+// A folder that isn't there may come.
+bool clsCommands::MayStore(const std::string& section, const std::string& text) {
+  if (!text::EqualNoCase(section, "ScanFolders") || text.empty()) return true;
+  const auto machine = MachineIfThere();
+  return machine == nullptr || machine->FolderExists(text) ||
+         m_shell.Ask(
+             {fmt::format("There is no folder {} on the machine. Scan it all the same?", text),
+              "Sandrel Manager", Buttons::YesNo, BoxIcon::Question}) == Answer::Yes;
+}
+
+void clsCommands::TellRemote() {
+  clsScanSettings settings(m_settings);
+  if (settings.RegScan() && settings.RemoteRegistry() && settings.RemoteName().empty()) {
+    m_shell.Tell(
+        "Remote scanning is on, and RemoteName names no computer: the registry of the "
+        "machine itself is scanned.");
+  }
+}
+
 int clsCommands::Settings() {
   const std::string& section = m_arguments.Section;
   const std::string& key = m_arguments.Key;
   if (m_arguments.HasText) {
     const std::string absent("\x01", 1);
+    CheckSetting(section, key, m_arguments.Text, MachineIfThere().get());
     if (m_settings.GetSetting(section, key, absent) == m_arguments.Text) return exitstatus::Done;
+    if (!MayStore(section, m_arguments.Text)) return m_shell.ExitStatus();
     const auto save = [&] { m_settings.SaveSetting(section, key, m_arguments.Text); };
     if (!IsScanSetting(section, key)) {
       save();
     } else if (!ChangeScanSettings(m_shell, m_settings, m_home, save)) {
       return m_shell.ExitStatus();
     }
+    TellRemote();
   } else if (!key.empty()) {
     fmt::print("{}\n", m_settings.GetSetting(section, key));
   } else if (!section.empty()) {

@@ -48,9 +48,9 @@ inline constexpr std::string_view Name = "Name";
 struct LeftOutItem {
   LeftOut Kind{};
   std::int64_t Hive = 0;    ///< root key as the store has it; 0 for files
-  std::string Path;         ///< Windows path of a folder, with its backslash; or a key's
-  std::string Name;         ///< of the file, key or value in it; may be empty
-  std::string Detail;       ///< the system's reason; may be empty
+  std::string Path{};       ///< Windows path of a folder, with its backslash; or a key's
+  std::string Name{};       ///< of the file, key or value in it; may be empty
+  std::string Detail{};     ///< the system's reason; may be empty
   std::uint64_t Count = 1;  ///< how many the item stands for
 
   /// Of namespace scope.

@@ -9,6 +9,7 @@
 #include "common/clsPathText.h"
 #include "common/text.h"
 #include "config/clsFolderSource.h"
+#include "config/modSettingCheck.h"
 #include "platform/machine/modWildcard.h"
 
 namespace sandrel {
@@ -45,6 +46,7 @@ void clsConfigModel::LoadOptions() {
   VersionInfo = settings.VersionInfo();
   SizeInfo = settings.SizeInfo();
   AttributeInfo = settings.AttributeInfo();
+  HiddenFolders = settings.HiddenFolders();
   RegScan = settings.RegScan();
   RemoteRegistry = settings.RemoteRegistry();
   FileExclude = settings.FileExclude();
@@ -56,8 +58,11 @@ void clsConfigModel::LoadExcludes() {
   clsScanSettings settings(m_settings);
   Excludes = settings.List("ExcludeFiles");
   if (!Excludes.empty() || m_machine == nullptr) return;
-  Excludes = DefaultExcludes(*m_machine, m_appPath, settings);
-  if (!Excludes.empty()) {
+  bool complete = false;
+  Excludes = DefaultExcludes(*m_machine, m_appPath, settings, &complete);
+  // A list without what can't be known now would stay without it.
+  if (!complete) m_incompleteDefaults = Excludes;
+  if (complete && !Excludes.empty()) {
     m_settings.Together([this] { SaveList("ExcludeFiles", Excludes); });
   }
 }
@@ -72,13 +77,14 @@ void clsConfigModel::Save() {
     enable("VersionInfo", VersionInfo);
     enable("SizeInfo", SizeInfo);
     enable("AttributeInfo", AttributeInfo);
+    enable("HiddenFolders", HiddenFolders);
     enable("RegScan", RegScan);
     for (const ScanHive& hive : ShownHives()) {
       m_settings.SaveSetting("RegScan", hive.Name, text::BooleanText(IsScanned(hive.Name)));
     }
     enable("RemoteRegistry", RemoteRegistry);
     m_settings.SaveSetting("RegScan", "RemoteName", text::Trim(RemoteName));
-    SaveList("ExcludeFiles", Excludes);
+    if (Excludes != m_incompleteDefaults) SaveList("ExcludeFiles", Excludes);
     enable("FileExclude", FileExclude);
   });
 }
@@ -110,9 +116,30 @@ bool clsConfigModel::AddFolder(std::string_view folder) {
   const auto walked = [this](const std::string& above, const std::string& below) {
     return IsWalked(above, below);
   };
-  if (path.empty() || !MayAdd(Folders, path, "scanning", walked)) return false;
+  if (path.empty() || !IsUsable([&] { CheckScanFolder(path, m_machine.get()); }) ||
+      !MayAdd(Folders, path, "scanning", walked)) {
+    return false;
+  }
+  if (m_machine != nullptr && !m_machine->FolderExists(path) && !AddsMissing(path)) return false;
   Folders.push_back(std::move(path));
   return true;
+}
+
+// What no scan could work with is told at once.
+bool clsConfigModel::IsUsable(const std::function<void()>& check) {
+  try {
+    check();
+    return true;
+  } catch (const clsError& error) {
+    m_shell.Ask({error.Description(), ManagerTitle, Buttons::Ok, BoxIcon::Exclamation});
+    return false;
+  }
+}
+
+// It may come.
+bool clsConfigModel::AddsMissing(const std::string& path) {
+  return m_shell.Ask({path + "\n\nIs not a valid file specification or folder...\n\n Add anyway?",
+                      ManagerTitle, Buttons::YesNo, BoxIcon::Question}) == Answer::Yes;
 }
 
 bool clsConfigModel::AddExcludeFolder(std::string_view folder) {
@@ -144,7 +171,8 @@ bool clsConfigModel::MayAdd(
 }
 
 // Whether a walk that begins in the folder `from` gets to the folder `to` below it. It enters no
-// hidden or system folders and no linked ones, so these can be scanned beside what they lie in.
+// linked folders, and no hidden or system ones unless it is to, so these can be scanned beside what
+// they lie in.
 // Folders that can't be looked at count as walked.
 bool clsConfigModel::IsWalked(const std::string& from, const std::string& to) {
   if (m_machine == nullptr) return true;
@@ -152,7 +180,7 @@ bool clsConfigModel::IsWalked(const std::string& from, const std::string& to) {
     std::size_t start = from.size();
     for (std::size_t end; (end = to.find('\\', start)) != std::string::npos; start = end + 1) {
       const std::string_view name = std::string_view(to).substr(start, end - start);
-      clsDirSearch search = m_machine->Dir(to.substr(0, start), fileattr::Directory);
+      clsDirSearch search = m_machine->Dir(to.substr(0, start), SubfolderMask(HiddenFolders));
       bool entered = false;
       for (std::string each; !entered && search.Next(each);) {
         entered = search.IsFolder() && text::EqualNoCase(each, name);
@@ -167,14 +195,10 @@ bool clsConfigModel::IsWalked(const std::string& from, const std::string& to) {
 
 bool clsConfigModel::AddExclude(std::string_view entry) {
   std::string path = PathOf(entry);
-  if (path.empty()) return false;
+  if (path.empty() || !IsUsable([&] { CheckExclusion(path); })) return false;
   // Without the backslash it would stand for a file of that name and exclude nothing.
   if (m_machine != nullptr && m_machine->FolderExists(path)) path = Branch(path);
-  if (!IsThere(path) &&
-      m_shell.Ask({path + "\n\nIs not a valid file specification or folder...\n\n Add anyway?",
-                   ManagerTitle, Buttons::YesNo, BoxIcon::Question}) != Answer::Yes) {
-    return false;
-  }
+  if (!IsThere(path) && !AddsMissing(path)) return false;
   Excludes.push_back(std::move(path));
   return true;
 }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,12 +28,14 @@ class clsConfigModel {
   std::vector<std::string> Folders;
   std::vector<std::string> Excludes;
   bool DiskScan = true, VersionInfo = false, SizeInfo = true, AttributeInfo = true;
+  bool HiddenFolders = true;
   bool RegScan = true, RemoteRegistry = false;
   bool FileExclude = true;
   std::string RemoteName;
 
   /// Read the settings. A list that is empty gets its default entries, which are stored at once:
-  /// the machine's first drive, and the exclusions that are in force without a list.
+  /// the machine's first drive, and the exclusions that are in force without a list, unless some of
+  /// them can't be known now.
   void LoadFolders();
   void LoadOptions();
   void LoadExcludes();
@@ -65,12 +68,15 @@ class clsConfigModel {
       const std::function<bool(const std::string& above, const std::string& below)>& covers);
   bool IsWalked(const std::string& from, const std::string& to);
   bool IsThere(const std::string& entry);
+  bool IsUsable(const std::function<void()>& check);
+  bool AddsMissing(const std::string& path);
   void SaveList(const char* section, const std::vector<std::string>& entries);
 
   clsShell& m_shell;
   clsSettings& m_settings;
   std::shared_ptr<clsMachine> m_machine;
   std::string m_appPath;
+  std::optional<std::vector<std::string>> m_incompleteDefaults;  // are not stored
   std::map<std::string, bool> m_scanned;  // by the hive's name, those of a remote computer's too
 };
 

@@ -21,6 +21,7 @@ constexpr Switch Switches[] = {
     {"VersionInfo", &clsScanSettings::VersionInfo, "Version info"},
     {"SizeInfo", &clsScanSettings::SizeInfo, "Size info"},
     {"AttributeInfo", &clsScanSettings::AttributeInfo, "Attribute info"},
+    {"HiddenFolders", &clsScanSettings::HiddenFolders, "Hidden folders"},
     {"RegScan", &clsScanSettings::RegScan, "The registry"},
     {"RemoteRegistry", &clsScanSettings::RemoteRegistry, "The remote registry"},
     {"FileExclude", &clsScanSettings::FileExclude, "File exclusions"},

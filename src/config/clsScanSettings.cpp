@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "common/clsError.h"
 #include "common/clsPathText.h"
 #include "common/text.h"
@@ -53,15 +55,39 @@ clsRegistry* RegistryIfNeeded(clsMachine& machine, clsScanSettings& settings) {
   }
 }
 
+namespace {
+
+std::vector<std::string> ScannedDrives(const clsMachine& machine, clsScanSettings& settings) {
+  std::vector<std::string> drives;
+  std::vector<std::string> folders = settings.List("ScanFolders");
+  if (folders.empty()) folders.push_back(machine.CurrentDrive());
+  for (const std::string& folder : folders) {
+    std::string drive = text::Upper(folder.substr(0, 2));
+    if (drive.ends_with(':') && std::find(drives.begin(), drives.end(), drive) == drives.end()) {
+      drives.push_back(std::move(drive));
+    }
+  }
+  return drives;
+}
+
+}  // namespace
+
 std::vector<std::string> DefaultExcludes(clsMachine& machine, const std::string& appPath,
-                                         clsScanSettings& settings) {
+                                         clsScanSettings& settings, bool* complete) {
   std::vector<std::string> entries;
   const auto addFolder = [&](const std::string& folder) {
     entries.push_back(clsPathText::AddSeparator(folder));
   };
   if (const auto own = machine.WindowsPath(appPath)) addFolder(*own);
-  // The others are told by the machine's registry.
-  if (RegistryIfNeeded(machine, settings) == nullptr) return entries;
+  for (const std::string& drive : ScannedDrives(machine, settings)) {
+    for (const char* folder : {"$Recycle.Bin", "RECYCLER", "System Volume Information"}) {
+      const std::string path = drive + "\\" + folder;
+      if (machine.FolderExists(path)) addFolder(path);
+    }
+  }
+  clsRegistry* const registry = RegistryIfNeeded(machine, settings);
+  if (complete != nullptr) *complete = registry != nullptr;
+  if (registry == nullptr) return entries;
   const std::string temp = machine.Environ("temp");
   const std::string tmp = machine.Environ("tmp");
   if (!temp.empty()) addFolder(temp);

@@ -30,6 +30,7 @@ class clsScanSettings {
   bool VersionInfo() { return IsOn("VersionInfo", "0"); }
   bool SizeInfo() { return IsOn("SizeInfo", "1"); }
   bool AttributeInfo() { return IsOn("AttributeInfo", "1"); }
+  bool HiddenFolders() { return IsOn("HiddenFolders", "1"); }
   bool RegScan() { return IsOn("RegScan", "1"); }
   /// True when the registry of the machine itself is scanned: then its hives must be readable.
   bool ScansLocalRegistry() { return RegScan() && RemoteName().empty(); }
@@ -53,10 +54,12 @@ class clsScanSettings {
 };
 
 /// The exclusions in force while the user has no list: Sandrel's own folder `appPath` (a host path,
-/// where a drive of the machine holds it), the machine's temporary folders and its swap file.
-/// Folders end in a backslash.
+/// where a drive of the machine holds it), what each scanned drive keeps of deleted files and for
+/// itself, the machine's temporary folders and its swap file. Folders end in a backslash.
+/// `complete`, when given, tells whether all could be known: the temporary folders are told by the
+/// registry.
 std::vector<std::string> DefaultExcludes(clsMachine& machine, const std::string& appPath,
-                                         clsScanSettings& settings);
+                                         clsScanSettings& settings, bool* complete = nullptr);
 
 /// The machine's registry; null when it can't be read and needn't be, as it isn't scanned.
 /// Otherwise raises errnum::Hive.

@@ -134,6 +134,7 @@ void frmConfig::ShowModel() {
        {std::pair(chkEnableDiskScan, m_model.DiskScan),
         std::pair(chkVersionInfo, m_model.VersionInfo), std::pair(chkSizeInfo, m_model.SizeInfo),
         std::pair(chkAttribInfo, m_model.AttributeInfo),
+        std::pair(chkHiddenFolders, m_model.HiddenFolders),
         std::pair(chkEnableRegScan, m_model.RegScan), std::pair(chkRemote, m_model.RemoteRegistry),
         std::pair(chkFileExclude, m_model.FileExclude)}) {
     box->setChecked(on);
@@ -171,8 +172,9 @@ void frmConfig::ShowHives() {
 }
 
 void frmConfig::chkEnableDiskScan_Click() {
-  const std::initializer_list<QWidget*> controls = {lstDrives,      chkAttribInfo, chkSizeInfo,
-                                                    chkVersionInfo, cmdAddFolder,  cmdRemoveFolder};
+  const std::initializer_list<QWidget*> controls = {lstDrives,      chkAttribInfo,    chkSizeInfo,
+                                                    chkVersionInfo, chkHiddenFolders, cmdAddFolder,
+                                                    cmdRemoveFolder};
   for (QWidget* const control : controls) control->setEnabled(m_model.DiskScan);
 }
 

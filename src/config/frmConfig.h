@@ -84,7 +84,7 @@ class frmConfig final : public QDialog {
   QLineEdit* txtDSZoom;
   QPushButton *cmdDSAdd, *cmdAddFolder, *cmdRemoveFolder;
   QGroupBox* fraInclude;
-  QCheckBox *chkVersionInfo, *chkSizeInfo, *chkAttribInfo;
+  QCheckBox *chkVersionInfo, *chkSizeInfo, *chkAttribInfo, *chkHiddenFolders;
   QCheckBox* chkEnableRegScan;
   QListWidget* lstRegHives;
   QPushButton *cmdSelectAll, *cmdSelectNone;

@@ -83,8 +83,13 @@ QWidget* frmConfig::DiskScanPage() {
   chkSizeInfo = NewCheckBox("chkSizeInfo", "&Size Info", &clsConfigModel::SizeInfo, fraInclude);
   chkAttribInfo =
       NewCheckBox("chkAttribInfo", "&Attribute Info", &clsConfigModel::AttributeInfo, fraInclude);
+  chkHiddenFolders = NewCheckBox("chkHiddenFolders", "&Hidden Folders",
+                                 &clsConfigModel::HiddenFolders, fraInclude);
+  chkHiddenFolders->setToolTip("Enter folders with the hidden or system attribute");
   auto* const details = new QHBoxLayout(fraInclude);
-  for (QCheckBox* const box : {chkVersionInfo, chkSizeInfo, chkAttribInfo}) details->addWidget(box);
+  for (QCheckBox* const box : {chkVersionInfo, chkSizeInfo, chkAttribInfo, chkHiddenFolders}) {
+    details->addWidget(box);
+  }
   details->addStretch();
 
   auto* const grid = new QGridLayout(page);

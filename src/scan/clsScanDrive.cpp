@@ -249,7 +249,8 @@ void clsScanDrive::CountFolder() {
 
 std::vector<std::string> clsScanDrive::Subfolders(const std::string& folder) {
   std::vector<std::string> found;
-  clsDirSearch search = m_context.Machine.Dir(folder, fileattr::Directory);
+  const bool hidden = clsScanSettings(m_context.Settings).HiddenFolders();
+  clsDirSearch search = m_context.Machine.Dir(folder, SubfolderMask(hidden));
   std::string name;
   while (search.Next(name)) {
     if (!search.IsFolder()) continue;

@@ -69,10 +69,6 @@ class clsScanDrive {
   /// Raises 5, naming the exclusion, where `DeleteExcludes` would over the folders that there are.
   static void CheckExcludes(clsSettingsSource& settings, const clsMachine& machine);
 
-  /// The program's own match of a file's name against a pattern with "?" and "*"; raises 5 for a
-  /// base or an extension of the pattern that begins with "*".
-  static bool MatchFileName(std::string_view name, std::string_view pattern);
-
  private:
   struct Details {
     bool Version, Size, Attributes;

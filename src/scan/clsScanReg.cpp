@@ -8,14 +8,16 @@ namespace sandrel {
 namespace {
 
 constexpr int KeysPerCommit = 10001;
-constexpr std::size_t LongestField = 255;  // UTF-16 units of a key's path and of a value's name
+// UTF-16 units.
+constexpr std::size_t LongestKey = 32767;  // a key's path
+constexpr std::size_t LongestValueName = 16383;
 
 std::string ChildOf(const std::string& branch, const std::string& name) {
   return branch.empty() ? name : branch + "\\" + name;
 }
 
-bool Fits(std::string_view text) {
-  return text.size() <= LongestField || text::Length(text) <= LongestField;
+bool Fits(std::string_view text, std::size_t longest) {
+  return text.size() <= longest || text::Length(text) <= longest;
 }
 
 // Calls `visit` with the path of every subkey that can be stored, and `leaveOut` with the names of
@@ -28,7 +30,7 @@ void EachSubkey(clsRegistry& registry, const clsRegistry::Handle& key, const std
     const std::int32_t status = registry.RegEnumKey(key, i, name);
     if (status != regstatus::Success && status != regstatus::MoreData) return;
     const std::string child = status == regstatus::Success ? ChildOf(branch, name) : std::string();
-    if (status == regstatus::Success && Fits(child)) {
+    if (status == regstatus::Success && Fits(child, LongestKey)) {
       visit(child);
     } else {
       leaveOut(name);
@@ -183,7 +185,7 @@ void clsScanReg::DoValues(clsRegistry& registry, const clsRegistry::Handle& key,
   RaiseAs("clsScanReg.DoValues", [&] {
     for (std::size_t i = 0; registry.RegEnumValue(key, i, m_element.Name) == regstatus::Success;
          ++i) {
-      if (!Fits(m_element.Name)) {
+      if (!Fits(m_element.Name, LongestValueName)) {
         LeaveOut(LeftOut::LongValueName, branch, m_element.Name);
         continue;
       }

@@ -50,6 +50,7 @@ void clsReport::Folders() {
   Row("    Version Info Included", YesNo(m_settings.VersionInfo()));
   Row("    Size Info Included", YesNo(m_settings.SizeInfo()));
   Row("    Attribute Info Included", YesNo(m_settings.AttributeInfo()));
+  Row("    Hidden Folders Included", YesNo(m_settings.HiddenFolders()));
 }
 
 void clsReport::Hives() {

@@ -3,11 +3,11 @@
 #include <fmt/format.h>
 
 #include <optional>
-#include <span>
 #include <vector>
 
 #include "common/clsError.h"
 #include "platform/registry/clsRegistry.h"
+#include "store/modValueTypes.h"
 
 namespace sandrel {
 namespace {
@@ -26,20 +26,6 @@ constexpr Lookup Hives[] = {
     {static_cast<std::int32_t>(hkey::LocalMachine), "HKEY_LOCAL_MACHINE"},
     {static_cast<std::int32_t>(hkey::Users), "HKEY_USERS"},
     {static_cast<std::int32_t>(hkey::CurrentConfig), "HKEY_CURRENT_CONFIG"},
-};
-
-constexpr Lookup ValueTypes[] = {
-    {0, "NONE"},
-    {1, "STRING"},
-    {2, "EXPAND_STRING"},
-    {3, "BINARY"},
-    {4, "DWORD"},
-    {5, "BIG_ENDIAN"},
-    {6, "LINK"},
-    {7, "MULTI_STRING"},
-    {8, "RESOURCE_LIST"},
-    {9, "FULL_RESOURCE_DESCRIPTOR"},
-    {10, "RESOURCE_REQUIREMENTS_LIST"},
 };
 
 }  // namespace
@@ -65,26 +51,25 @@ void clsComparison::Write(const std::function<void(dao::Recordset& stats)>& repo
   }
   Phase("", "");
   if (!m_shell.State.Scanning) return;
+  m_run([&] { InTransaction(*m_targets, [&] { AddValueTypes(Need(m_target), m_types); }); });
   m_run([&] { InTransaction(*m_targets, [&] { report(Need(m_stats)); }); });
 }
 
 void clsComparison::FillLookups() {
   clsTableMaint maint;
-  const auto fill = [&](const char* table, const char* field, std::span<const Lookup> rows) {
-    const auto records = Need(m_target).OpenRecordset(table, dao::RecordsetType::Table);
+  m_run([&] { maint.CreateHiveLookupTable(m_path, "tblHives"); });
+  m_run([&] {
+    const auto records = Need(m_target).OpenRecordset("tblHives", dao::RecordsetType::Table);
     InTransaction(*m_targets, [&] {
-      for (const Lookup& row : rows) {
+      for (const Lookup& row : Hives) {
         records->AddNew();
-        records->Set(field, row.Number);
+        records->Set("Hive", row.Number);
         records->Set("Name", row.Name);
         records->Update();
       }
     });
-  };
-  m_run([&] { maint.CreateHiveLookupTable(m_path, "tblHives"); });
-  m_run([&] { fill("tblHives", "Hive", Hives); });
+  });
   m_run([&] { maint.CreateValueTypeTable(m_path, "tblValueTypes"); });
-  m_run([&] { fill("tblValueTypes", "ValueType", ValueTypes); });
 }
 
 void clsComparison::Compare(const Difference& difference, const clsCoverage& coverage) {
@@ -115,7 +100,11 @@ clsComparison::Copied clsComparison::CopyRecords(const Difference& difference,
   Copied copied;
   if (source.Bof() && source.Eof()) return copied;
   std::vector<std::size_t> numbers;  // of the source's fields in the target
-  for (const dao::Field& field : source.Fields()) numbers.push_back(target.FieldNumber(field.Name));
+  std::vector<std::size_t> types;
+  for (const dao::Field& field : source.Fields()) {
+    if (field.Name.ends_with("ValueType")) types.push_back(numbers.size());
+    numbers.push_back(target.FieldNumber(field.Name));
+  }
   for (source.MoveFirst(); !source.Eof(); source.MoveNext()) {
     m_shell.DoEvents();
     if (coverage.IsOwn(difference, source)) continue;
@@ -124,6 +113,7 @@ clsComparison::Copied clsComparison::CopyRecords(const Difference& difference,
       continue;
     }
     ++copied.Told;
+    for (const std::size_t type : types) m_types.insert(source.Get(type).Integer());
     target.AddNew();
     for (std::size_t i = 0; i < numbers.size(); ++i) target.Set(numbers[i], source.Get(i));
     try {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -61,6 +62,7 @@ class clsComparison {
   std::unique_ptr<dao::Database> m_source, m_target;
   std::unique_ptr<dao::Recordset> m_stats;
   LeftOutReport m_leftOut;
+  std::set<std::int64_t> m_types;  // of the registry values among the differences
 };
 
 }  // namespace sandrel

@@ -11,6 +11,7 @@
 #include "platform/registry/clsRegistry.h"
 #include "scan/clsScanDrive.h"
 #include "scan/clsScanReg.h"
+#include "store/modValueTypes.h"
 
 namespace sandrel {
 namespace {
@@ -49,12 +50,17 @@ std::string clsSetupRecords::DatabasePath() const {
 }
 
 // The counts are those of the machine itself.
-bool clsSetupRecords::IsRemote() {
-  return clsScanSettings(m_settings).RemoteRegistry();
+void clsSetupRecords::NeedLocal() {
+  if (!clsScanSettings(m_settings).RemoteRegistry()) return;
+  throw clsError(
+      errnum::InvalidOperation,
+      "The records of shared DLLs are those of the machine itself, and a remote registry "
+      "is scanned. Turn that off first (section Enabled, key RemoteRegistry).",
+      "clsSetupRecords.NeedLocal");
 }
 
 void clsSetupRecords::ProcessSetupFiles(bool After) {
-  if (IsRemote()) return;
+  NeedLocal();
   clsLeftOut ignored;
   clsScanContext context{m_machine, m_settings, ignored, m_home.Path(), {}};
   clsScanReg registry(context);
@@ -83,7 +89,7 @@ void clsSetupRecords::ProcessSetupFiles(bool After) {
 }
 
 void clsSetupRecords::UpdateSetupTables() {
-  if (IsRemote()) return;
+  NeedLocal();
   clsStatements run(m_shell, "frmSandrel.AfterSnapshot");
   run.Command(
       [&] {
@@ -125,7 +131,7 @@ void clsSetupRecords::ApplyTable(clsStatements& run, dao::Database& analysis, da
   for (; !records->Eof(); records->MoveNext()) {
     run([&] {
       try {
-        ApplyRecord(*target, *records);
+        ApplyRecord(analysis, *target, *records);
       } catch (const clsError&) {
         target->CancelUpdate();
         throw;
@@ -135,7 +141,8 @@ void clsSetupRecords::ApplyTable(clsStatements& run, dao::Database& analysis, da
 }
 
 // The search takes the record's texts as they are stored, macros included.
-void clsSetupRecords::ApplyRecord(dao::Recordset& target, dao::Recordset& record) {
+void clsSetupRecords::ApplyRecord(dao::Database& analysis, dao::Recordset& target,
+                                  dao::Recordset& record) {
   target.Seek("=", {record.Get("Hive"), record.Get("Branch"), record.Get("ValueName")});
   if (target.NoMatch()) {
     target.AddNew();
@@ -158,6 +165,7 @@ void clsSetupRecords::ApplyRecord(dao::Recordset& target, dao::Recordset& record
     // Its macros spell a row that the scans found, or that was added before.
     target.CancelUpdate();
   }
+  AddValueTypes(analysis, {record.Get("ValueType").Integer()});
 }
 
 std::string clsSetupRecords::ExpandSetupMacros(std::string& Text) {

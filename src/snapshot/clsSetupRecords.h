@@ -22,12 +22,13 @@ class clsSetupRecords {
   clsSetupRecords(clsShell& shell, clsSettings& settings, const clsHome& home, clsMachine& machine);
 
   /// Notes the usage counts of the listed DLLs, before (`After` false) or after an installation.
-  /// Nothing while the registry of another computer is scanned. Raises 3024 when there is no
-  /// "setupdll.mdb".
+  /// Raises 3024 when there is no "setupdll.mdb", and 3219 while the registry of another computer
+  /// is scanned.
   void ProcessSetupFiles(bool After);
 
   /// Adds the records of the DLLs whose count moved between 1 and 2 to the open analysis: those
-  /// that came to its new, those that went to its deleted values. Errors are reported.
+  /// that came to its new, those that went to its deleted values. Errors are reported, but for the
+  /// 3219 of `ProcessSetupFiles`, which is raised.
   void UpdateSetupTables();
 
   /// Replaces $(windir) and $(winsysdir), in any case, by the machine's folders; what another
@@ -41,10 +42,10 @@ class clsSetupRecords {
   std::string DatabasePath() const;
 
  private:
-  bool IsRemote();
+  void NeedLocal();
   void ApplyTable(clsStatements& run, dao::Database& analysis, dao::Database& setup,
                   const std::string& table);
-  void ApplyRecord(dao::Recordset& target, dao::Recordset& record);
+  void ApplyRecord(dao::Database& analysis, dao::Recordset& target, dao::Recordset& record);
 
   clsShell& m_shell;
   clsSettings& m_settings;

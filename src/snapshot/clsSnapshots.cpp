@@ -219,7 +219,7 @@ bool clsSnapshots::SameMachine(const clsSnapshotRecord& record) {
 // deleted.
 bool clsSnapshots::SameDefinition(const clsSnapshotRecord& record) {
   const clsScanDefinition now = clsScanDefinition::Of(m_settings);
-  m_definition = record.Definition.IsEmpty() ? now : record.Definition;
+  m_definition = record.Definition;
   const std::vector<std::string> differences = m_definition.Differences(now);
   if (differences.empty()) return true;
   constexpr std::size_t MostTold = 12;
@@ -251,6 +251,15 @@ bool clsSnapshots::MayOverwriteAfter() {
                       ManagerTitle, Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
 }
 
+// Without it nobody knows what the Before snapshot looked at: what it didn't would count as new.
+void clsSnapshots::NeedDefinition(const clsSnapshotRecord& record) const {
+  if (GetSnapshotLevel() == SnapshotLevel::None || !record.Definition.IsEmpty()) return;
+  throw clsError(errnum::InvalidOperation,
+                 "The 'Before' snapshot was taken by an earlier version of Sandrel, and nothing "
+                 "can be compared with it. Take a new one.",
+                 "clsSnapshots.NeedDefinition");
+}
+
 bool clsSnapshots::After(clsStatements& run, Lock& lock) {
   AppState& state = m_shell.State;
   run([&] { m_shell.SetProgress(0); });
@@ -258,7 +267,10 @@ bool clsSnapshots::After(clsStatements& run, Lock& lock) {
   if (!NeedMachine(run) || !run([&] { lock.emplace(m_home); })) return false;
   const clsSnapshotRecord record = Record();
   bool goOn = false;
-  run([&] { goOn = MayOverwriteAfter() && SameMachine(record) && SameDefinition(record); });
+  run([&] {
+    NeedDefinition(record);
+    goOn = MayOverwriteAfter() && SameMachine(record) && SameDefinition(record);
+  });
   if (!goOn) return false;
   BeginScan(run);
   clsTableMaint maint;
@@ -268,10 +280,7 @@ bool clsSnapshots::After(clsStatements& run, Lock& lock) {
       [&](const std::string& database) {
         maint.CreateTempIniValueTable(database, "tblIniValues2");
       },
-      [&](const std::string& database) { maint.CreateTempLeftOutTable(database, "tblLeftOut2"); },
-      [&](const std::string& database) {
-        clsLeftOutTable(database, "tblLeftOut").CreateMissing();
-      }};
+      [&](const std::string& database) { maint.CreateTempLeftOutTable(database, "tblLeftOut2"); }};
   bool complete = false;
   if (BeginDatabase(run, m_home.WorkingDatabase(), creators)) {
     const Tables tables{"tblFiles2", "tblFiles", "tblRegValue2", "tblIniValues2", "tblLeftOut2"};

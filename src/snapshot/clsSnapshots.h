@@ -91,6 +91,7 @@ class clsSnapshots {
   bool NeedMachine(clsStatements& run);
   bool MayOverwriteBefore();
   bool MayOverwriteAfter();
+  void NeedDefinition(const clsSnapshotRecord& record) const;
   bool SameMachine(const clsSnapshotRecord& record);
   bool SameDefinition(const clsSnapshotRecord& record);
   SnapshotResult Before(clsStatements& run, Lock& lock);

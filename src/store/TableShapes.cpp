@@ -9,6 +9,10 @@ using dao::Field;
 using dao::FieldType;
 using dao::Index;
 
+// UTF-16 units, as the platform allows.
+constexpr int LongestPath = 32767;
+constexpr int LongestValueName = 16383;
+
 Field Id(const char* name) {
   return {name, FieldType::Long, 0, true, false, dao::AutoIncrement};
 }
@@ -44,7 +48,7 @@ Index Unique(const char* name) {
 }  // namespace
 
 const TableShape& Paths() {
-  static const TableShape shape{{Id("Id"), Text("PathName", 255, Empty::Refused, true)},
+  static const TableShape shape{{Id("Id"), Text("PathName", LongestPath, Empty::Refused, true)},
                                 {Primary({"PathName"}), Unique("Id")}};
   return shape;
 }
@@ -58,15 +62,17 @@ const TableShape& Files() {
 }
 
 const TableShape& RegKeys() {
-  static const TableShape shape{{Long("Hive"), Text("Branch", 255, Empty::Allowed), Id("Id")},
-                                {Primary({"Hive", "Branch"}), Unique("Id")}};
+  static const TableShape shape{
+      {Long("Hive"), Text("Branch", LongestPath, Empty::Allowed), Id("Id")},
+      {Primary({"Hive", "Branch"}), Unique("Id")}};
   return shape;
 }
 
 const TableShape& RegValues() {
-  static const TableShape shape{{Long("KeyId", true), Text("ValueName", 255, Empty::Allowed),
-                                 Memo("Value"), Long("ValueType")},
-                                {Clustered({"KeyId", "ValueName"})}};
+  static const TableShape shape{
+      {Long("KeyId", true), Text("ValueName", LongestValueName, Empty::Allowed), Memo("Value"),
+       Long("ValueType")},
+      {Clustered({"KeyId", "ValueName"})}};
   return shape;
 }
 
@@ -100,7 +106,7 @@ const TableShape& Settings() {
 
 const TableShape& NewOrOldFiles() {
   static const TableShape shape{
-      {Text("PathName", 255, Empty::Refused), Text("FileName", 255, Empty::Allowed),
+      {Text("PathName", LongestPath, Empty::Refused), Text("FileName", 255, Empty::Allowed),
        Text("Version", 20, Empty::Allowed), Long("Size"), Integer("Attributes"), Date("Date")},
       {Primary({"PathName", "FileName"})}};
   return shape;
@@ -108,7 +114,7 @@ const TableShape& NewOrOldFiles() {
 
 const TableShape& ChangedFiles() {
   static const TableShape shape{
-      {Text("PathName", 255, Empty::Refused), Text("FileName", 255, Empty::Allowed),
+      {Text("PathName", LongestPath, Empty::Refused), Text("FileName", 255, Empty::Allowed),
        Date("OldDate"), Text("OldVersion", 20, Empty::Allowed), Long("OldSize"),
        Integer("OldAttributes"), Date("NewDate"), Text("NewVersion", 20, Empty::Allowed),
        Long("NewSize"), Integer("NewAttributes")},
@@ -118,16 +124,17 @@ const TableShape& ChangedFiles() {
 
 const TableShape& NewOrOldRegEntries() {
   static const TableShape shape{
-      {Long("Hive"), Text("Branch", 255, Empty::Allowed), Text("ValueName", 255, Empty::Allowed),
-       Memo("Value"), Long("ValueType")},
+      {Long("Hive"), Text("Branch", LongestPath, Empty::Allowed),
+       Text("ValueName", LongestValueName, Empty::Allowed), Memo("Value"), Long("ValueType")},
       {Primary({"Hive", "Branch", "ValueName"})}};
   return shape;
 }
 
 const TableShape& ChangedRegEntries() {
   static const TableShape shape{
-      {Long("Hive"), Text("Branch", 255, Empty::Allowed), Text("ValueName", 255, Empty::Allowed),
-       Memo("OldValue"), Memo("NewValue"), Long("OldValueType"), Long("NewValueType")},
+      {Long("Hive"), Text("Branch", LongestPath, Empty::Allowed),
+       Text("ValueName", LongestValueName, Empty::Allowed), Memo("OldValue"), Memo("NewValue"),
+       Long("OldValueType"), Long("NewValueType")},
       {Primary({"Hive", "Branch", "ValueName"})}};
   return shape;
 }
@@ -135,7 +142,7 @@ const TableShape& ChangedRegEntries() {
 const TableShape& NewOrOldIniEntries() {
   // The only table without a primary key: a parameter may repeat.
   static const TableShape shape{
-      {Text("PathName", 255, Empty::Refused), Text("FileName", 255, Empty::Allowed),
+      {Text("PathName", LongestPath, Empty::Refused), Text("FileName", 255, Empty::Allowed),
        Text("Section", 255, Empty::Allowed), Text("Parameter", 255, Empty::Allowed), Memo("Value")},
       {{"PathByFileBySectionByParam",
         {"PathName", "FileName", "Section", "Parameter"},
@@ -146,7 +153,7 @@ const TableShape& NewOrOldIniEntries() {
 
 const TableShape& ChangedIniEntries() {
   static const TableShape shape{
-      {Text("PathName", 255, Empty::Refused), Text("FileName", 255, Empty::Allowed),
+      {Text("PathName", LongestPath, Empty::Refused), Text("FileName", 255, Empty::Allowed),
        Text("Section", 255, Empty::Allowed), Text("Parameter", 255, Empty::Allowed),
        Memo("OldValue"), Memo("NewValue")},
       {Primary({"PathName", "FileName", "Section", "Parameter"})}};

@@ -217,14 +217,27 @@ TEST_F(SandrelCli, TellsWhatIsWrongInOneLine) {
 TEST_F(SandrelCli, SettingsAskBeforeTheyClearSnapshots) {
   ASSERT_EQ(Run({"before"}).Status, 0);
   EXPECT_EQ(Run({"settings", "scanfolders", "1"}).Out, "C:\n");
-  ExpectFailure({"settings", "ScanFolders", "2", "D:\\"}, 1,
+  ExpectFailure({"settings", "ScanFolders", "2", "C:\\windows"}, 1,
                 "Your 'Before' snapshot will become invalid");
+  ExpectFailure({"settings", "ScanFolders", "2", "D:\\"}, 2, "on a drive that the machine lacks");
+  ExpectFailure({"settings", "ScanFolders", "2", "C:\\none"}, 1, "There is no folder C:\\none");
+  ExpectFailure({"settings", "ExcludeFiles", "1", "C:\\windows\\*"}, 2, "begins with '*'");
+  ExpectFailure({"settings", "ExcludeFiles", "x", "C:\\a"}, 2, "\"x\" is no number of an entry");
+  ExpectFailure({"settings", "Enabled", "DiskScan", "7"}, 2, "it is 0 or 1");
+  ExpectFailure({"settings", "Enabled", "Diskscam", "1"}, 2, "they are DiskScan, ");
+  ExpectFailure({"settings", "RegScan", "HKEY_USERS", "1"}, 2, "it is True or False");
+  EXPECT_NE(
+      Run({"settings", "Enabled", "RemoteRegistry", "1", "--yes"}).Err.find("names no computer"),
+      std::string::npos);
+  EXPECT_EQ(Run({"settings", "Enabled", "RemoteRegistry", "0", "--yes"}).Err, "");
+  ASSERT_EQ(Run({"before"}).Status, 0);
   EXPECT_EQ(Run({"settings", "ScanFolders", "1", "C:"}).Status, 0);       // no change
   EXPECT_EQ(Run({"settings", "Enabled", "Toolbar", "False"}).Status, 0);  // not of the scan
   EXPECT_TRUE(clsFileWorks::FileExists(Working()));
-  EXPECT_EQ(Run({"settings", "ScanFolders", "2", "D:\\", "--yes"}).Status, 0);
+  EXPECT_EQ(Run({"settings", "ScanFolders", "2", "C:\\windows", "--yes"}).Status, 0);
   EXPECT_FALSE(clsFileWorks::FileExists(Working()));
-  EXPECT_EQ(Run({"settings", "ScanFolders"}).Out, "ScanFolders\t1\tC:\nScanFolders\t2\tD:\\\n");
+  EXPECT_EQ(Run({"settings", "ScanFolders"}).Out,
+            "ScanFolders\t1\tC:\nScanFolders\t2\tC:\\windows\n");
 }
 
 class SandrelCliStopped : public SandrelCli {

@@ -47,13 +47,15 @@ class clsConfigModelTest : public testing::Test {
 
 TEST_F(clsConfigModelTest, EmptyListsGetTheirDefaultsStoredAtOnce) {
   m_sample.WriteFile("C:\\windows\\win386.swp", "");
+  m_sample.MakeFolder("C:\\$RECYCLE.BIN");
   clsConfigModel model(m_shell, m_settings, m_machine, m_sample.HostPath("C:\\tools"));
   Load(model);
   EXPECT_EQ(model.Folders, Lines{"C:"});
   EXPECT_EQ(Stored("ScanFolders"), Lines{"1=C:"});
-  EXPECT_EQ(model.Excludes, (Lines{"C:\\tools\\", Temp, "C:\\windows\\WIN386.SWP"}));
-  EXPECT_EQ(Stored("ExcludeFiles"),
-            (Lines{"1=C:\\tools\\", std::string("2=") + Temp, "3=C:\\windows\\WIN386.SWP"}));
+  EXPECT_EQ(model.Excludes,
+            (Lines{"C:\\tools\\", "C:\\$Recycle.Bin\\", Temp, "C:\\windows\\WIN386.SWP"}));
+  EXPECT_EQ(Stored("ExcludeFiles"), (Lines{"1=C:\\tools\\", "2=C:\\$Recycle.Bin\\",
+                                           std::string("3=") + Temp, "4=C:\\windows\\WIN386.SWP"}));
   EXPECT_TRUE(model.DiskScan && model.SizeInfo && model.AttributeInfo);
   EXPECT_TRUE(model.RegScan && model.FileExclude);
   EXPECT_FALSE(model.VersionInfo || model.RemoteRegistry);
@@ -62,8 +64,17 @@ TEST_F(clsConfigModelTest, EmptyListsGetTheirDefaultsStoredAtOnce) {
   }
   EXPECT_TRUE(Stored("Enabled").empty() && Stored("RegScan").empty());
 
-  // A list of one's own gets none.
+  // Those that can't be known while the registry can't be read are shown, and not stored.
   m_settings.DeleteSetting("ExcludeFiles");
+  m_settings.SaveSetting("Enabled", "RegScan", "0");
+  std::filesystem::rename(m_sample.Folder() + "/system.reg", m_temp.Of("system.reg"));
+  clsConfigModel blind(m_shell, m_settings, clsMachine::Open(m_sample.Folder()), "/nowhere");
+  Load(blind);
+  EXPECT_EQ(blind.Excludes, Lines{"C:\\$Recycle.Bin\\"});
+  blind.Save();
+  EXPECT_EQ(Stored("ExcludeFiles"), Lines{});
+
+  // A list of one's own gets none.
   m_settings.SaveSetting("ExcludeFiles", "1", "C:\\mine\\");
   model.LoadExcludes();
   EXPECT_EQ(model.Excludes, Lines{"C:\\mine\\"});
@@ -71,6 +82,7 @@ TEST_F(clsConfigModelTest, EmptyListsGetTheirDefaultsStoredAtOnce) {
 
 TEST_F(clsConfigModelTest, ParentsAndSubfoldersAreRefused) {
   const std::string parent = "parent folder", sub = "subfolders";
+  m_sample.MakeFolder("C:\\Win");
   for (const auto& [known, typed, refused, added] :
        {std::tuple("C:", "C:\\Windows", parent, ""),
         {"C:\\", "c:/windows/", parent, ""},
@@ -100,6 +112,7 @@ TEST_F(clsConfigModelTest, ParentsAndSubfoldersAreRefused) {
 
 TEST_F(clsConfigModelTest, FoldersThatAScanDoesNotEnterAreScannedBesideIt) {
   m_sample.MakeFolder("C:\\.hidden\\in");
+  m_model.HiddenFolders = false;
   for (const auto& [known, added] : {std::pair("C:", "C:\\.Hidden\\in"), {"C:\\.hidden", "C:"}}) {
     m_model.Folders = {known};
     EXPECT_TRUE(m_model.AddFolder(added)) << added;
@@ -122,10 +135,8 @@ TEST_F(clsConfigModelTest, AnExclusionThatIsNotThereIsAskedAbout) {
         {"C:\\empty\\*.*", "C:\\empty\\*.*", true},
         {"C:\\windows\\system32\\", "C:\\windows\\system32\\", true},
         {"\\Windows", "C:\\Windows\\", true},  // the folder, no file of that name
-        {"C:\\windows\\*.txt", "C:\\windows\\*.txt", false},
         {"C:\\gone\\*.*", "C:\\gone\\*.*", false},
-        {"Q:\\x", "Q:\\x", false},
-        {"nonsense", "nonsense", false}}) {
+        {"Q:\\x", "Q:\\x", false}}) {
     SCOPED_TRACE(typed);
     m_model.Excludes.clear();
     m_shell.Questions = {Answer::No};
@@ -137,6 +148,29 @@ TEST_F(clsConfigModelTest, AnExclusionThatIsNotThereIsAskedAbout) {
   }
   EXPECT_EQ(Told([&] { m_model.AddExclude(""); }), Lines{});
   EXPECT_EQ(m_model.Excludes.size(), 1U);
+}
+
+// What would end every scan or every analysis is told when it is added.
+TEST_F(clsConfigModelTest, WhatNoScanCouldWorkWithIsRefused) {
+  for (const auto& [typed, why] : {std::pair("C:\\windows\\*", "begins with '*'"),
+                                   {"C:\\windows\\*.txt", "begins with '*'"},
+                                   {"nonsense", "names no drive"},
+                                   {"~", "names no drive"}}) {
+    const Lines told = Told([&, text = typed] { EXPECT_FALSE(m_model.AddExclude(text)); });
+    EXPECT_NE(told.at(0).find(why), std::string::npos) << told.at(0);
+  }
+  for (const auto& [typed, why] : {std::pair("foo", "names no drive"),
+                                   {"*", "names no drive"},
+                                   {"C:C:\\x", "names no drive"},
+                                   {"C:\\win*", "is no folder's name"},
+                                   {"Q:\\x", "on a drive that the machine lacks. It has C:"}}) {
+    const Lines told = Told([&, text = typed] { EXPECT_FALSE(m_model.AddFolder(text)); });
+    EXPECT_NE(told.at(0).find(why), std::string::npos) << told.at(0);
+  }
+  m_model.Folders.clear();
+  m_shell.Questions = {Answer::No};
+  EXPECT_FALSE(m_model.AddFolder("C:\\coming"));
+  EXPECT_TRUE(m_model.AddFolder("C:\\coming"));
 }
 
 TEST_F(clsConfigModelTest, FilesAreChosenByHostPathAndKeptByWindowsPath) {
@@ -153,7 +187,8 @@ TEST_F(clsConfigModelTest, SavesEveryKey) {
   for (const char* key : {"2", "3"}) m_settings.SaveSetting("ExcludeFiles", key, "C:\\old");
   m_model.Folders = {"C:\\A", "D:\\"};
   m_model.Excludes.clear();
-  m_model.DiskScan = m_model.SizeInfo = m_model.AttributeInfo = m_model.FileExclude = false;
+  m_model.DiskScan = m_model.SizeInfo = m_model.AttributeInfo = m_model.FileExclude =
+      m_model.HiddenFolders = false;
   m_model.VersionInfo = true;
   m_model.SelectHives(true);
   m_model.SetScanned("HKEY_USERS", false);
@@ -162,8 +197,8 @@ TEST_F(clsConfigModelTest, SavesEveryKey) {
   EXPECT_EQ(Stored("ScanFolders"), (Lines{"1=C:\\A", "2=D:\\"}));
   EXPECT_EQ(Stored("ExcludeFiles"), Lines{});
   EXPECT_EQ(Stored("Enabled"),
-            (Lines{"DiskScan=0", "VersionInfo=1", "SizeInfo=0", "AttributeInfo=0", "RegScan=1",
-                   "RemoteRegistry=0", "FileExclude=0"}));
+            (Lines{"DiskScan=0", "VersionInfo=1", "SizeInfo=0", "AttributeInfo=0",
+                   "HiddenFolders=0", "RegScan=1", "RemoteRegistry=0", "FileExclude=0"}));
   EXPECT_EQ(Stored("RegScan"),
             (Lines{"HKEY_CLASSES_ROOT=True", "HKEY_CURRENT_CONFIG=True", "HKEY_CURRENT_USER=True",
                    "HKEY_LOCAL_MACHINE=True", "HKEY_USERS=False", "RemoteName=BOX"}));

@@ -176,8 +176,8 @@ TEST_F(frmConfigTest, SwitchesEnableWhatDependsOnThem) {
   const Variables variables{{"SANDREL_NETWORK", network.Path()}};
   const std::string all = "CLASSES_ROOT CURRENT_CONFIG+ CURRENT_USER+ LOCAL_MACHINE+ ";
   Configure([&] {
-    const auto disk = {"lstDrives",      "chkAttribInfo", "chkSizeInfo",
-                       "chkVersionInfo", "cmdAddFolder",  "cmdRemoveFolder"};
+    const auto disk = {"lstDrives",        "chkAttribInfo", "chkSizeInfo",    "chkVersionInfo",
+                       "chkHiddenFolders", "cmdAddFolder",  "cmdRemoveFolder"};
     Tick("chkEnableDiskScan");
     EXPECT_EQ(Enabled(disk), 0);
 
@@ -206,8 +206,8 @@ TEST_F(frmConfigTest, SwitchesEnableWhatDependsOnThem) {
     Press("cmdSave");
   });
   EXPECT_EQ(Stored("Enabled"),
-            (Lines{"DiskScan=0", "VersionInfo=0", "SizeInfo=1", "AttributeInfo=1", "RegScan=0",
-                   "RemoteRegistry=1", "FileExclude=0"}));
+            (Lines{"DiskScan=0", "VersionInfo=0", "SizeInfo=1", "AttributeInfo=1",
+                   "HiddenFolders=1", "RegScan=0", "RemoteRegistry=1", "FileExclude=0"}));
   EXPECT_EQ(m_settings.GetSetting("RegScan", "RemoteName"), "BOX");
 }
 
@@ -249,6 +249,7 @@ TEST_F(frmConfigTest, WhatIsSavedChangesTheNextScan) {
 }
 
 TEST_F(frmConfigTest, ASaveThatFailsSaysSoAndLosesNothing) {
+  m_sample.MapDrive('d', m_temp.Path());
   Configure([this] {
     Type("txtDSZoom", "D:\\");
     Enter("txtDSZoom");

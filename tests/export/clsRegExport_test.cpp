@@ -131,18 +131,18 @@ TEST(clsRegExport, AReaderGetsTheRowsOrTheyAreNamed) {
       "\r\n[EVIL]\r\n", "\"", "\\", "\"=\"", "]", "[", "=", "\r", "\n",
       "\u2400",         "\t", ",",  ";",     "@", "'"};
   const auto text = [&] {
-    std::string text;
+    std::string made;
     for (unsigned n = below(90); n > 0; --n) {
       if (below(9) == 0) {
-        text += odd[below(static_cast<unsigned>(odd.size()))];
+        made += odd[below(static_cast<unsigned>(odd.size()))];
       } else if (below(60) == 0) {
-        text += text::FromUtf16Le(
+        made += text::FromUtf16Le(
             std::string{static_cast<char>(random()), static_cast<char>(random())});
       } else {
-        text.push_back(static_cast<char>('a' + below(26)));
+        made.push_back(static_cast<char>('a' + below(26)));
       }
     }
-    return below(5) == 0 ? std::string() : text;
+    return below(5) == 0 ? std::string() : made;
   };
   const test::TempFolder temp;
   std::size_t written = 0;

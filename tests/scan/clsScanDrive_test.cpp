@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "config/modFilePattern.h"
 #include "support/ScanFixture.h"
 #include "support/Unprivileged.h"
 
@@ -65,7 +66,8 @@ const std::string Details = "Date, Version, Size, Attributes";
 
 TEST_F(clsScanDriveTest, RecordsFoldersFilesAndDetails) {
   m_settings.SaveSetting("Enabled", "VersionInfo", "1");
-  WriteFiles({"C:\\A\\.hidden\\never.txt", "C:\\A\\.dotfile"});
+  WriteFiles({"C:\\A\\.hidden\\never.txt", "C:\\A\\.dotfile", "C:\\B\\.hidden\\in.txt"});
+  m_settings.SaveSetting("Enabled", "HiddenFolders", "0");
   m_sample.WriteFile("C:\\A\\one.txt", "12345");
   m_sample.MakeFolder("C:\\A\\empty\\deeper");
   m_sample.WriteProgram("C:\\A\\p.dll", 0x0001FFFF, 0x80000005);
@@ -82,6 +84,11 @@ TEST_F(clsScanDriveTest, RecordsFoldersFilesAndDetails) {
   // A version's text that is too long costs that detail alone.
   EXPECT_EQ(File("long.dll", "Version, Size > 0"), "NULL|1");
   EXPECT_EQ(m_leftOut.Of(LeftOut::LongVersion), 1U);
+
+  EXPECT_EQ(m_leftOut.Of(LeftOut::HiddenFolder), 1U);
+  m_settings.SaveSetting("Enabled", "HiddenFolders", "1");
+  Walk("C:\\B");
+  EXPECT_EQ(File("in.txt", "Size"), "0");
 
   for (const char* off : {"VersionInfo", "SizeInfo", "AttributeInfo"})
     m_settings.SaveSetting("Enabled", off, "no");
@@ -263,10 +270,9 @@ TEST(MatchFileName, IsThePrograms) {
       {"a.b", "a. b ", true},         {"a", "??", false},
       {"a\U0001F600", "a??", true},   {"a\U0001F600", "a?", false}};
   for (const auto& [name, pattern, matches] : cases)
-    EXPECT_EQ(clsScanDrive::MatchFileName(name, pattern), matches) << name << " " << pattern;
+    EXPECT_EQ(MatchFileName(name, pattern), matches) << name << " " << pattern;
   for (const char* pattern : {"*.txt", "b.*"})
-    EXPECT_EQ(NumberOf([&] { clsScanDrive::MatchFileName("a.txt", pattern); }),
-              errnum::InvalidArgument);
+    EXPECT_EQ(NumberOf([&] { MatchFileName("a.txt", pattern); }), errnum::InvalidArgument);
 }
 
 }  // namespace

@@ -130,15 +130,23 @@ TEST_F(clsScanRegTest, CountsAndReportsExactly) {
   scanner->CommitDBTransaction();
 }
 
-TEST_F(clsScanRegTest, NamesThatDoNotFitAreLeftOutAndCounted) {
-  const std::string n(256, 'n');
-  const std::string key = "[Software\\\\L\\\\";
-  SetSystem("[Software\\\\L] 1\n\"" + n + "\"=\"1\"\n\"fits\"=\"1\"\n\n" + key + n +
-            "] 1\n\"x\"=\"1\"\n\n" + key + n + "\\\\below] 1\n\n" + key + "after] 1\n@=\"1\"\n");
+TEST_F(clsScanRegTest, LongNamesAreKeptAndLongerOnesLeftOut) {
+  const auto value = [](std::size_t length) {
+    return "\"" + std::string(length, 'n') + "\"=\"1\"\n";
+  };
+  const auto key = [](const std::string& path) {
+    return "\n[Software\\\\L\\\\" + path + "] 1\n@=\"1\"\n";
+  };
+  std::string deep = std::string(200, 'd');
+  for (int i = 0; i < 163; ++i) deep += "\\\\" + std::string(200, 'd');
+  SetSystem("[Software\\\\L] 1\n" + value(16383) + value(16384) + key(std::string(300, 'k')) +
+            key("after") + key(deep) + key(deep + "\\\\below"));
   Walk(hkey::LocalMachine);
-  EXPECT_EQ(Values("Software\\L"), Lines{"fits|1|1"});
+  EXPECT_EQ(Cell("SELECT length(ValueName) FROM tblRegValue WHERE length(ValueName) > 300"),
+            "16383");
   EXPECT_EQ(Values("Software\\L\\after").size(), 1U);
-  EXPECT_EQ(m_leftOut.Of(LeftOut::LongKey), 1U);
+  EXPECT_GT(std::stoi(Cell("SELECT max(length(Branch)) FROM tblRegKey")), 32000);
+  EXPECT_EQ(m_leftOut.Of(LeftOut::LongKey), 2U);
   EXPECT_EQ(m_leftOut.Of(LeftOut::LongValueName), 1U);
 }
 

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "browser/Pages.h"
+#include "browser/clsPageReader.h"
 #include "common/clsFileWorks.h"
 #include "support/SnapshotFixture.h"
 
@@ -157,6 +159,40 @@ TEST_F(clsAnalysisTest, EntriesOfExcludedFilesAreExcludedToo) {
   EXPECT_EQ(Analysis("SELECT FileName, Parameter FROM tblNewIniEnteries"), Lines{"new.ini|k"});
 }
 
+// Whatever the type of a value and however long a name: each row of a table is a row of its page.
+TEST_F(clsAnalysisTest, EveryPageHasTheRowsOfItsTables) {
+  std::string registry = SampleMachine::SystemKeys() + "[Software\\\\T] 1\n";
+  Before();
+  for (const std::string type :
+       {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "a", "b", "c", "12345", "ffffffff"}) {
+    registry += "\"" + type + "\"=hex(" + type + "):01,02,03,04\n";
+  }
+  m_sample.SetSystemReg(registry + "\"" + std::string(9000, 'n') + "\"=\"1\"\n");
+  std::string deep = "C:\\" + std::string(200, 'd');
+  for (int i = 0; i < 10; ++i) deep += "\\" + std::string(200, 'd');
+  m_sample.WriteFile(deep + "\\f.ini", "[s]\nk=1\n");
+  After();
+  const std::pair<int, const char*> pages[] = {{page::NewRegistry, "tblNewRegistryEnteries"},
+                                               {page::NewFiles, "tblNewFiles"},
+                                               {page::NewIniFiles, "tblNewIniEnteries"}};
+  for (const auto& [page, table] : pages) {
+    int rows = 0;
+    clsPageReader(m_analysisPath)
+        .Read(
+            page, [](const std::vector<dao::Field>&) {},
+            [&](const std::vector<dao::Field>&, const std::vector<dao::Value>&, int) { ++rows; });
+    EXPECT_EQ(std::to_string(rows), Analysis(std::string("SELECT count(*) FROM ") + table)[0]);
+    EXPECT_GT(rows, 0);
+  }
+  EXPECT_EQ(
+      Analysis(
+          "SELECT Name, Value FROM tblNewRegistryEnteries n JOIN tblValueTypes t ON t.ValueType = "
+          "n.ValueType WHERE ValueName IN ('b', '12345', 'ffffffff') ORDER BY 1"),
+      (Lines{"QWORD|01 02 03 04", "TYPE 0x00012345|01 02 03 04", "TYPE 0xFFFFFFFF|01 02 03 04"}));
+  EXPECT_EQ(Analysis("SELECT max(length(PathName)) FROM tblNewFiles"),
+            Lines{std::to_string(deep.size() + 1)});
+}
+
 // What only one snapshot has seen is no difference; it is told.
 TEST_F(clsAnalysisTest, WhatASnapshotLeftOutIsNotCompared) {
   const auto write = [this](const char* folders, const char* keys) {
@@ -253,6 +289,7 @@ Disk Scan Settings=
     Version Info Included=No
     Size Info Included=Yes
     Attribute Info Included=Yes
+    Hidden Folders Included=Yes
  =
 Registry Scan Settings=
     Hives Scanned=

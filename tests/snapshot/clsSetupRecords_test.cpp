@@ -94,8 +94,9 @@ TEST_F(clsSetupRecordsTest, CountsThatMoveAddTheirRecords) {
 
   Enable("RemoteRegistry", true);
   Counts(5, 5);
-  m_records.ProcessSetupFiles(false);
-  EXPECT_EQ(List()[0], "sample.dll|1|2|-1|1.2.3.4");
+  EXPECT_TRUE(Raises(errnum::InvalidOperation, "remote registry is scanned",
+                     [&] { m_records.ProcessSetupFiles(false); }));
+  EXPECT_TRUE(Raises(errnum::InvalidOperation, "", [&] { m_records.UpdateSetupTables(); }));
 }
 
 TEST_F(clsSetupRecordsTest, ComparesVersionsByTheirParts) {

@@ -188,6 +188,18 @@ TEST_F(clsSnapshotsTest, AsksWhenTheMachineIsAnother) {
   EXPECT_FALSE(m_shell.Has("ask: The 'Before' snapshot was taken"));
 }
 
+TEST_F(clsSnapshotsTest, ASnapshotOfAnEarlierVersionIsNotComparedWith) {
+  Before();
+  ASSERT_TRUE(m_snapshots.AfterSnapshot());
+  for (const char* table : {"tblSettings", "tblLeftOut", "tblLeftOut2"}) {
+    Rows(Working(), std::string("DROP TABLE ") + table);
+  }
+  m_snapshots.mnuSnapShotRollUp_Click();
+  EXPECT_EQ(Level(), SnapshotLevel::Before);
+  EXPECT_FALSE(m_snapshots.AfterSnapshot());
+  EXPECT_TRUE(m_shell.Has("taken by an earlier version"));
+}
+
 TEST_F(clsSnapshotsTest, ReplaceMakesAfterTheNewBefore) {
   Before();
   m_sample.WriteFile("C:\\new.txt", "");

@@ -71,7 +71,7 @@ TEST_F(clsTableMaintTest, KeysAndRulesOfTheTables) {
       {"tblPaths", {{"PathName", "c:\\a\\"}}, errnum::DuplicateKey},
       {"tblPaths", {{"PathName", ""}}, errnum::ZeroLength},
       {"tblPaths", {}, errnum::FieldRequired},
-      {"tblPaths", {{"PathName", std::string(256, 'x')}}, errnum::FieldTooLong},
+      {"tblPaths", {{"PathName", std::string(32768, 'x')}}, errnum::FieldTooLong},
       {"tblFiles", {{"PathId", 1}, {"FileName", ""}, {"Size", std::int64_t{1} << 40}}, 0},
       {"tblFiles", {{"PathId", 1}, {"FileName", ""}}, errnum::DuplicateKey},
       {"tblRegKey", {{"Hive", 1}, {"Branch", ""}}, 0},

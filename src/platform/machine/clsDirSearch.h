@@ -29,6 +29,11 @@ inline constexpr int Archive = 32;
 inline constexpr int Files = ReadOnly | Hidden | System | Archive;
 }  // namespace fileattr
 
+/// The search for the folders that a walk enters, among them hidden and system ones or not.
+inline constexpr int SubfolderMask(bool hidden) {
+  return hidden ? fileattr::Directory | fileattr::Hidden | fileattr::System : fileattr::Directory;
+}
+
 /// Details of one file or folder, from one look at the disk.
 struct FileDetails {
   std::time_t LastWritten = 0;  ///< UTC seconds

@@ -16,7 +16,7 @@
 namespace sandrel {
 namespace {
 
-constexpr std::size_t LongestPath = 255;  // UTF-16 units
+constexpr std::size_t LongestPath = 32767;  // UTF-16 units
 
 unsigned char TypeOf(mode_t mode) {
   return S_ISDIR(mode) ? DT_DIR : S_ISREG(mode) ? DT_REG : S_ISLNK(mode) ? DT_LNK : DT_CHR;

@@ -27,7 +27,7 @@ class clsFolderListing {
   /// backslash). Gives 0, or the system's error number when it can't be read whole.
   ///
   /// Entries are files, links to files and folders, in byte order of their names. Names that
-  /// Windows can't have, paths above 255 UTF-16 units (a folder's with its trailing backslash),
+  /// Windows can't have, paths above 32,767 UTF-16 units (a folder's with its trailing backslash),
   /// names that equal an earlier one but for case, and links to folders are left out and told.
   /// Sockets, devices and fifos are no files and not told.
   int Read(const std::string& hostFolder, std::string windowsFolder);

@@ -76,21 +76,6 @@ TEST_F(clsDirSearchTest, LeavesOutAndCountsWhatWindowsWouldNotGive) {
     EXPECT_EQ(m_machine->Details(std::string("C:\\d\\") + name).Length, length) << name;
 }
 
-TEST_F(clsDirSearchTest, LeavesOutPathsAbove255Units) {
-  // "C:\d\" has 5 units, so a file's name may have 250 and a folder's 249.
-  const std::string e = "\xC3\xA9";  // one unit, two bytes
-  std::string wide;
-  for (int i = 0; i < 125; ++i) wide += e;
-  for (const std::string& name : {std::string(250, 'a'), std::string(251, 'b'), wide}) {
-    m_sample.WriteFile("C:\\d\\" + name, "");
-  }
-  m_sample.MakeFolder("C:\\d\\" + std::string(249, 'c'));
-  m_sample.MakeFolder("C:\\d\\" + std::string(250, 'd'));
-  EXPECT_THAT(Names("C:\\d\\", fileattr::Files), ElementsAre(std::string(250, 'a'), wide));
-  EXPECT_EQ(m_leftOut.Of(LeftOut::LongPath), 2u);
-  EXPECT_THAT(Names("C:\\d\\", fileattr::Directory), Contains("+" + std::string(249, 'c')));
-}
-
 TEST_F(clsDirSearchTest, GivesDetailsOfTheItemGivenLast) {
   m_sample.WriteFile("C:\\d\\one", "1");
   std::filesystem::resize_file(m_sample.HostPath("C:\\d\\one"), (std::uint64_t{5} << 30) + 1);
