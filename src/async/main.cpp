@@ -1,5 +1,5 @@
-// AsyncStartup: what the user's next logon starts. It removes the entry that started it and becomes
-// the given program.
+// AsyncStartup: what the user's next logon starts. It removes the entry that started it, that of
+// the home folder in $SANDREL_HOME, and becomes the given program.
 //
 //   AsyncStartup PROGRAM [ARGUMENT...]
 #include <fmt/format.h>
@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "common/clsError.h"
@@ -20,7 +21,8 @@ int main(int argc, char** argv) {
   }
   try {
     const sandrel::clsRunOnce entries;
-    entries.DeleteValue(sandrel::clsRunOnce::WizardEntry);
+    const char* const home = std::getenv("SANDREL_HOME");
+    entries.DeleteValue(sandrel::clsRunOnce::WizardEntry(home != nullptr ? home : ""));
   } catch (const sandrel::clsError& error) {
     // The program is to come up all the same.
     fmt::print(stderr, "AsyncStartup: {}\n", error.what());

@@ -1,10 +1,8 @@
 #include "cli/clsCommandLine.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <memory>
 
 #include "browser/Pages.h"
@@ -287,12 +285,7 @@ int clsCommands::Watch() {
   const auto machine = OpenScannedMachine();
   const HostCommand command = clsHostCommands(machine.get()).Make(m_arguments.Command);
   const std::string& name = m_arguments.Command.front();
-  if (command.Words.empty()) {
-    throw clsError(errnum::FileNotFound, fmt::format("There is no program {} to run.", name));
-  }
-  if (access(command.Words[0].c_str(), X_OK) != 0) {
-    throw ErrnoError(errno, fmt::format("Can't start {}", name));
-  }
+  clsHostCommands::Check(command, name);
   const clsHomeLock lock(m_home);
   clsSnapshots snapshots(m_shell, m_settings, m_home, machine);
   clsAnalysis analysis(m_shell, m_settings, m_home, machine);

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "common/clsError.h"
+#include "common/modHash.h"
 
 namespace sandrel {
 namespace {
@@ -56,10 +57,7 @@ bool IsSame(const struct stat& a, const struct stat& b) {
 // As short for a name of the greatest length as for any other.
 std::string clsNewFile::PlaceBeside(const std::string& target) {
   const std::filesystem::path path = target;
-  std::uint64_t hash = 14695981039346656037u;  // FNV-1a
-  for (const char c : path.filename().string()) {
-    hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
-  }
+  const std::uint64_t hash = StableHash(path.filename().string());
   return (path.parent_path() / fmt::format(".sandrel-{:016x}", hash)).string();
 }
 

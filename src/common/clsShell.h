@@ -45,6 +45,7 @@ struct FileDialog {
 struct AppState {
   bool Scanning = false;                ///< a snapshot or an analysis runs
   bool Busy = false;                    ///< a snapshot command hasn't ended, stopped scans included
+  bool WizardWaits = false;             ///< for an installer, and can be called back
   bool CloseDown = false;               ///< the user asked to quit during a scan
   bool BeforeSSCompleteNotify = false;  ///< the wizard waits for a Before snapshot
   std::string AnalysisPath;  ///< host path of the open analysis; empty when there is none

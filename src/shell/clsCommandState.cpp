@@ -23,14 +23,13 @@ clsCommandState::clsCommandState(clsShell& shell, clsSettings& settings, const c
 void clsCommandState::UpdateCommandState() {
   const Menus& menus = m_controls.Menus;
   const bool scanning = m_shell.State.Scanning || m_shell.State.Busy;
-  for (const char* item :
-       {"mnuFile", "mnuEdit", "mnuSnapShotBefore", "mnuSnapShotWizard", "mnuColumns", "mnuView"}) {
+  for (const char* item : {"mnuFile", "mnuEdit", "mnuSnapShotBefore", "mnuColumns", "mnuView"}) {
     menus[item].SetEnabled(!scanning);
   }
+  menus["mnuSnapShotWizard"].SetEnabled(!scanning || m_shell.State.WizardWaits);
   menus["mnuSnapShotCancelOperation"].SetEnabled(m_shell.State.Scanning);
-  for (const char* button : {"Open", "BeforeSnapshot", "Wizard"}) {
-    m_controls.EnableButton(button, !scanning);
-  }
+  for (const char* button : {"Open", "BeforeSnapshot"}) m_controls.EnableButton(button, !scanning);
+  m_controls.EnableButton("Wizard", !scanning || m_shell.State.WizardWaits);
   m_controls.EnableButton("StopScanning", m_shell.State.Scanning);
   m_controls.EnableButton("Help", true);
   const std::string working = m_home.WorkingDatabase();

@@ -139,10 +139,12 @@ class frmSandrel final : public QMainWindow, public clsShell {
   void ForgetMachine();
   void mnuSettingsMachine_Click();
   // frmSandrelWizard.cpp
+  class clsWaiting;
   class clsWizardSide;
   void SetWizardCommands();
   void mnuSnapShotWizard_Click();
   void GoOnWithWizard();
+  void GoToInstalled();
   // frmSandrelConfig.cpp
   void mnuSettingsConfig_Click();
   // frmSandrelHelp.cpp
@@ -187,8 +189,9 @@ class frmSandrel final : public QMainWindow, public clsShell {
   std::string m_machineFolder;  // what was chosen in this session; empty for none
   bool m_noAutoLoadDatabase = false;
   bool m_trayMenuPending = false;
-  bool m_loaded = false;     // Form_Load has begun: there is something to save
-  bool m_unloading = false;  // inside the tear-down
+  bool m_wizardWanted = false;  // the user wants the wizard back while it waits
+  bool m_loaded = false;        // Form_Load has begun: there is something to save
+  bool m_unloading = false;     // inside the tear-down
   bool m_unloaded = false;
 };
 

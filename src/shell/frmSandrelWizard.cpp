@@ -17,6 +17,21 @@
 
 namespace sandrel {
 
+// The wizard waits, however that ends.
+class frmSandrel::clsWaiting {
+ public:
+  explicit clsWaiting(frmSandrel& form) : m_form(form) {
+    form.m_wizardWanted = false;
+    form.State.WizardWaits = true;
+  }
+  ~clsWaiting() { m_form.State.WizardWaits = false; }
+  clsWaiting(const clsWaiting&) = delete;
+  clsWaiting& operator=(const clsWaiting&) = delete;
+
+ private:
+  frmSandrel& m_form;
+};
+
 class frmSandrel::clsWizardSide final : public clsWizardCommands {
  public:
   explicit clsWizardSide(frmSandrel& form) : m_form(form) {}
@@ -24,12 +39,17 @@ class frmSandrel::clsWizardSide final : public clsWizardCommands {
   bool IsGone() const override { return m_form.m_unloaded; }
   bool IsBusy() const override { return m_form.State.Busy; }
   Answer Ask(const MessageBox& box) override { return m_form.Ask(box); }
-  void SetMainVisible(bool visible) override { m_form.setVisible(visible); }
+  void SetMainVisible(bool visible) override;
   std::string Folder() const override { return m_form.m_home.Path(); }
 
   void ShowConfig() override { m_form.m_controls.Menus.Run("mnuSettingsConfig"); }
   bool BeforeSnapshot() override;
-  void ReplaceBefore() override { m_form.m_controls.Menus.Run("mnuSnapShotRollUp"); }
+  bool ReplaceBefore() override;
+  bool ConfirmBefore() override {
+    m_form.m_snapshots.SetMachine(nullptr);
+    return m_form.m_snapshots.ConfirmBefore();
+  }
+  std::string MachineText() const override { return "Machine: " + m_form.MachineToOpen(); }
   bool CanReplaceBefore() const override {
     return m_form.m_controls.Menus["mnuSnapShotRollUp"].IsUsable();
   }
@@ -41,7 +61,7 @@ class frmSandrel::clsWizardSide final : public clsWizardCommands {
   bool MakeAnalysis(const std::string& path) override;
 
   void CheckProgram(const std::string& commandLine) override {
-    clsHostCommands(Machine().get()).Make(commandLine);
+    clsHostCommands::Check(clsHostCommands(Machine().get()).Make(commandLine), commandLine);
   }
   void RunProgram(const std::string& commandLine) override;
   void Wait(std::int32_t seconds) override;
@@ -69,17 +89,36 @@ std::shared_ptr<clsMachine> frmSandrel::clsWizardSide::Machine() {
   }
 }
 
+// The user ends a wait by coming back to the wizard.
 bool frmSandrel::clsWizardSide::PassMessages() {
   m_form.DoEvents(false);
-  return !m_form.m_unloaded;
+  return !m_form.m_unloaded && !m_form.m_wizardWanted;
 }
 
-// What was there and stays, as the user doesn't want it overwritten, is a Before snapshot too.
 bool frmSandrel::clsWizardSide::BeforeSnapshot() {
+  SnapshotResult result = SnapshotResult::Failed;
   m_form.SetBeforeSSCompleteNotify(true);
-  m_form.m_controls.Menus.Run("mnuSnapShotBefore");
+  m_form.SnapshotCommand([&] { result = m_form.m_snapshots.mnuSnapShotBefore_Click(); });
   m_form.SetBeforeSSCompleteNotify(false);
-  return !m_form.CloseDown() && GetSnapshotLevel() != SnapshotLevel::None;
+  return !m_form.CloseDown() && result != SnapshotResult::Failed;
+}
+
+bool frmSandrel::clsWizardSide::ReplaceBefore() {
+  bool replaced = false;
+  m_form.SnapshotCommand([&] { replaced = m_form.m_snapshots.mnuSnapShotRollUp_Click(); });
+  return replaced;
+}
+
+// Without a tray there would be no way back to a hidden window.
+void frmSandrel::clsWizardSide::SetMainVisible(bool visible) {
+  if (visible) {
+    m_form.setWindowState(m_form.windowState() & ~Qt::WindowMinimized);
+    m_form.show();
+  } else if (m_form.m_controls.SysTray.InTray()) {
+    m_form.hide();
+  } else {
+    m_form.showMinimized();
+  }
 }
 
 bool frmSandrel::clsWizardSide::MakeAnalysis(const std::string& path) {
@@ -91,6 +130,7 @@ bool frmSandrel::clsWizardSide::MakeAnalysis(const std::string& path) {
 // No other command begins meanwhile, though messages pass.
 void frmSandrel::clsWizardSide::RunProgram(const std::string& commandLine) {
   const auto machine = Machine();
+  const clsWaiting waiting(m_form);
   m_form.SnapshotCommand([&] {
     m_form.UpdateCommandState();
     PassMessages();
@@ -102,6 +142,7 @@ void frmSandrel::clsWizardSide::RunProgram(const std::string& commandLine) {
 
 void frmSandrel::clsWizardSide::Wait(std::int32_t seconds) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+  const clsWaiting waiting(m_form);
   m_form.SnapshotCommand([&] {
     m_form.UpdateCommandState();
     while (PassMessages() && std::chrono::steady_clock::now() < end) {
@@ -123,14 +164,18 @@ void frmSandrel::clsWizardSide::StoreRunOnce() {
   keep("SANDREL_NETWORK", clsFileWorks::Absolute);
   keep("SANDREL_USER", [](const char* value) { return value; });
   const std::string& program = m_form.m_options.Program;
-  clsRunOnce().SetValue(clsRunOnce::WizardEntry,
+  clsRunOnce().SetValue(clsRunOnce::WizardEntry(m_form.m_home.Path()),
                         {HelperProgram("AsyncStartup", program), program, "/wizard", "page4"},
                         variables);
 }
 
 void frmSandrel::clsWizardSide::DeleteRunOnce() {
   clsStatements run(m_form, "frmWizard.DisplayPage");
-  run.Command([&] { run([] { clsRunOnce().DeleteValue(clsRunOnce::WizardEntry); }); }, [] {});
+  run.Command(
+      [&] {
+        run([&] { clsRunOnce().DeleteValue(clsRunOnce::WizardEntry(m_form.m_home.Path())); });
+      },
+      [] {});
 }
 
 std::string frmSandrel::clsWizardSide::ChooseProgram() {
@@ -158,19 +203,36 @@ void frmSandrel::SetWizardCommands() {
 }
 
 void frmSandrel::mnuSnapShotWizard_Click() {
-  if (m_wizard != nullptr && m_wizard->IsRunning()) return;
+  UnloadSplash();  // it would lie over the wizard
+  if (m_wizard != nullptr && m_wizard->IsRunning()) {
+    m_wizardWanted = true;
+    return;
+  }
+  if (State.Busy) {
+    Ask(
+        {"The wizard can't start while a snapshot or an analysis is made. Try again when that is "
+         "finished.",
+         "Sandrel Manager", Buttons::Ok, BoxIcon::Information});
+    return;
+  }
   if (!clsControlsWorks::IsLoaded(m_wizard.get())) {
     m_wizard = std::make_unique<frmWizard>(*m_wizardCommands, this);
+    // It waited for an installer when the machine was restarted, and didn't come back by itself.
+    if (clsRunOnce().HasValue(clsRunOnce::WizardEntry(m_home.Path()))) GoToInstalled();
   }
   m_wizard->ShowAgain();
 }
 
-// The machine was restarted while the wizard waited for the installer.
-void frmSandrel::GoOnWithWizard() {
-  UnloadSplash();
-  mnuSnapShotWizard_Click();
+void frmSandrel::GoToInstalled() {
   std::int16_t installed = 4;
   m_wizard->DisplayPage(installed, true, false);
+  m_wizardCommands->DeleteRunOnce();
+}
+
+// The machine was restarted while the wizard waited for the installer.
+void frmSandrel::GoOnWithWizard() {
+  mnuSnapShotWizard_Click();
+  if (clsControlsWorks::IsLoaded(m_wizard.get())) GoToInstalled();
 }
 
 void frmSandrel::BeforeSnapshotEnded() {

@@ -127,7 +127,7 @@ void frmSplash::showEvent(QShowEvent* event) {
 
 void frmSplash::keyPressEvent(QKeyEvent* event) {
   qt::Guard(this, [&] {
-    if (event->key() != Qt::Key_Shift) return QWidget::keyPressEvent(event);
+    if (event->key() != Qt::Key_Shift) return Unload();
     m_shift = true;
     if (OnShift) OnShift();
   });

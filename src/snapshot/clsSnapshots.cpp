@@ -215,11 +215,31 @@ bool clsSnapshots::SameMachine(const clsSnapshotRecord& record) {
               ManagerTitle, Buttons::YesNo, BoxIcon::Question}) == Answer::Yes;
 }
 
+bool clsSnapshots::Confirm(const clsSnapshotRecord& record) {
+  m_definition = record.Definition;
+  std::string asked = record.Time("Before") + record.Machine("Before") + m_machine->Folder();
+  for (const std::string& difference :
+       m_definition.Differences(clsScanDefinition::Of(m_settings))) {
+    asked += difference;
+  }
+  if (asked == m_confirmed) return true;
+  if (!SameMachine(record) || !SameDefinition(record)) return false;
+  m_confirmed = std::move(asked);
+  return true;
+}
+
+bool clsSnapshots::ConfirmBefore() {
+  if (m_machine == nullptr && FindMachine) m_machine = FindMachine();
+  if (m_machine == nullptr) throw clsError(errnum::Machine, "There is no machine to look at.");
+  const clsSnapshotRecord record = Record();
+  NeedDefinition(record);
+  return Confirm(record);
+}
+
 // Both snapshots of a pair scan the same: what only one of them looked at would count as new or
 // deleted.
 bool clsSnapshots::SameDefinition(const clsSnapshotRecord& record) {
   const clsScanDefinition now = clsScanDefinition::Of(m_settings);
-  m_definition = record.Definition;
   const std::vector<std::string> differences = m_definition.Differences(now);
   if (differences.empty()) return true;
   constexpr std::size_t MostTold = 12;
@@ -269,7 +289,7 @@ bool clsSnapshots::After(clsStatements& run, Lock& lock) {
   bool goOn = false;
   run([&] {
     NeedDefinition(record);
-    goOn = MayOverwriteAfter() && SameMachine(record) && SameDefinition(record);
+    goOn = MayOverwriteAfter() && Confirm(record);
   });
   if (!goOn) return false;
   BeginScan(run);
@@ -475,15 +495,18 @@ void clsSnapshots::TellLeftOut() {
   if (const std::string summary = m_leftOut.Summary(); !summary.empty()) m_shell.Tell(summary);
 }
 
-void clsSnapshots::mnuSnapShotRollUp_Click() {
+bool clsSnapshots::mnuSnapShotRollUp_Click() {
   clsStatements run(m_shell, "frmSandrel.mnuSnapShotRollUp");
+  bool replaced = false;
   run.Command(
       [&] {
-        if (!run([&] { ReplaceBefore(); })) return;
+        replaced = run([&] { ReplaceBefore(); });
+        if (!replaced) return;
         run([&] { m_shell.UpdateCommandState(); });
         run([&] { ShowLastBeforeSnapshot(); });
       },
       [] {});
+  return replaced;
 }
 
 void clsSnapshots::ReplaceBefore() {

@@ -59,8 +59,13 @@ class clsSnapshots {
   /// overwrite one, cancelled or aborted.
   bool AfterSnapshot();
 
-  /// Makes the After snapshot the Before snapshot, in one transaction.
-  void mnuSnapShotRollUp_Click();
+  /// Makes the After snapshot the Before snapshot, in one transaction. False when it failed.
+  bool mnuSnapShotRollUp_Click();
+
+  /// Asks what an After snapshot would ask about the Before snapshot that exists: whether another
+  /// machine, or other settings, are to be compared with it. What was answered with Yes is not
+  /// asked again. Raises what is missing.
+  bool ConfirmBefore();
 
   /// Shows when the Before snapshot was taken.
   void ShowLastBeforeSnapshot();
@@ -92,6 +97,7 @@ class clsSnapshots {
   bool MayOverwriteBefore();
   bool MayOverwriteAfter();
   void NeedDefinition(const clsSnapshotRecord& record) const;
+  bool Confirm(const clsSnapshotRecord& record);
   bool SameMachine(const clsSnapshotRecord& record);
   bool SameDefinition(const clsSnapshotRecord& record);
   SnapshotResult Before(clsStatements& run, Lock& lock);
@@ -124,6 +130,7 @@ class clsSnapshots {
   clsLeftOut m_leftOut;
   clsScanDefinition m_definition;     // what is scanned
   std::unique_ptr<clsNewFile> m_new;  // the working database in the making
+  std::string m_confirmed;            // what the user said Yes to
   // Set while that scanner runs.
   std::unique_ptr<clsScanDrive> moDriveScan;
   std::unique_ptr<clsScanReg> moRegScan;

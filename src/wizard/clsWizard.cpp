@@ -4,16 +4,8 @@
 
 namespace sandrel {
 
-void clsWizard::Resize(std::span<WizardPage> pages) {
-  for (WizardPage& page : pages) {
-    page.Top = 0;
-    page.Left = PictureWidth + 1;
-  }
-}
-
 void clsWizard::SetPageVisible(std::span<WizardPage> pages, std::int16_t page, bool& nextEnabled,
                                bool& previousEnabled) {
-  Resize(pages);
   const auto last = static_cast<std::int16_t>(pages.size()) - 1;
   for (std::size_t index = 0; index < pages.size(); ++index) {
     pages[index].Visible = static_cast<int>(index) == page;

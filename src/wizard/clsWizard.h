@@ -1,4 +1,4 @@
-// Moves between the pages of a wizard and lays them out.
+// Moves between the pages of a wizard.
 #pragma once
 
 #include <cstdint>
@@ -9,10 +9,7 @@
 
 namespace sandrel {
 
-/// A page, in twips from the wizard's top left.
 struct WizardPage {
-  int Left = 0;
-  int Top = 0;
   bool Visible = false;
 };
 
@@ -24,13 +21,10 @@ class clsWizard {
  public:
   static constexpr int PictureWidth = 1110;  // twips
 
-  /// Puts all pages beside the picture.
-  static void Resize(std::span<WizardPage> pages);
-
   static void Inc(std::int16_t& value) { ++value; }
   static void DInc(std::int16_t& value) { --value; }
 
-  /// Lays the pages out and shows the one with the index `page`. The buttons' state tells whether
+  /// Shows the page with the index `page`. The buttons' state tells whether
   /// there is a page behind it and one before.
   static void SetPageVisible(std::span<WizardPage> pages, std::int16_t page, bool& nextEnabled,
                              bool& previousEnabled);

@@ -57,16 +57,17 @@ void clsWizardFlow::DisplayPage(std::int16_t& page, bool forward, bool runAction
     if (!LeaveForward(page)) return;
   } else if (runActions) {
     clsWizard::DInc(page);
-    if (page == WelcomePage && optScanSettings == 1) ViewSettings();
+    if (page == WelcomePage && m_shown.optScanSettings == 1) ViewSettings();
   }
   if (page == BeforePage) ShowSnapshots();
   // A caller's own variable names the page when the wizard goes on after a restart.
   if (page == CompletePage) m_page = CompletePage;
-  clsWizard::SetPageVisible(picPage, page, cmdNextEnabled, cmdPreviousEnabled);
-  cmdFinishEnabled = page == FinishPage;
-  cmdCancelEnabled = page != FinishPage;
-  if (page == InstallPage) cmdNextEnabled = !IsBlank(txtRun);
-  if (page == SavePage) cmdNextEnabled = !IsBlank(txtViewName);
+  clsWizard::SetPageVisible(m_shown.picPage, page, m_shown.cmdNextEnabled,
+                            m_shown.cmdPreviousEnabled);
+  m_shown.cmdFinishEnabled = page == FinishPage;
+  m_shown.cmdCancelEnabled = page != FinishPage;
+  if (page == InstallPage) m_shown.cmdNextEnabled = !IsBlank(m_shown.txtRun);
+  if (page == SavePage) m_shown.cmdNextEnabled = !IsBlank(m_shown.txtViewName);
   m_view.Refresh();
   if (page == InstallPage) m_view.SetFocus(WizardControl::txtRun);
   if (page == SavePage) m_view.SetFocus(WizardControl::txtViewName);
@@ -77,25 +78,26 @@ void clsWizardFlow::DisplayPage(std::int16_t& page, bool forward, bool runAction
 bool clsWizardFlow::LeaveForward(std::int16_t& page) {
   switch (page) {
     case BeforePage:
-      if (optScanSettings == 1) ViewSettings();
+      if (m_shown.optScanSettings == 1) ViewSettings();
       break;
     case InstallPage:
-      if (optBeforeSS == 0) {
+      if (m_shown.optBeforeSS == 0) {
         if (!CreateBefore()) return false;
-      } else if (optBeforeSS == 1) {
-        m_commands.ReplaceBefore();
+      } else if (m_shown.optBeforeSS == 1 ? !m_commands.ReplaceBefore() : !UseExisting()) {
+        page = BeforePage;
+        break;
       }
-      optBeforeSS = 2;
+      m_shown.optBeforeSS = 2;
       break;
     case CompletePage:
-      if (!txtRun.empty()) Install(page);
+      if (!m_shown.txtRun.empty()) Install(page);
       break;
     case SavePage:
-      if (optInstComplete == 1) WaitLonger(page);
+      if (m_shown.optInstComplete == 1) WaitLonger(page);
       break;
     case FinishPage:
       txtViewName_LostFocus();
-      if (!txtViewName.empty()) return CreateAnalysis(page);
+      if (!m_shown.txtViewName.empty()) return CreateAnalysis(page);
       break;
     default:
       break;
@@ -105,7 +107,7 @@ bool clsWizardFlow::LeaveForward(std::int16_t& page) {
 
 void clsWizardFlow::ViewSettings() {
   m_commands.ShowConfig();
-  optScanSettings = 0;
+  m_shown.optScanSettings = 0;
 }
 
 bool clsWizardFlow::CreateBefore() {
@@ -119,6 +121,20 @@ bool clsWizardFlow::CreateBefore() {
   }
   m_view.SetWizardVisible(true);
   return true;
+}
+
+bool clsWizardFlow::TellNoBefore() {
+  if (m_commands.GetSnapshotLevel() != SnapshotLevel::None) return false;
+  m_commands.Ask({"There is no 'Before' snapshot to compare with. Go back and create one.",
+                  ManagerTitle, Buttons::Ok, BoxIcon::Exclamation});
+  return true;
+}
+
+// What the comparison would ask about is asked before the installation.
+bool clsWizardFlow::UseExisting() {
+  if (TellNoBefore()) return false;
+  bool confirmed = false;
+  return IsPossible([&] { confirmed = m_commands.ConfirmBefore(); }) && confirmed;
 }
 
 // What can't be done is told before anything is hidden or begun.
@@ -164,21 +180,22 @@ bool clsWizardFlow::ComeBack() {
 }
 
 void clsWizardFlow::Install(std::int16_t& page) {
-  optInstComplete = 0;
-  if (!IsPossible([&] { m_commands.CheckProgram(txtRun); }) || !StoreRunOnce()) {
+  m_shown.optInstComplete = 0;
+  if (TellNoBefore() || !IsPossible([&] { m_commands.CheckProgram(m_shown.txtRun); }) ||
+      !StoreRunOnce()) {
     page = InstallPage;
     return;
   }
   Hide();
-  m_commands.RunProgram(txtRun);
+  m_commands.RunProgram(m_shown.txtRun);
   ComeBack();
 }
 
 void clsWizardFlow::WaitLonger(std::int16_t& page) {
   constexpr double SecondsPerMinute = 60;
-  const double seconds = text::Val(txtWait) * SecondsPerMinute;
+  const double seconds = text::Val(m_shown.txtWait) * SecondsPerMinute;
   clsWizard::DInc(page);
-  if (txtWait.empty() || seconds > std::numeric_limits<std::int32_t>::max()) {
+  if (m_shown.txtWait.empty() || seconds > std::numeric_limits<std::int32_t>::max()) {
     m_commands.Ask({"Type the number of minutes to wait for the install to complete.", ManagerTitle,
                     Buttons::Ok, BoxIcon::Exclamation});
     return;
@@ -190,25 +207,19 @@ void clsWizardFlow::WaitLonger(std::int16_t& page) {
 }
 
 bool clsWizardFlow::CreateAnalysis(std::int16_t& page) {
-  txtViewName = txtViewName.find('/') == std::string::npos
-                    ? clsFileWorks::Join(m_commands.Folder(), txtViewName)
-                    : clsFileWorks::Absolute(txtViewName);
+  m_shown.txtViewName = m_shown.txtViewName.find('/') == std::string::npos
+                            ? clsFileWorks::Join(m_commands.Folder(), m_shown.txtViewName)
+                            : clsFileWorks::Absolute(m_shown.txtViewName);
   const auto ask = [&](std::string text, Buttons buttons, BoxIcon icon, const char* title) {
     return m_commands.Ask({std::move(text), title, buttons, icon});
   };
-  if (m_commands.GetSnapshotLevel() == SnapshotLevel::None) {
-    ask("There is no 'Before' snapshot to compare with. Go back and create one.", Buttons::Ok,
-        BoxIcon::Exclamation, ManagerTitle);
+  if (TellNoBefore() || !IsPossible([&] { m_commands.CheckAnalysis(m_shown.txtViewName); })) {
     page = SavePage;
     return true;
   }
-  if (!IsPossible([&] { m_commands.CheckAnalysis(txtViewName); })) {
-    page = SavePage;
-    return true;
-  }
-  if (clsFileWorks::FileExists(txtViewName) &&
-      ask(OverwriteText(txtViewName), Buttons::YesNo, BoxIcon::Question, "Confirmation Required") !=
-          Answer::Yes) {
+  if (clsFileWorks::FileExists(m_shown.txtViewName) &&
+      ask(OverwriteText(m_shown.txtViewName), Buttons::YesNo, BoxIcon::Question,
+          "Confirmation Required") != Answer::Yes) {
     page = SavePage;
     return true;
   }
@@ -216,7 +227,7 @@ bool clsWizardFlow::CreateAnalysis(std::int16_t& page) {
       "completes",
       Buttons::Ok, BoxIcon::Information, ManagerTitle);
   m_view.SetWizardVisible(false);
-  if (!m_commands.MakeAnalysis(txtViewName) || m_commands.IsGone()) {
+  if (!m_commands.MakeAnalysis(m_shown.txtViewName) || m_commands.IsGone()) {
     Unload();
     return false;
   }
@@ -236,10 +247,16 @@ void clsWizardFlow::ShowSnapshots() {
                ? std::string()
                : fmt::format("Existing '{} Snapshot' created: {}", which, time);
   };
-  canReplace = m_commands.CanReplaceBefore();
-  canUseExisting = level != SnapshotLevel::None;
-  lblBeforeSnapshotAge = canUseExisting ? age("Before") : std::string();
-  lblAfterSnapshotAge = level == SnapshotLevel::BeforeAndAfter ? age("After") : std::string();
+  m_shown.lblMachine = m_commands.MachineText();
+  m_shown.canReplace = m_commands.CanReplaceBefore();
+  m_shown.canUseExisting = level != SnapshotLevel::None;
+  if ((m_shown.optBeforeSS == 1 && !m_shown.canReplace) ||
+      (m_shown.optBeforeSS == 2 && !m_shown.canUseExisting)) {
+    m_shown.optBeforeSS = 0;
+  }
+  m_shown.lblBeforeSnapshotAge = m_shown.canUseExisting ? age("Before") : std::string();
+  m_shown.lblAfterSnapshotAge =
+      level == SnapshotLevel::BeforeAndAfter ? age("After") : std::string();
 }
 
 void clsWizardFlow::cmdBrowse_Click() {
@@ -253,27 +270,28 @@ void clsWizardFlow::cmdSaveAnalysisBrowse_Click() {
 }
 
 void clsWizardFlow::txtRun_Change(std::string text) {
-  txtRun = std::move(text);
-  cmdNextEnabled = !IsBlank(txtRun);
+  m_shown.txtRun = std::move(text);
+  m_shown.cmdNextEnabled = !IsBlank(m_shown.txtRun);
   m_view.Refresh();
 }
 
 void clsWizardFlow::txtViewName_Change(std::string text) {
-  txtViewName = std::move(text);
-  cmdNextEnabled = !IsBlank(txtViewName);
+  m_shown.txtViewName = std::move(text);
+  m_shown.cmdNextEnabled = !IsBlank(m_shown.txtViewName);
   m_view.Refresh();
 }
 
 void clsWizardFlow::txtViewName_LostFocus() {
-  if (IsBlank(txtViewName) || text::EqualNoCase(clsPathText::ExtensionOf(txtViewName), "mdb")) {
+  if (IsBlank(m_shown.txtViewName) ||
+      text::EqualNoCase(clsPathText::ExtensionOf(m_shown.txtViewName), "mdb")) {
     return;
   }
-  txtViewName += ".mdb";
+  m_shown.txtViewName += ".mdb";
   m_view.Refresh();
 }
 
 void clsWizardFlow::optInstComplete_Click(int index) {
-  optInstComplete = index;
+  m_shown.optInstComplete = index;
   m_view.Refresh();
 }
 

@@ -29,9 +29,15 @@ class clsWizardCommands {
   virtual std::string Folder() const = 0;
 
   virtual void ShowConfig() = 0;
-  /// Takes a Before snapshot. False when there is none afterwards, or the program ends.
+  /// Takes a Before snapshot. False unless it is complete or the user keeps the one that exists.
   virtual bool BeforeSnapshot() = 0;
-  virtual void ReplaceBefore() = 0;
+  /// Makes the After snapshot the Before snapshot. False when that failed.
+  virtual bool ReplaceBefore() = 0;
+  /// Asks whether the Before snapshot that exists, of another machine or other settings, is to be
+  /// used; may raise.
+  virtual bool ConfirmBefore() = 0;
+  /// The machine that is looked at, for the user.
+  virtual std::string MachineText() const = 0;
   virtual bool CanReplaceBefore() const = 0;
   virtual SnapshotLevel GetSnapshotLevel() const = 0;
   /// When the snapshot "Before" or "After" was taken; empty or "0" when that isn't known.
@@ -79,18 +85,21 @@ class clsWizardFlow {
   /// Text of the first page.
   static std::string MainText();
 
-  /// What the controls hold. The view changes it by the operations below.
-  std::array<WizardPage, PageCount> picPage;
-  int optScanSettings = 0;
-  int optBeforeSS = 0;
-  int optInstComplete = 0;
-  std::string txtRun, txtWait, txtViewName;
-  std::string lblBeforeSnapshotAge, lblAfterSnapshotAge;
-  bool canReplace = false;      ///< of optBeforeSS(1)
-  bool canUseExisting = false;  ///< of optBeforeSS(2)
-  bool cmdNextEnabled = false, cmdPreviousEnabled = false;
-  bool cmdFinishEnabled = false, cmdCancelEnabled = false;
-  bool CanWait() const { return optInstComplete == 1; }
+  /// What the controls hold.
+  struct Controls {
+    std::array<WizardPage, PageCount> picPage;
+    int optScanSettings = 0;
+    int optBeforeSS = 0;
+    int optInstComplete = 0;
+    std::string txtRun, txtWait, txtViewName;
+    std::string lblMachine, lblBeforeSnapshotAge, lblAfterSnapshotAge;
+    bool canReplace = false;      ///< of optBeforeSS(1)
+    bool canUseExisting = false;  ///< of optBeforeSS(2)
+    bool cmdNextEnabled = false, cmdPreviousEnabled = false;
+    bool cmdFinishEnabled = false, cmdCancelEnabled = false;
+    bool CanWait() const { return optInstComplete == 1; }
+  };
+  const Controls& Shown() const { return m_shown; }
 
   /// Shows the first page.
   void Load();
@@ -104,6 +113,9 @@ class clsWizardFlow {
   void cmdPrevious_Click() { DisplayPage(m_page, false, true); }
   void cmdBrowse_Click();
   void cmdSaveAnalysisBrowse_Click();
+  void optScanSettings_Click(int index) { m_shown.optScanSettings = index; }
+  void optBeforeSS_Click(int index) { m_shown.optBeforeSS = index; }
+  void txtWait_Change(std::string_view typed) { m_shown.txtWait = WaitText(typed); }
   void txtRun_Change(std::string text);
   void txtViewName_Change(std::string text);
   void txtViewName_LostFocus();
@@ -115,6 +127,8 @@ class clsWizardFlow {
   bool LeaveForward(std::int16_t& page);
   void ViewSettings();
   bool CreateBefore();
+  bool UseExisting();
+  bool TellNoBefore();
   void Install(std::int16_t& page);
   void WaitLonger(std::int16_t& page);
   bool CreateAnalysis(std::int16_t& page);
@@ -127,6 +141,7 @@ class clsWizardFlow {
 
   clsWizardCommands& m_commands;
   clsWizardView& m_view;
+  Controls m_shown;
   std::int16_t m_page = -1;
 };
 

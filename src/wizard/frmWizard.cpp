@@ -44,6 +44,7 @@ frmWizard::frmWizard(clsWizardCommands& commands, QWidget* owner)
     : QDialog(owner),
       m_flow(commands, *this),
       picWiz(new QLabel(this)),
+      lblMachine(Wrapped("", this)),
       lblBeforeSnapshotAge(new QLabel(this)),
       lblAfterSnapshotAge(new QLabel(this)),
       lblWait1(new QLabel("&Wait", this)),
@@ -60,6 +61,7 @@ frmWizard::frmWizard(clsWizardCommands& commands, QWidget* owner)
   setObjectName("frmWizard");
   setWindowTitle("Snapshot / Analysis Wizard");
   picWiz->setObjectName("picWiz");
+  lblMachine->setObjectName("lblMachine");
   lblBeforeSnapshotAge->setObjectName("lblBeforeSnapshotAge");
   lblAfterSnapshotAge->setObjectName("lblAfterSnapshotAge");
   lblWait1->setObjectName("lblWait1");
@@ -135,6 +137,7 @@ void frmWizard::MakePages() {
   optBeforeSS[2] = AddOption(2, "optBeforeSS", 2, "Use the existing snapshot");
   optBeforeSS[1] =
       AddOption(2, "optBeforeSS", 1, "Replace the 'Before Snapshot' with the 'After Snapshot'");
+  before->addWidget(lblMachine);
   before->addWidget(lblBeforeSnapshotAge);
   before->addWidget(lblAfterSnapshotAge);
 
@@ -258,13 +261,13 @@ void frmWizard::Connect() {
   }
   for (int index = 0; index < 2; ++index) {
     qt::Connect(optScanSettings[static_cast<std::size_t>(index)], &QRadioButton::clicked, this,
-                [this, index] { m_flow.optScanSettings = index; });
+                [this, index] { m_flow.optScanSettings_Click(index); });
     qt::Connect(optInstComplete[static_cast<std::size_t>(index)], &QRadioButton::clicked, this,
                 [this, index] { m_flow.optInstComplete_Click(index); });
   }
   for (int index = 0; index < 3; ++index) {
     qt::Connect(optBeforeSS[static_cast<std::size_t>(index)], &QRadioButton::clicked, this,
-                [this, index] { m_flow.optBeforeSS = index; });
+                [this, index] { m_flow.optBeforeSS_Click(index); });
   }
   qt::Connect(txtRun, &QLineEdit::textEdited, this,
               [this](const QString& text) { m_flow.txtRun_Change(text.toStdString()); });
@@ -272,9 +275,8 @@ void frmWizard::Connect() {
               [this](const QString& text) { m_flow.txtViewName_Change(text.toStdString()); });
   qt::Connect(txtViewName, &QLineEdit::editingFinished, this,
               [this] { m_flow.txtViewName_LostFocus(); });
-  qt::Connect(txtWait, &QLineEdit::textEdited, this, [this](const QString& text) {
-    m_flow.txtWait = clsWizardFlow::WaitText(text.toStdString());
-  });
+  qt::Connect(txtWait, &QLineEdit::textEdited, this,
+              [this](const QString& text) { m_flow.txtWait_Change(text.toStdString()); });
 }
 
 // One action at a time: messages pass while one runs.
@@ -289,32 +291,37 @@ void frmWizard::DisplayPage(std::int16_t& page, bool forward, bool runActions) {
 }
 
 void frmWizard::Refresh() {
+  const clsWizardFlow::Controls& shown = m_flow.Shown();
   const auto choose = [](const auto& options, int chosen) {
     for (std::size_t i = 0; i < options.size(); ++i) {
       options[i]->setChecked(static_cast<int>(i) == chosen);
     }
   };
-  choose(optScanSettings, m_flow.optScanSettings);
-  choose(optBeforeSS, m_flow.optBeforeSS);
-  choose(optInstComplete, m_flow.optInstComplete);
-  optBeforeSS[1]->setEnabled(m_flow.canReplace);
-  optBeforeSS[2]->setEnabled(m_flow.canUseExisting);
-  lblBeforeSnapshotAge->setText(qt::FromText(m_flow.lblBeforeSnapshotAge));
-  lblAfterSnapshotAge->setText(qt::FromText(m_flow.lblAfterSnapshotAge));
-  Show(*txtRun, m_flow.txtRun);
-  Show(*txtWait, m_flow.txtWait);
-  Show(*txtViewName, m_flow.txtViewName);
+  choose(optScanSettings, shown.optScanSettings);
+  choose(optBeforeSS, shown.optBeforeSS);
+  choose(optInstComplete, shown.optInstComplete);
+  optBeforeSS[1]->setEnabled(shown.canReplace);
+  optBeforeSS[2]->setEnabled(shown.canUseExisting);
+  lblMachine->setText(qt::FromText(shown.lblMachine));
+  lblBeforeSnapshotAge->setText(qt::FromText(shown.lblBeforeSnapshotAge));
+  lblAfterSnapshotAge->setText(qt::FromText(shown.lblAfterSnapshotAge));
+  Show(*txtRun, shown.txtRun);
+  Show(*txtWait, shown.txtWait);
+  Show(*txtViewName, shown.txtViewName);
   for (QWidget* const part : std::initializer_list<QWidget*>{txtWait, lblWait1, lblWait2}) {
-    part->setEnabled(m_flow.CanWait());
+    part->setEnabled(shown.CanWait());
   }
+  const QWidget* const before = m_pages->currentWidget();
   for (std::size_t i = 0; i < picPage.size(); ++i) {
-    if (m_flow.picPage[i].Visible) m_pages->setCurrentWidget(picPage[i]);
+    if (shown.picPage[i].Visible) m_pages->setCurrentWidget(picPage[i]);
   }
-  cmdNext->setEnabled(m_flow.cmdNextEnabled);
-  cmdPrevious->setEnabled(m_flow.cmdPreviousEnabled);
-  cmdFinish->setEnabled(m_flow.cmdFinishEnabled);
-  cmdCancel->setEnabled(m_flow.cmdCancelEnabled);
-  (m_flow.cmdFinishEnabled ? cmdFinish : cmdNext)->setDefault(true);
+  cmdNext->setEnabled(shown.cmdNextEnabled);
+  cmdPrevious->setEnabled(shown.cmdPreviousEnabled);
+  cmdFinish->setEnabled(shown.cmdFinishEnabled);
+  cmdCancel->setEnabled(shown.cmdCancelEnabled);
+  (shown.cmdFinishEnabled ? cmdFinish : cmdNext)->setDefault(true);
+  // Enter goes on, also on a page that no click has led to.
+  if (m_pages->currentWidget() != before && cmdNext->isEnabled()) cmdNext->setFocus();
 }
 
 void frmWizard::SetFocus(WizardControl control) {

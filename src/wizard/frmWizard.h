@@ -67,6 +67,7 @@ class frmWizard final : public QDialog, private clsWizardView {
   std::array<QRadioButton*, 2> optScanSettings{};
   std::array<QRadioButton*, 3> optBeforeSS{};
   std::array<QRadioButton*, 2> optInstComplete{};
+  QLabel* lblMachine;
   QLabel* lblBeforeSnapshotAge;
   QLabel* lblAfterSnapshotAge;
   QLabel* lblWait1;

@@ -21,7 +21,8 @@ class Desk final : public clsWizardCommands, public clsWizardView {
 
   Log Done;
   bool Gone = false, Busy = false, EndsWell = true, CanStore = true, ProgramEndsAll = false;
-  SnapshotLevel Level = SnapshotLevel::None;
+  bool Confirms = true;
+  SnapshotLevel Level = SnapshotLevel::Before;
   std::string Refusal;
   Answer Says = Answer::Yes;
 
@@ -40,7 +41,12 @@ class Desk final : public clsWizardCommands, public clsWizardView {
     Done.emplace_back("before");
     return EndsWell;
   }
-  void ReplaceBefore() override { Done.emplace_back("replace"); }
+  bool ReplaceBefore() override {
+    Done.emplace_back("replace");
+    return EndsWell;
+  }
+  bool ConfirmBefore() override { return Confirms; }
+  std::string MachineText() const override { return "Machine: /m"; }
   bool CanReplaceBefore() const override { return Level == SnapshotLevel::BeforeAndAfter; }
   SnapshotLevel GetSnapshotLevel() const override { return Level; }
   std::string SnapshotTime(const char* which) const override {
@@ -85,7 +91,7 @@ class WizardFlow : public testing::Test {
   void GoTo(std::int16_t page) {
     while (m_flow.Page() > page) m_flow.cmdPrevious_Click();
     while (m_flow.Page() < page) {
-      m_flow.optBeforeSS = 2;
+      m_flow.optBeforeSS_Click(2);
       m_flow.cmdNext_Click();
     }
     m_desk.Take();
@@ -97,15 +103,15 @@ class WizardFlow : public testing::Test {
   /// The page on show and the usable buttons, as "3 npfc".
   std::string State() const {
     std::string state;
-    for (std::size_t i = 0; i < m_flow.picPage.size(); ++i) {
-      if (m_flow.picPage[i].Visible) state += std::to_string(i);
+    for (std::size_t i = 0; i < m_flow.Shown().picPage.size(); ++i) {
+      if (m_flow.Shown().picPage[i].Visible) state += std::to_string(i);
     }
     const auto add = [&](bool enabled, char letter) { state += enabled ? letter : '-'; };
     state += ' ';
-    add(m_flow.cmdPreviousEnabled, 'p');
-    add(m_flow.cmdNextEnabled, 'n');
-    add(m_flow.cmdFinishEnabled, 'f');
-    add(m_flow.cmdCancelEnabled, 'c');
+    add(m_flow.Shown().cmdPreviousEnabled, 'p');
+    add(m_flow.Shown().cmdNextEnabled, 'n');
+    add(m_flow.Shown().cmdFinishEnabled, 'f');
+    add(m_flow.Shown().cmdCancelEnabled, 'c');
     return state;
   }
 
@@ -118,11 +124,11 @@ TEST_F(WizardFlow, ShowsItsPagesAndButtons) {
   EXPECT_EQ(State(), "0 -n-c");
   EXPECT_EQ(Next(), Log{});
   EXPECT_EQ(State(), "1 pn-c");
-  m_flow.optScanSettings = 1;
+  m_flow.optScanSettings_Click(1);
   EXPECT_THAT(Next(), ElementsAre("config"));
-  EXPECT_EQ(m_flow.optScanSettings, 0);
+  EXPECT_EQ(m_flow.Shown().optScanSettings, 0);
   EXPECT_EQ(State(), "2 pn-c");
-  m_flow.optScanSettings = 1;
+  m_flow.optScanSettings_Click(1);
   GoTo(1);
   m_flow.cmdPrevious_Click();
   EXPECT_THAT(m_desk.Take(), ElementsAre("config"));
@@ -132,7 +138,7 @@ TEST_F(WizardFlow, ShowsItsPagesAndButtons) {
   m_flow.txtRun_Change("  ");
   EXPECT_EQ(State(), "3 p--c");
   m_flow.cmdBrowse_Click();
-  EXPECT_EQ(m_flow.txtRun, "\"/my setup.exe\"");
+  EXPECT_EQ(m_flow.Shown().txtRun, "\"/my setup.exe\"");
   EXPECT_EQ(State(), "3 pn-c");
   m_desk.Busy = true;
   EXPECT_EQ(Next(), Log{});
@@ -143,10 +149,13 @@ TEST_F(WizardFlow, OffersTheSnapshotsThatExist) {
   const auto ages = [this] {
     GoTo(1);
     GoTo(2);
-    return m_flow.lblBeforeSnapshotAge + "|" + m_flow.lblAfterSnapshotAge + "|" +
-           (m_flow.canUseExisting ? "use" : "") + (m_flow.canReplace ? " replace" : "");
+    return m_flow.Shown().lblBeforeSnapshotAge + "|" + m_flow.Shown().lblAfterSnapshotAge + "|" +
+           (m_flow.Shown().canUseExisting ? "use" : "") +
+           (m_flow.Shown().canReplace ? " replace" : "");
   };
-  EXPECT_EQ(ages(), "||");
+  m_desk.Level = SnapshotLevel::None;
+  EXPECT_EQ((GoTo(1), Next(), m_flow.Shown().canUseExisting), false);
+  EXPECT_EQ(m_flow.Shown().lblMachine, "Machine: /m");
   m_desk.Level = SnapshotLevel::Before;
   EXPECT_EQ(ages(), "Existing 'Before Snapshot' created: Monday||use");
   m_desk.Level = SnapshotLevel::BeforeAndAfter;  // taken at a time that isn't known
@@ -158,26 +167,39 @@ TEST_F(WizardFlow, TakesTheBeforeSnapshot) {
       "Sandrel Manager: You will be returned to the Snapshot / Analysis Wizard when the snapshot "
       "is complete";
   GoTo(2);
-  m_flow.optBeforeSS = 0;
+  m_flow.optBeforeSS_Click(0);
   EXPECT_THAT(Next(), ElementsAre(told, "hide", "before", "show"));
-  EXPECT_EQ(m_flow.optBeforeSS, 2);
+  EXPECT_EQ(m_flow.Shown().optBeforeSS, 2);
   GoTo(2);
-  m_flow.optBeforeSS = 1;
+  m_flow.optBeforeSS_Click(1);
   EXPECT_THAT(Next(), ElementsAre("replace"));
+  // What can't be used is told before the installation, not after it.
   GoTo(2);
-  m_flow.optBeforeSS = 0;
+  m_flow.optBeforeSS_Click(2);
+  m_desk.Level = SnapshotLevel::None;
+  EXPECT_THAT(Next(), ElementsAre(testing::HasSubstr("no 'Before' snapshot to compare with")));
+  EXPECT_EQ(State() + std::to_string(m_flow.Shown().optBeforeSS), "2 pn-c0");
+  m_desk.Level = SnapshotLevel::Before;
+  m_desk.Confirms = false;
+  m_flow.optBeforeSS_Click(2);
+  EXPECT_EQ(Next(), Log{});
+  EXPECT_EQ(State(), "2 pn-c");
   m_desk.EndsWell = false;
+  m_flow.optBeforeSS_Click(1);
+  EXPECT_THAT(Next(), ElementsAre("replace"));
+  EXPECT_EQ(State(), "2 pn-c");
+  m_flow.optBeforeSS_Click(0);
   EXPECT_THAT(Next(), ElementsAre(told, "hide", "before", "unload"));
 }
 
 TEST_F(WizardFlow, RunsTheInstaller) {
   GoTo(3);
   m_flow.txtRun_Change("setup /S");
-  m_flow.optInstComplete = 1;
+  m_flow.optInstComplete_Click(1);
   EXPECT_THAT(Next(),
               ElementsAre("store", "hide", "no main", "run setup /S", "delete", "main", "show"));
   EXPECT_EQ(State(), "4 pn-c");
-  EXPECT_FALSE(m_flow.CanWait());
+  EXPECT_FALSE(m_flow.Shown().CanWait());
   GoTo(3);
   m_desk.Refusal = "No Wine";
   EXPECT_THAT(Next(), ElementsAre("Sandrel Manager: No Wine"));
@@ -199,11 +221,11 @@ TEST_F(WizardFlow, WaitsLonger) {
   EXPECT_EQ(m_desk.Take(), Log{});
   m_flow.optInstComplete_Click(1);
   for (const char* minutes : {"", "99999999"}) {
-    m_flow.txtWait = minutes;
+    m_flow.txtWait_Change(minutes);
     EXPECT_THAT(Next(), ElementsAre(testing::HasSubstr("number of minutes"))) << minutes;
     EXPECT_EQ(State(), "4 pn-c");
   }
-  m_flow.txtWait = clsWizardFlow::WaitText("1x0");
+  m_flow.txtWait_Change("1x0");
   EXPECT_THAT(Next(),
               ElementsAre("store", "hide", "no main", "wait 600", "delete", "main", "show"));
   EXPECT_EQ(State(), "4 pn-c");
@@ -219,6 +241,7 @@ TEST_F(WizardFlow, MakesTheAnalysis) {
       "and analysis completes";
   GoTo(5);
   m_flow.txtViewName_Change("analysis");
+  m_desk.Level = SnapshotLevel::None;
   EXPECT_THAT(Next(), ElementsAre(testing::HasSubstr("no 'Before' snapshot")));
   m_desk.Level = SnapshotLevel::Before;
   m_flow.txtViewName_Change("analysis.MDB");
@@ -244,11 +267,11 @@ TEST_F(WizardFlow, MakesTheAnalysis) {
   EXPECT_THAT(Next(), ElementsAre(question, told, "hide", "analysis " + path, "unload"));
 
   m_flow.cmdSaveAnalysisBrowse_Click();
-  EXPECT_EQ(m_flow.txtViewName, "/tmp/a.mdb");
+  EXPECT_EQ(m_flow.Shown().txtViewName, "/tmp/a.mdb");
   for (const auto& [typed, left] : {std::pair(" ", " "), {"a.txt", "a.txt.mdb"}}) {
     m_flow.txtViewName_Change(typed);
     m_flow.txtViewName_LostFocus();
-    EXPECT_EQ(m_flow.txtViewName, left);
+    EXPECT_EQ(m_flow.Shown().txtViewName, left);
   }
 }
 

@@ -52,7 +52,9 @@ class Wizard : public WindowFixture {
     EXPECT_EQ(Cell(analysis, "SELECT PathName || FileName FROM tblNewFiles WHERE FileName <> ''"),
               "C:\\Acme\\acme.txt");
   }
-  std::string Entry() const { return clsRunOnce().PathOf("zqSandrel"); }
+  std::string Entry() const {
+    return clsRunOnce().PathOf(clsRunOnce::WizardEntry(m_temp.Of("home")));
+  }
 
   frmWizard* Form() { return m_form->findChild<frmWizard*>(); }
   bool IsShown() { return Form() != nullptr && Form()->isVisible(); }
@@ -180,7 +182,7 @@ TEST_F(Wizard, WaitsHiddenWhileMessagesPass) {
   bool stored = false;
   std::string commands;
   QTimer::singleShot(0, [&] {
-    stored = clsFileWorks::FileExists(Entry()) && !IsShown() && !m_form->isVisible();
+    stored = clsFileWorks::FileExists(Entry()) && !IsShown() && m_form->isMinimized();
     commands = Commands();
   });
   Next();

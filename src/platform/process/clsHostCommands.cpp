@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cctype>
+#include <cerrno>
 #include <cstdlib>
 
 #include "common/clsError.h"
@@ -76,6 +77,15 @@ HostCommand clsHostCommands::Make(std::vector<std::string> words) const {
   }
   command.Words.insert(command.Words.end(), words.begin() + 1, words.end());
   return command;
+}
+
+void clsHostCommands::Check(const HostCommand& command, const std::string& name) {
+  if (command.Words.empty()) {
+    throw clsError(errnum::FileNotFound, fmt::format("There is no program {} to run.", name));
+  }
+  if (access(command.Words[0].c_str(), X_OK) != 0) {
+    throw ErrnoError(errno, fmt::format("Can't start {}", name));
+  }
 }
 
 std::optional<clsHostCommands::Program> clsHostCommands::Find(const std::string& name) const {

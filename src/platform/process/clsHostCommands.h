@@ -29,6 +29,8 @@ class clsHostCommands {
   /// without Wine.
   HostCommand Make(const std::string& commandLine) const;
   HostCommand Make(std::vector<std::string> words) const;
+  /// Raises why the command for the program `name` can't be started: 53 when there is none.
+  static void Check(const HostCommand& command, const std::string& name);
 
  private:
   struct Program {

@@ -10,9 +10,9 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <string_view>
 
 #include "common/clsFileWorks.h"
+#include "common/modHash.h"
 
 namespace sandrel {
 namespace {
@@ -24,15 +24,6 @@ std::string Canonical(const std::string& folder) {
   if (failure) return folder;
   if (!path.has_filename()) path = path.parent_path();
   return path.string();
-}
-
-// FNV-1a: two builds of the program must find the same name, which std::hash doesn't promise.
-std::uint64_t Hash(std::string_view bytes) {
-  std::uint64_t hash = 0xcbf29ce484222325u;
-  for (const char byte : bytes) {
-    hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3u;
-  }
-  return hash;
 }
 
 // Opens a file of this user alone, or gives -1. Another user's, put there in the shared temporary
@@ -48,7 +39,7 @@ int OpenOwn(const std::string& path) {
 }
 
 int OpenLockFile(const std::string& homeFolder) {
-  const std::uint64_t hash = Hash(Canonical(homeFolder));
+  const std::uint64_t hash = StableHash(Canonical(homeFolder));
   const char* const runtimeFolder = std::getenv("XDG_RUNTIME_DIR");
   if (runtimeFolder != nullptr && *runtimeFolder == '/') {
     const int file =

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "common/clsFileWorks.h"
+#include "common/modHash.h"
 
 namespace sandrel {
 namespace {
@@ -56,6 +57,14 @@ std::string Word(std::string_view word) {
 }  // namespace
 
 clsRunOnce::clsRunOnce() : m_folder(AutostartFolder()) {}
+
+std::string clsRunOnce::WizardEntry(std::string_view home) {
+  return fmt::format("zqSandrel-{:016x}", StableHash(home));
+}
+
+bool clsRunOnce::HasValue(std::string_view name) const {
+  return clsFileWorks::FileExists(PathOf(name));
+}
 
 std::string clsRunOnce::PathOf(std::string_view name) const {
   return clsFileWorks::Join(m_folder, fmt::format("{}.desktop", name));

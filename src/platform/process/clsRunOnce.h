@@ -10,8 +10,8 @@ namespace sandrel {
 
 class clsRunOnce {
  public:
-  /// Name of the wizard's entry.
-  static constexpr const char* WizardEntry = "zqSandrel";
+  /// Name of the entry of the wizard over a home folder; each has its own.
+  static std::string WizardEntry(std::string_view home);
 
   /// In the user's own autostart folder, or in `folder`.
   clsRunOnce();
@@ -23,6 +23,8 @@ class clsRunOnce {
                 const std::vector<std::string>& variables) const;
   /// Removes an entry; one that isn't there is no error.
   void DeleteValue(std::string_view name) const;
+
+  bool HasValue(std::string_view name) const;
 
   /// Host path of an entry, which need not exist.
   std::string PathOf(std::string_view name) const;

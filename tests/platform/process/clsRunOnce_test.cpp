@@ -20,14 +20,16 @@ TEST(RunOnce, EntryStartsTheLauncherWhichRemovesItAndStartsTheProgram) {
                                           temp.Of("out") + "'\n");
   chmod(program.c_str(), 0755);
   const clsRunOnce entries;
-  EXPECT_EQ(entries.PathOf("zqSandrel"), temp.Of("config/autostart/zqSandrel.desktop"));
-  entries.DeleteValue("zqSandrel");
-  entries.SetValue("zqSandrel", {SANDREL_ASYNC_STARTUP, program, "/wizard", "page 4"},
-                   {"NAME=a $b \\ \"c\"\t%f\n!"});
-  ASSERT_TRUE(clsFileWorks::FileExists(entries.PathOf("zqSandrel")));
-  EXPECT_EQ(test::RunAtLogon(entries.PathOf("zqSandrel")), 0);
+  const std::string name = clsRunOnce::WizardEntry("/my home");
+  EXPECT_NE(name, clsRunOnce::WizardEntry("/other home")) << "each home has its own wizard";
+  EXPECT_EQ(entries.PathOf(name), temp.Of("config/autostart/" + name + ".desktop"));
+  entries.DeleteValue(name);
+  entries.SetValue(name, {SANDREL_ASYNC_STARTUP, program, "/wizard", "page 4"},
+                   {"SANDREL_HOME=/my home", "NAME=a $b \\ \"c\"\t%f\n!"});
+  ASSERT_TRUE(clsFileWorks::FileExists(entries.PathOf(name)));
+  EXPECT_EQ(test::RunAtLogon(entries.PathOf(name)), 0);
   EXPECT_EQ(clsFileWorks::ReadWhole(temp.Of("out")), "2|/wizard|page 4|a $b \\ \"c\"\t%f\n!|");
-  EXPECT_FALSE(clsFileWorks::FileExists(entries.PathOf("zqSandrel")));
+  EXPECT_FALSE(clsFileWorks::FileExists(entries.PathOf(name)));
 }
 
 }  // namespace
