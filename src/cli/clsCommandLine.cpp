@@ -332,6 +332,7 @@ int clsCommands::NoteRecords() {
 
 int clsCommands::ApplyRecords() {
   const auto machine = OpenMachine();
+  OfAnalysis([&] { return ReadStat(dao::DBEngine::FirstWorkspace(), m_arguments.File, ""); });
   m_shell.State.AnalysisPath = clsFileWorks::Absolute(m_arguments.File);
   clsSetupRecords(m_shell, m_settings, m_home, *machine).UpdateSetupTables();
   return Print("Records of shared DLLs added: " + m_arguments.File);

@@ -143,7 +143,7 @@ void clsTargetFolder::Copy(const std::string& source, const std::vector<std::str
     if (there.st_dev == status.st_dev && there.st_ino == status.st_ino) {
       throw clsError(errnum::PathFileAccess, "Can't write " + target + ": it is copied itself");
     }
-    NeedTarget(target);
+    NeedCopyTarget(target);
   }
   // The copy appears whole under its name; a link or a file that stood there goes.
   const std::string temporary = clsNewFile::PlaceBeside(name);
@@ -152,8 +152,8 @@ void clsTargetFolder::Copy(const std::string& source, const std::vector<std::str
     CopyBytes(from.Get(), to.Get(), source, target);
     const std::array<timespec, 2> times = {status.st_atim, status.st_mtim};
     futimens(to.Get(), times.data());
-    // Some systems tell what could not be written when a file is closed.
-    if (close(dup(to.Get())) != 0) throw ErrnoError(errno, "Can't write " + target);
+    // A name must never stand for less than the whole file, also when the power goes.
+    if (fdatasync(to.Get()) != 0) throw ErrnoError(errno, "Can't write " + target);
     if (renameat(folder.Get(), temporary.c_str(), folder.Get(), name.c_str()) != 0) {
       throw TargetError(ErrnoError(errno, "Can't replace " + target));
     }

@@ -16,6 +16,7 @@
 #include "snapshot/clsComparison.h"
 #include "snapshot/modFileDialogs.h"
 #include "store/clsSnapshotRecord.h"
+#include "store/modTarget.h"
 
 namespace sandrel {
 clsAnalysis::clsAnalysis(clsShell& shell, clsSettings& settings, const clsHome& home,
@@ -48,7 +49,10 @@ void clsAnalysis::CheckTarget(const std::string& path) const {
         fmt::format("Can't write the analysis {}: there is no folder {}.", path, folder));
   }
   // What else refuses a file there refuses one that is begun.
-  RaiseAs("clsAnalysis.CheckTarget", [&] { clsNewFile{path}; });
+  RaiseAs("clsAnalysis.CheckTarget", [&] {
+    NeedAnalysisTarget(path);
+    clsNewFile{path};
+  });
 }
 
 // One statement of the After command; false when it failed or said so.

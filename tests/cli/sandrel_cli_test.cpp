@@ -335,6 +335,45 @@ TEST_F(SandrelCliStopped, AKilledCommandLeavesTheOldStateOrTheNewOne) {
   EXPECT_EQ(InTheMaking(), 0U) << "what a killed run left is taken over by the next one";
 }
 
+TEST_F(SandrelCliStopped, AKilledExportOrCopyLeavesOldFilesOrNewOnes) {
+  ASSERT_EQ(Run({"before"}).Status, 0);
+  std::string values = "[Software\\\\N] 1\n";
+  for (int i = 0; i < 3000; ++i) values += "\"v" + std::to_string(i) + "\"=\"text\"\n";
+  m_sample.SetUserReg(SampleMachine::UserKeys() + values + "\n");
+  const std::string fresh(2000000, 'f');
+  const std::string old(1000000, 'o');
+  for (const char* name : {"C:\\New\\a", "C:\\New\\b", "C:\\New\\c"})
+    m_sample.WriteFile(name, fresh);
+  ASSERT_EQ(Run({"after", File()}).Status, 0);
+  const std::string out = m_temp.Of("x.reg");
+  ASSERT_EQ(Run({"export", File(), out}).Status, 0);
+  const std::string exported = clsFileWorks::ReadWhole(out);
+  KillAtManyMoments(
+      {"export", File(), out, "--yes"},
+      [&] {
+        const std::string now = clsFileWorks::ReadWhole(out);
+        EXPECT_TRUE(now == "old" || now == exported) << now.size();
+      },
+      [&] { clsFileWorks::ReplaceWhole(out, "old"); });
+  std::filesystem::create_directories(m_temp.Of("to/New"));
+  const auto copies = [&](auto&& each) {
+    for (const char* name : {"a", "b", "c"}) each(m_temp.Of("to/New/") + name);
+  };
+  const std::vector<std::string> copy = {"copy", File(), m_temp.Of("to")};
+  KillAtManyMoments(
+      copy,
+      [&] {
+        copies([&](const std::string& path) {
+          const std::string now = clsFileWorks::ReadWhole(path);
+          EXPECT_TRUE(now == old || now == fresh) << path << now.size();
+        });
+      },
+      [&] { copies([&](const std::string& path) { clsFileWorks::ReplaceWhole(path, old); }); });
+  EXPECT_EQ(Run(copy).Status, 0);
+  for (const auto& item : std::filesystem::directory_iterator(m_temp.Of("to/New")))
+    EXPECT_FALSE(item.path().filename().string().starts_with(".")) << item.path();
+}
+
 TEST_F(SandrelCliStopped, AFullDiskIsToldAndLeavesNothingHalf) {
   // A limit on the size of files stands for the disk.
   const Result before = Finish(Start({"before"}, 150000));
@@ -394,8 +433,21 @@ TEST_F(SandrelCli, PrintsAPage) {
   ExpectFailure({"export", File(), Working(), "--yes"}, 2, "that file holds an analysis or snap");
   ExpectFailure({"after", Working(), "--yes"}, 2, "that file holds the snapshots");
   EXPECT_TRUE(IsWhole(File()) && IsWhole(Working()));
+  std::filesystem::create_symlink(m_machine + "/user.reg", m_temp.Of("link"));
+  const std::string hive = clsFileWorks::ReadWhole(m_temp.Of("link"));
+  Run({"settings", "Some", "key", "1"});
+  for (const char* command : {"print", "export", "after"}) {
+    const auto into = [&](const std::string& target) {
+      std::vector<std::string> words = {command, target, "--yes"};
+      if (words[0] != "after") words.insert(words.begin() + 1, File());
+      return words;
+    };
+    ExpectFailure(into(m_temp.Of("link")), 2, "that file holds the registry of a machine");
+    ExpectFailure(into(m_temp.Of("settings.ini")), 2, "that file holds the settings");
+  }
+  EXPECT_EQ(clsFileWorks::ReadWhole(m_temp.Of("link")), hive);
+  ExpectFailure({"setup-records", "apply", m_temp.Of("link")}, 2, "corrupt Sandrel Database");
   ExpectFailure({"print", File(), m_temp.Of(""), "--yes"}, 2, "no regular file");
-  ExpectFailure({"print", m_temp.Of("settings.ini"), pdf, "--yes"}, 2, "");
   // A full disk costs neither the old file nor an error's text.
   const Result full = Finish(Start({"print", File(), pdf, "--yes"}, 4096));
   EXPECT_EQ(full.Status, 2);

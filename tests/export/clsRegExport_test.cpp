@@ -6,6 +6,7 @@
 #include <random>
 #include <vector>
 
+#include "Places.h"
 #include "common/clsFileWorks.h"
 #include "common/text.h"
 #include "support/NumberOf.h"
@@ -93,6 +94,18 @@ TEST(clsRegExport, WrapsBehindTheFirstCommaPastTheLimit) {
   EXPECT_EQ(clsRegExport::WrapHexText("hex:00,", 71), "hex:00,\\\r\n  ");
 }
 
+// The text that stands as "61,0a,00".
+std::string TextOf(const std::string& pairs) {
+  std::string bytes;
+  for (std::size_t at = 0; at + 2 < pairs.size(); at += 3) {
+    bytes.push_back(static_cast<char>(std::stoi(pairs.substr(at, 2), nullptr, 16)));
+  }
+  EXPECT_TRUE(pairs.ends_with(",00"));
+  std::string text = text::FromCp1252(bytes);
+  text::ReplaceNul(text);
+  return text;
+}
+
 // A reader of such files, as strict as an editor's: "key|name" to "type:data".
 std::map<std::string, std::string> ReadBack(std::string file) {
   std::map<std::string, std::string> values;
@@ -118,7 +131,9 @@ std::map<std::string, std::string> ReadBack(std::string file) {
     }
     if (i >= line.size() || line[i] != '=') continue;
     const bool isText = line[++i] == '"';
-    EXPECT_TRUE(values.emplace(key + "|" + name, isText ? "1:" + quoted() : line.substr(i)).second);
+    std::string data = isText ? "1:" + quoted() : line.substr(i);
+    if (data.starts_with("hex(1):")) data = "1:" + TextOf(data.substr(7));
+    EXPECT_TRUE(values.emplace(key + "|" + name, data).second);
   }
   return values;
 }
@@ -165,10 +180,8 @@ TEST(clsRegExport, AReaderGetsTheRowsOrTheyAreNamed) {
     for (const auto& [place, data] : ReadBack(clsFileWorks::ReadWhole(temp.Of("x.reg")))) {
       for (const clsRegEntry& row : rows) {
         if (row.Branch + "|" + row.ValueName != place) continue;
-        const std::string form = row.RegType == 4           ? "dword:"
-                                 : data.substr(0, 1) == "1" ? "1:" + row.Value
-                                                            : "hex(1):";
-        found += data.starts_with(form);
+        found += data ==
+                 (row.RegType == 4 ? clsRegExport::FormatValue(row.Value, 4, 0) : "1:" + row.Value);
       }
     }
     ASSERT_EQ(found, registry.Written()) << clsFileWorks::ReadWhole(temp.Of("x.reg"));
@@ -176,34 +189,56 @@ TEST(clsRegExport, AReaderGetsTheRowsOrTheyAreNamed) {
   EXPECT_GT(written, 1000U);
 }
 
-TEST(clsRegExport, WhatTheFormatCantCarryIsNamed) {
+TEST(clsRegExport, WhatCantStandInTextGoesOutAsBytes) {
   EXPECT_EQ(Line("n", "a\r\n[K]\r\n\"x\"=\"y\"\u2400", "STRING").substr(0, 28),
             "\"n\"=hex(1):61,0d,0a,5b,4b,5d");
   const std::string longName(200, 'n');
   EXPECT_EQ(Line(longName.c_str(), "00 01 02", "BINARY"),
             "\"" + longName + "\"=hex:00,\\\r\n  01,02");
-  std::vector<std::string> leftOut;
-  const std::string file = Exported({{"K", "fits", "1", "DWORD"},
-                                     {"K", "a\"b", "1", "DWORD"},
-                                     {"K", "C:\\x", "1", "DWORD"},
-                                     {"K", "line\nend", "1", "DWORD"},
-                                     {"K\u0416", "n", "1", "DWORD"},
-                                     {"K", "letters", "\u2603", "STRING"},
-                                     {"K", "list", "D0 96 00 00", "MULTI_STRING"},
-                                     {"K", "large", "4294967296", "DWORD"},
-                                     {"K", "", "x", "BIG_ENDIAN"}},
-                                    &leftOut);
-  EXPECT_EQ(file, "REGEDIT4\r\n\r\n[K]\r\n\"fits\"=dword:00000001\r\n");
-  const std::vector<std::string> named = {
-      "K (Default): 'x' is no number.",
-      "K \"C:\\x\": A name with quotes or backslashes can't stand in a registry file.",
-      "K \"a\"b\": A name with quotes or backslashes can't stand in a registry file.",
-      "K \"large\": 4294967296 is no number of 32 bits.",
-      "K \"letters\": A letter that code page 1252 lacks can't stand in a registry file.",
-      "K \"line\nend\": A name with control characters can't stand in a registry file.",
-      "K \"list\": A letter that code page 1252 lacks can't stand in a registry file.",
-      "K\u0416 \"n\": A letter that code page 1252 lacks can't stand in a registry file."};
-  EXPECT_EQ(leftOut, named);
+}
+
+// The manual's table has a row for each of these, and no other.
+TEST(clsRegExport, WhatTheFormatCantCarryIsNamedAsInTheManual) {
+  struct Row {
+    const char* What;
+    std::vector<Value> Examples;
+  };
+  const Row rows[] = {
+      {"a letter that code page 1252 (Western European) lacks, in a key, a name, a STRING, an "
+       "EXPAND_STRING or a MULTI_STRING",
+       {{"K\u0416", "n", "1", "DWORD"},
+        {"K", "n\u0416", "1", "DWORD"},
+        {"K", "n", "\u2603", "STRING"},
+        {"K", "n", "\u2603\n", "STRING"},
+        {"K", "n", "\u2603", "EXPAND_STRING"},
+        {"K", "n", "D0 96 00 00", "MULTI_STRING"}}},
+      {"a quote or a backslash in a value's name",
+       {{"K", "a\"b", "1", "DWORD"}, {"K", "C:\\x", "1", "DWORD"}, {"K", "x\\", "1", "DWORD"}}},
+      {"control characters in the name of a key or a value",
+       {{"K\n", "n", "1", "DWORD"}, {"K", "a\r\nb", "1", "DWORD"}, {"K", "\u2400", "1", "DWORD"}}},
+      {"a DWORD or BIG_ENDIAN value whose data is no number",
+       {{"K", "n", "x", "DWORD"}, {"K", "", "x", "BIG_ENDIAN"}}},
+      {"one whose number has more than 32 bits", {{"K", "n", "4294967296", "DWORD"}}}};
+  std::string table;
+  for (const Row& row : rows) {
+    std::string reason;
+    for (const Value& value : row.Examples) {
+      std::vector<std::string> leftOut;
+      EXPECT_EQ(Exported({{"K", "fits", "1", "DWORD"}, value}, &leftOut),
+                "REGEDIT4\r\n\r\n[K]\r\n\"fits\"=dword:00000001\r\n");
+      const std::string place =
+          *value.Name == 0 ? "(Default)" : '"' + std::string(value.Name) + '"';
+      const std::string head = std::string(value.Branch) + " " + place + ": ";
+      ASSERT_TRUE(leftOut.size() == 1 && leftOut[0].starts_with(head)) << row.What;
+      EXPECT_TRUE(reason.empty() || leftOut[0] == head + reason) << leftOut[0];
+      reason = leftOut[0].substr(head.size());
+    }
+    table += "| " + std::string(row.What) + " | " + reason + " |\n";
+  }
+  const std::string manual = clsFileWorks::ReadWhole(SANDREL_MANUAL "/09-exporting.md");
+  EXPECT_NE(manual.find("\n| What | Sandrel's words |\n|---|---|\n" + table + "\n"),
+            std::string::npos)
+      << table;
   EXPECT_EQ(Exported({{"K", "n", "x", "DWORD"}}), "");
 }
 
