@@ -1,13 +1,9 @@
 #include "browser/DeleteStatement.h"
 
-#include <fmt/format.h>
-
 #include <array>
 #include <string_view>
 
 #include "browser/Pages.h"
-#include "common/clsError.h"
-#include "common/text.h"
 
 namespace sandrel {
 namespace {
@@ -76,18 +72,7 @@ constexpr std::array<std::array<std::string_view, 6>, page::Stats + 1> Pieces = 
 
 constexpr char Quote = '"';
 
-// The first cell's quotes are doubled; with one in another cell there is no such statement.
-void AppendCell(std::string& sql, std::string_view cell, bool isFirst) {
-  if (cell.find(Quote) == std::string_view::npos) {
-    sql += cell;
-    return;
-  }
-  if (!isFirst) {
-    throw clsError(errnum::SyntaxError,
-                   fmt::format("Syntax error in query expression: the row can't be named, as '{}' "
-                               "holds a double quote.",
-                               text::Left(cell, 100)));
-  }
+void AppendCell(std::string& sql, std::string_view cell) {
   for (const char c : cell) {
     sql += c;
     if (c == Quote) sql += c;
@@ -103,7 +88,7 @@ std::string DeleteStatement(const ListView& list, std::size_t row) {
     if (piece.empty()) break;
     if (!sql.empty()) {
       sql += Quote;
-      AppendCell(sql, list.Cell(row, cell), cell == 0);
+      AppendCell(sql, list.Cell(row, cell));
       sql += Quote;
       ++cell;
     }

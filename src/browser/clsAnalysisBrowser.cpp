@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "common/clsError.h"
+#include "common/clsFileWorks.h"
 #include "snapshot/clsStatements.h"
 
 namespace sandrel {
@@ -63,6 +64,7 @@ clsAnalysisBrowser::clsAnalysisBrowser(clsShell& shell, clsSettings& settings,
     mnuFileClose_Click();
   };
   Editing.LoadAllpages = [this] { LoadAllpages(); };
+  Editing.IsReplaced = [this] { return AskIfReplaced(); };
   SetEvents();
   SetCommands();
 }
@@ -76,7 +78,10 @@ void clsAnalysisBrowser::Command(const char* method, const std::function<void()>
 
 void clsAnalysisBrowser::SetEvents() {
   TreeView& tree = m_controls.treeView;
-  tree.Click = [this] { Command("frmSandrel.treeView_Click", [this] { Tree.treeView_Click(); }); };
+  tree.Click = [this] {
+    m_controls.CurrentPane = clsMainControls::Pane::Tree;
+    Command("frmSandrel.treeView_Click", [this] { Tree.treeView_Click(); });
+  };
   tree.NodeClick = [this](Node& node) {
     Command("frmSandrel.treeView_NodeClick", [&] { Tree.treeView_NodeClick(node); });
   };
@@ -85,6 +90,10 @@ void clsAnalysisBrowser::SetEvents() {
   };
   tree.KeyUp = [this](int code) {
     Command("frmSandrel.treeView_KeyUp", [&] { Tree.treeView_KeyUp(code); });
+  };
+  tree.GotFocus = [this] {
+    m_controls.CurrentPane = clsMainControls::Pane::Tree;
+    m_shell.UpdateCommandState();
   };
   for (int index = 0; index < page::Count; ++index) {
     ListView& list = m_controls.List(index);
@@ -98,7 +107,11 @@ void clsAnalysisBrowser::SetEvents() {
     list.KeyUp = [this](int code) {
       Command("frmSandrel.listView_KeyUp", [&] { Tree.listView_KeyUp(code); });
     };
-    list.ItemClick = list.GotFocus = list.LostFocus = [this] { m_shell.UpdateCommandState(); };
+    list.LostFocus = [this] { m_shell.UpdateCommandState(); };
+    list.ItemClick = list.GotFocus = [this] {
+      m_controls.CurrentPane = clsMainControls::Pane::List;
+      m_shell.UpdateCommandState();
+    };
   }
 }
 
@@ -150,6 +163,23 @@ void clsAnalysisBrowser::SaveLayout() {
   LeavePages();
 }
 
+bool clsAnalysisBrowser::AskIfReplaced() {
+  const std::string path = m_shell.State.AnalysisPath;
+  if (path.empty() || !m_controls.Deletes.IsReplaced()) return false;
+  m_controls.Deletes.Rollback();  // in the old file, which nobody sees any more
+  if (m_shell.Ask({path + "\n\nAnother program has replaced this analysis. Open it anew?",
+                   "Sandrel Manager", Buttons::YesNo, BoxIcon::Question}) == Answer::Yes) {
+    Files.OpenNamed(path);
+  }
+  return true;
+}
+
+void clsAnalysisBrowser::AskIfReplacedOnce() {
+  const std::string now = clsFileWorks::Identity(m_shell.State.AnalysisPath);
+  if (now.empty() || now == m_declined) return;
+  if (AskIfReplaced() && m_controls.Deletes.IsReplaced()) m_declined = now;
+}
+
 bool clsAnalysisBrowser::Open(const std::string& path) {
   const bool opened = Load(path);
   m_shell.UpdateCommandState();
@@ -164,6 +194,7 @@ bool clsAnalysisBrowser::Load(const std::string& path) {
   run([&] { Editing.CommitPendingDeletes(); });
   if (!state.AnalysisPath.empty()) LeavePages();
   state.AnalysisPath = path;
+  m_controls.Deletes.Note(path);
   run([&] { Tree.BuildTree(); });
   run([&] { Tree.ShowNode(m_controls.treeView.Item("Root")); });
   if (state.AnalysisPath != path) return false;

@@ -33,6 +33,11 @@ class clsAnalysisBrowser {
   /// Opens the analysis at the host path, with all its pages. False when it is none; nothing is
   /// open then.
   bool Open(const std::string& path);
+  /// Offers to open the analysis anew when another program has replaced its file; what was deleted
+  /// and not yet committed is taken back then. True when it was replaced, whatever the answer.
+  bool AskIfReplaced();
+  /// The same, but not again about a file that the user didn't want to open.
+  void AskIfReplacedOnce();
   /// Closes the open analysis; its pending deletes stay done.
   void mnuFileClose_Click();
   /// Fills all pages and the folder nodes.
@@ -51,6 +56,7 @@ class clsAnalysisBrowser {
 
   clsShell& m_shell;
   clsMainControls& m_controls;
+  std::string m_declined;  // the file that the user did not want in the place of the open one
   bool m_loading = false;  // pages are being filled
 };
 

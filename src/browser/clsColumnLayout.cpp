@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -72,9 +73,15 @@ void clsColumnLayout::Keep(const std::function<void()>& save) {
   sandrel::Keep(m_shell, m_settings, "The columns' layout", save);
 }
 
+// A column that has its even width follows the window: that is stored for none.
 void clsColumnLayout::SaveWidths(const ListView& list, const std::string& section) {
+  const auto even = m_evenWidths.find(section);
   for (const ListColumn& column : list.Columns()) {
-    m_settings.SaveSetting(section, column.Text, fmt::to_string(column.Width));
+    if (even == m_evenWidths.end() || column.Width != even->second) {
+      m_settings.SaveSetting(section, column.Text, fmt::to_string(column.Width));
+    } else if (!m_settings.GetSetting(section, column.Text).empty()) {
+      m_settings.DeleteSetting(section, column.Text);
+    }
   }
 }
 
@@ -103,10 +110,11 @@ void clsColumnLayout::GetColumnOrders(clsStatements& run, ListView& list,
                                       const std::string& section) {
   for (std::size_t i = 0; i < list.Columns().size(); ++i) {
     const int number = static_cast<int>(i) + 1;
+    // Another analysis may have more columns: a place behind the last one is the last one.
     run([&] {
-      list.SetPosition(
-          i,
-          ToNumber(m_settings.GetSetting(OrderSection(section), fmt::to_string(number)), number));
+      const int stored =
+          ToNumber(m_settings.GetSetting(OrderSection(section), fmt::to_string(number)), number);
+      list.SetPosition(i, std::clamp(stored, 1, static_cast<int>(list.Columns().size())));
     });
   }
 }
@@ -114,6 +122,7 @@ void clsColumnLayout::GetColumnOrders(clsStatements& run, ListView& list,
 void clsColumnLayout::GetWidths(clsStatements& run, ListView& list, const std::string& section) {
   const std::vector<ListColumn>& columns = list.Columns();
   const int even = EvenWidth(list, columns.size());
+  m_evenWidths[section] = even;
   for (int position = 1; static_cast<std::size_t>(position) <= columns.size(); ++position) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
       if (columns[i].Position != position) continue;
@@ -236,6 +245,7 @@ void clsColumnLayout::mnuSettingsColumnsResetWidthsCurrent_Click() {
   ListView& list = m_controls.ListOfTag(tag);
   const bool shared = PageIndex(tag) == page::SharedPage;
   ResetWidths(list);
+  m_evenWidths[shared ? list.Tag : tag] = EvenWidth(list, list.Columns().size());
   Keep([&] {
     if (shared) {
       DropSection(list.Tag);
@@ -255,7 +265,7 @@ void clsColumnLayout::mnuSettingsColumnsResetOrderCurrent_Click() {
 // Asks, and then resets each list and what is kept of the views of hives. These have nothing under
 // their page's own name.
 bool clsColumnLayout::ResetAll(const char* question, void (*reset)(ListView& list), Saver save,
-                               std::string_view shared) {
+                               std::string_view what) {
   if (m_shell.Ask({question, "Sandrel Manager", Buttons::YesNo, BoxIcon::Question}) !=
       Answer::Yes) {
     return false;
@@ -264,10 +274,14 @@ bool clsColumnLayout::ResetAll(const char* question, void (*reset)(ListView& lis
     for (int index = 0; index < page::Count; ++index) {
       ListView& list = m_controls.List(index);
       reset(list);
-      if (index < page::SharedPage) (this->*save)(list, PageName(index));
+      if (index >= page::SharedPage) continue;
+      // Also what is kept of columns that this analysis lacks.
+      DropSection(what == "order" ? OrderSection(PageName(index)) : PageName(index));
+      m_evenWidths[PageName(index)] = EvenWidth(list, list.Columns().size());
+      (this->*save)(list, PageName(index));
     }
   });
-  ResetSharedPage(shared);
+  ResetSharedPage(what);
   return true;
 }
 

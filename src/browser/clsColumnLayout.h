@@ -45,6 +45,7 @@ class clsColumnLayout {
   void NoteFirstSelected();
   void RestoreSharedSelection();
   /// What was selected means nothing in another analysis.
+  std::map<std::string, int> m_evenWidths;  // that the columns of a page were given, by section
   void ForgetSharedSelections() { m_sharedSelections.clear(); }
 
   void mnuSettingsColumnsResetWidthsCurrent_Click();
@@ -67,7 +68,7 @@ class clsColumnLayout {
 
   using Saver = void (clsColumnLayout::*)(const ListView& list, const std::string& section);
   bool ResetAll(const char* question, void (*reset)(ListView& list), Saver save,
-                std::string_view shared);
+                std::string_view what);
 
   clsShell& m_shell;
   clsSettings& m_settings;

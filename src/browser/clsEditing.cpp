@@ -1,5 +1,9 @@
 #include "browser/clsEditing.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string>
 #include <unordered_set>
 
 #include "browser/DeleteStatement.h"
@@ -32,6 +36,12 @@ bool IsAllPage(int index) {
   return index >= page::AllRegistry && index <= page::AllFiles;
 }
 
+std::size_t FirstSelected(const ListView& list) {
+  std::size_t row = 0;
+  while (row < list.RowCount() && !list.Selected(row)) ++row;
+  return row;
+}
+
 void RemoveKeys(ListView& list, const std::vector<RowKey>& keys) {
   if (keys.empty()) return;
   const std::unordered_set<RowKey, RowKeyHash> gone(keys.begin(), keys.end());
@@ -45,15 +55,13 @@ clsEditing::clsEditing(clsShell& shell, clsMainControls& controls, clsPages& pag
     : m_shell(shell), m_controls(controls), m_pages(pages), m_tree(tree) {}
 
 void clsEditing::CommitPendingDeletes() {
-  if (m_controls.PendingDeletes) {
-    try {
-      Need(m_controls.DeletesWorkspace).CommitTrans();
-    } catch (const clsError& error) {
-      if (error.RolledBack()) m_controls.PendingDeletes = false;
-      throw;
-    }
-    m_controls.PendingDeletes = false;
+  if (m_controls.Deletes.Any() && m_controls.Deletes.IsReplaced()) {
+    m_controls.Deletes.Rollback();  // nobody sees that file any more
+    m_shell.Tell(
+        "Another program has replaced the analysis. The rows that were deleted last are "
+        "still in the new one.");
   }
+  m_controls.Deletes.Commit();
   m_shell.UpdateCommandState();
 }
 
@@ -62,10 +70,28 @@ void clsEditing::mnuEditDelete_Click() {
   m_shell.UpdateCommandState();
 }
 
+// Which rows are meant, so that nobody deletes what stands selected by itself.
+std::string clsEditing::SelectedText() const {
+  const ListView& list = m_pages.CurrentList();
+  std::size_t count = 0;
+  std::string text;
+  for (std::size_t row = 0; row < list.RowCount(); ++row) {
+    if (!list.Selected(row) || list.Key(row).Statement == 0) continue;  // a folder is no record
+    if (++count > 1) continue;
+    for (std::size_t cell = 0; cell < std::min<std::size_t>(3, list.Cells(row).size()); ++cell) {
+      if (!list.Cell(row, cell).empty()) {
+        text += (text.empty() ? "" : "  ") + std::string(text::Left(list.Cell(row, cell), 200));
+      }
+    }
+  }
+  return count > 1 ? fmt::format("{} items", count) : text;
+}
+
 void clsEditing::DeleteListViewItems(bool confirm) {
   const int count = m_pages.CountSelected(false);
-  if (count == 0) return;
-  const std::string phrase = count > 1 ? "all the selected items." : "the selected item.";
+  if (count == 0 || (confirm && IsReplaced && IsReplaced())) return;
+  const std::string phrase =
+      (count > 1 ? "all the selected items.\n\n" : "the selected item.\n\n") + SelectedText();
   if (confirm && m_shell.Ask({"Are you sure you want to delete " + phrase, "Sandrel Manager",
                               Buttons::YesNo, BoxIcon::Question}) != Answer::Yes) {
     return;
@@ -119,17 +145,16 @@ void clsEditing::DeleteFromSourcePage() {
 void clsEditing::DeleteFromTables(clsStatements& run) {
   const int index = m_pages.CurrentListIndex();
   ListView& list = m_controls.List(index);
-  std::unique_ptr<dao::Database> database;  // open until the transaction has it
-  run([&] {
-    database = Need(m_controls.DeletesWorkspace).OpenDatabase(m_shell.State.AnalysisPath);
-  });
-  run([&] {
-    Need(m_controls.DeletesWorkspace).BeginTrans();
-    m_controls.PendingDeletes = true;
-  });
+  if (!run([&] { m_controls.Deletes.Begin(); })) return;
   const std::vector<RowKey> removed = DeleteRecords(list, run);
   RemoveTwins(index, removed);
+  const std::size_t place = FirstSelected(list);
   RemoveKeys(list, removed);
+  // The row that takes the place of the deleted ones.
+  if (!removed.empty() && list.RowCount() > 0) {
+    list.SelectAll(false);
+    list.Select(std::min(place, list.RowCount() - 1), true);
+  }
   m_pages.UpdateStatCounts();
   if (m_inNestedDelete) return;
   if (index == page::AllFiles) {
@@ -139,29 +164,28 @@ void clsEditing::DeleteFromTables(clsStatements& run) {
   }
 }
 
-// The keys of the rows whose one record is gone. A row that stood for none, or for several, stays.
+// The keys of the rows whose records are gone. A row that stood for none stays. An error mostly
+// holds for all rows, as of an analysis that can't be written: it is told once.
 std::vector<RowKey> clsEditing::DeleteRecords(const ListView& list, clsStatements& run) {
   std::vector<RowKey> removed;
-  std::unique_ptr<dao::Database> database;
-  run([&] {
-    database = Need(m_controls.DeletesWorkspace).OpenDatabase(m_shell.State.AnalysisPath);
-  });
-  for (std::size_t row = 0; row < list.RowCount() && m_controls.PendingDeletes; ++row) {
+  std::unordered_set<std::string> severalAtOnce;  // statements that took equal rows along
+  for (std::size_t row = 0; row < list.RowCount() && m_controls.Deletes.Any(); ++row) {
     if (!list.Selected(row)) continue;
-    run([&] {
-      try {
-        Need(database).Execute(DeleteStatement(list, row));
-      } catch (const clsError& error) {
-        // The store undid all deletes of this command by itself.
-        if (error.RolledBack()) {
-          m_controls.PendingDeletes = false;
-          m_controls.DeletesWorkspace->Rollback();  // so that the next delete can begin one
-          removed.clear();
-        }
-        throw;
-      }
-      if (database->RecordsAffected() == 1) removed.push_back(list.Key(row));
+    const bool done = run([&] {
+      const std::string sql = DeleteStatement(list, row);
+      if (severalAtOnce.count(sql) != 0) return removed.push_back(list.Key(row));
+      const std::int64_t records = m_controls.Deletes.Execute(sql);
+      if (records > 0) removed.push_back(list.Key(row));
+      if (records > 1) severalAtOnce.insert(sql);
     });
+    if (!done) break;
+  }
+  if (!m_controls.Deletes.Any()) removed.clear();  // the store undid them all by itself
+  if (severalAtOnce.empty()) return removed;
+  for (std::size_t row = 0; row < list.RowCount(); ++row) {
+    if (!list.Selected(row) && severalAtOnce.count(DeleteStatement(list, row)) != 0) {
+      removed.push_back(list.Key(row));
+    }
   }
   return removed;
 }
@@ -215,10 +239,9 @@ void clsEditing::SelectNodeOrBranch(const std::string& key) {
 }
 
 void clsEditing::mnuEditUndo_Click() {
-  if (!m_controls.PendingDeletes) return;
+  if (!m_controls.Deletes.Any()) return;
   const clsPointerGuard pointer(m_shell, pointer::Hourglass);
-  Need(m_controls.DeletesWorkspace).Rollback();
-  m_controls.PendingDeletes = false;
+  m_controls.Deletes.Rollback();
   const Node* const selected = m_controls.treeView.SelectedItem();
   const std::string key = selected == nullptr ? "" : selected->Key();
   for (ListView& list : m_controls.listView) {
@@ -238,6 +261,7 @@ void clsEditing::mnuEditUndo_Click() {
 void clsEditing::mnuEditSelectAll_Click() {
   m_shell.SetMousePointer(pointer::Hourglass);
   m_pages.CurrentList().SelectAll(true);
+  m_controls.CurrentPane = clsMainControls::Pane::List;
   m_shell.RestorePointer();
   m_shell.UpdateCommandState();
 }
@@ -263,9 +287,10 @@ void clsEditing::mnuEdit_Click() {
     m_controls.EnableButton(button, enabled);
   };
   const bool open = !m_shell.State.AnalysisPath.empty();
-  const bool rows =
-      open && m_pages.CurrentListIndex() != page::Stats && m_pages.CountSelected(false) >= 1;
-  enable("mnuEditUndo", "Undo", open && m_controls.PendingDeletes);
+  // The first row of a page is selected by itself: nobody chose it while the tree has the focus.
+  const bool rows = open && m_controls.CurrentPane == clsMainControls::Pane::List &&
+                    m_pages.CurrentListIndex() != page::Stats && m_pages.CountSelected(false) >= 1;
+  enable("mnuEditUndo", "Undo", open && m_controls.Deletes.Any());
   enable("mnuEditDelete", "Delete", rows);
   enable("mnuEditCopy", "Copy", rows);
   m_controls.Menus["mnuEditSelectAll"].SetEnabled(open && m_pages.CurrentList().RowCount() > 0);

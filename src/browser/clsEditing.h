@@ -21,6 +21,8 @@ class clsEditing {
   /// All must outlive the object.
   clsEditing(clsShell& shell, clsMainControls& controls, clsPages& pages, clsAnalysisTree& tree);
 
+  /// Asked before a delete: true when the open analysis is another file by now.
+  std::function<bool()> IsReplaced;
   /// Fills all pages anew.
   std::function<void()> LoadAllpages;
 
@@ -41,6 +43,7 @@ class clsEditing {
   void mnuEdit_Click();
 
  private:
+  std::string SelectedText() const;
   void DeleteFromSourcePage();
   void DeleteFromTables(clsStatements& run);
   std::vector<RowKey> DeleteRecords(const ListView& list, clsStatements& run);

@@ -11,12 +11,12 @@
 #include <utility>
 
 #include "browser/Pages.h"
+#include "browser/clsPendingDeletes.h"
 #include "platform/controls/Bars.h"
 #include "platform/controls/ListView.h"
 #include "platform/controls/Menu.h"
 #include "platform/controls/TextPool.h"
 #include "platform/controls/TreeView.h"
-#include "platform/dao/Workspace.h"
 
 namespace sandrel {
 
@@ -54,9 +54,11 @@ class clsMainControls {
   bool FormReady = false;          ///< menus may be refreshed, pages may show themselves
   bool SuppressTreeClick = false;  ///< while nodes are collapsed by a command
 
-  /// Holds the open analysis and the transaction of the deletes that can still be undone.
-  std::shared_ptr<dao::Workspace> DeletesWorkspace;
-  bool PendingDeletes = false;
+  /// What the keys of the Edit menu act on.
+  enum class Pane : std::uint8_t { Tree, List };
+  Pane CurrentPane = Pane::Tree;
+
+  clsPendingDeletes Deletes;  ///< holds the open analysis
 
   /// "mnuFileRecent(3)": an item's name in a control array.
   static std::string Element(std::string_view name, int index);

@@ -102,7 +102,7 @@ void clsPages::FillList() {
 bool clsPages::GetStatements(int index, std::vector<PageStatement>& statements) {
   try {
     statements = PageStatements(index, [&](std::string_view description) {
-      return ReadStat(Need(m_controls.DeletesWorkspace), m_shell.State.AnalysisPath, description);
+      return ReadStat(m_controls.Deletes.Workspace(), m_shell.State.AnalysisPath, description);
     });
   } catch (const clsError& error) {
     if (error.Number() != errnum::NoSuchTable) throw;
@@ -121,9 +121,7 @@ bool clsPages::RunStatement(const PageStatement& statement, int number, ListView
   reading.IsStats = statement.Source == page::Stats;
   bool valid = true;
   std::unique_ptr<dao::Database> database;
-  run([&] {
-    database = Need(m_controls.DeletesWorkspace).OpenDatabase(m_shell.State.AnalysisPath);
-  });
+  run([&] { database = m_controls.Deletes.Workspace().OpenDatabase(m_shell.State.AnalysisPath); });
   run([&] {
     try {
       reading.Rows = Need(database).OpenRecordset(statement.Sql, dao::RecordsetType::Dynaset);
@@ -182,6 +180,7 @@ void clsPages::CopyRows(Reading& reading, ListView& list) {
 
 void clsPages::TellInvalidDatabase() {
   const std::string path = m_shell.State.AnalysisPath;
+  m_controls.SetCaption("Untitled - Sandrel");
   m_shell.Ask({path +
                    " is an invalid or corrupt Sandrel Database.\n\nTry the database repair utility "
                    "if you are certian this is valid Sandrel database. Otherwise, please select a "

@@ -91,8 +91,12 @@ std::shared_ptr<clsMachine> clsCommands::OpenMachine() {
 }
 
 int clsCommands::Print(const std::string& line) const {
-  if (m_shell.ExitStatus() == exitstatus::Done) fmt::print("{}\n", line);
-  if (clsCliShell::WasInterrupted()) fmt::print(stderr, "sandrel-cli: Scan Stopped\n");
+  // An interrupt that comes when the work is done stops nothing.
+  if (m_shell.ExitStatus() == exitstatus::Done) {
+    fmt::print("{}\n", line);
+  } else if (clsCliShell::WasInterrupted()) {
+    fmt::print(stderr, "sandrel-cli: Scan Stopped\n");
+  }
   return m_shell.ExitStatus();
 }
 

@@ -54,6 +54,18 @@ bool clsFileWorks::FileExists(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
+std::string clsFileWorks::Identity(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return {};
+  return fmt::format("{}:{}", status.st_dev, status.st_ino);
+}
+
+std::string clsFileWorks::ExpandHome(const std::string& path) {
+  const char* const home = std::getenv("HOME");
+  if (home == nullptr || !path.starts_with("~/")) return path;
+  return Join(home, path.substr(2));
+}
+
 std::string clsFileWorks::Refusal(const std::string& path) {
   const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (file < 0) return std::generic_category().message(errno);

@@ -12,6 +12,10 @@ class clsFileWorks {
   /// True when a regular file stands at `path`, or a link to one.
   static bool FileExists(const std::string& path);
   static bool FolderExists(const std::string& path);
+  /// What tells one file from another that takes its path; empty where there is none.
+  static std::string Identity(const std::string& path);
+  /// A leading "~/" as the user's home folder; any other path as it is.
+  static std::string ExpandHome(const std::string& path);
   /// Why a file can't be opened for reading, in the system's words; empty when it can.
   static std::string Refusal(const std::string& path);
 

@@ -17,7 +17,7 @@ std::string OverwriteText(std::string_view name) {
 bool MayOverwrite(clsShell& shell, const std::string& path) {
   return !clsFileWorks::FileExists(path) ||
          shell.Ask({OverwriteText(std::filesystem::path(path).filename().string()),
-                    "Confirmation Required", Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
+                    "Confirmation Required", Buttons::YesNo, BoxIcon::Exclamation}) == Answer::Yes;
 }
 
 }  // namespace sandrel

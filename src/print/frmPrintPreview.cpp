@@ -156,7 +156,8 @@ double frmPrintPreview::Zoom() const {
 void frmPrintPreview::cbxZoomList_Click() {
   std::string zoom = cbxZoomList->currentText().toStdString();
   if (zoom.empty() || zoom == "%") return;
-  if (!zoom.ends_with('%')) zoom += '%';
+  const double percent = std::clamp<double>(text::Val(zoom), LeastZoom, MostZoom);
+  zoom = fmt::format("{}%", static_cast<int>(percent));
   cbxZoomList->setEditText(QString::fromStdString(zoom));
   if (zoom == m_settings.GetSetting(ZoomSection, "ZoomPercent", "50%")) return;
   Keep(m_shell, m_settings, "The preview's zoom",

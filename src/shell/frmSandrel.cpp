@@ -204,7 +204,9 @@ void frmSandrel::Form_Resize() {
   const int status = qt::ToPixels(StatusBar::Height);
   const int bottom = m_controls.stbrStatus.Visible() ? status : 0;
   const int height = std::max(0, m_client->height() - top - bottom);
-  const int split = std::clamp(qt::ToPixels(m_controls.treeView.Width), 0, width);
+  // Both panes and the bar stay in sight; the stored width is that of a window with room for it.
+  const int least = std::min(qt::ToPixels(SmallestPane), width / 2);
+  const int split = std::clamp(qt::ToPixels(m_controls.treeView.Width), least, width - least);
 
   tlbarMain->setGeometry(0, 0, width, qt::ToPixels(clsToolbarWidget::Height));
   tlbarMain->setVisible(m_controls.tlbarMain.Visible());
@@ -232,6 +234,11 @@ void frmSandrel::Form_Resize() {
 void frmSandrel::changeEvent(QEvent* event) {
   qt::Guard(this, [&] {
     QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
+      qt::Later(this, [this] {
+        if (!State.Busy && !m_unloaded) m_browser.AskIfReplacedOnce();
+      });
+    }
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) Form_Resize();
   });
 }
@@ -322,9 +329,6 @@ void frmSandrel::Unload() {
     State.CloseDown = true;  // the scan's end unloads again
     m_snapshots.CancelScan();
     return;
-  }
-  if (!m_unloaded && !m_notes.empty()) {
-    Ask({std::exchange(m_notes, {}), "Sandrel Manager", Buttons::Ok, BoxIcon::Information});
   }
   Form_Unload();
 }

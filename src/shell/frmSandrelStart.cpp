@@ -48,11 +48,7 @@ void frmSandrel::Form_Load() {
         run([&] { ShowInTrayOrOnScreen(); });
         run([&] { DoEvents(false); });
         if (m_unloaded) return;
-        run([&] {
-          // Deletes wait for long; meanwhile others can read the file.
-          m_controls.DeletesWorkspace = dao::DBEngine::CreateWorkspace(
-              "Deletes", dao::Durability::Full, dao::Overflow::ToMemory);
-        });
+        run([&] { m_controls.Deletes.Start(); });
         bool checkBeforeSnapshot = false;
         run([&] { ReopenLast(checkBeforeSnapshot); });
         if (m_unloaded) return;
@@ -182,7 +178,7 @@ bool frmSandrel::Form_Unload() {
 
 void frmSandrel::TearDown() {
   Save();
-  m_controls.DeletesWorkspace.reset();
+  m_controls.Deletes.End();
   State.AnalysisPath.clear();  // pages that are being loaded stop here
 }
 

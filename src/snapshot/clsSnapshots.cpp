@@ -84,6 +84,7 @@ void clsSnapshots::Discard() {
 
 bool clsSnapshots::MayOverwriteBefore() {
   std::string question;
+  BoxIcon icon = BoxIcon::None;
   switch (GetSnapshotLevel()) {
     case SnapshotLevel::None:
       return true;
@@ -91,12 +92,13 @@ bool clsSnapshots::MayOverwriteBefore() {
       question = "A 'Before' snapshot already exists. Overwrite the existing snapshot?";
       break;
     case SnapshotLevel::BeforeAndAfter:
+      icon = BoxIcon::Exclamation;  // an Enter too many costs nothing
       question =
           "'Before' and 'After' snapshots already exists. If you continue BOTH snapshots will be "
           "overwritten!\n\nOverwrite the existing snapshots?";
       break;
   }
-  return m_shell.Ask({question, ManagerTitle, Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
+  return m_shell.Ask({question, ManagerTitle, Buttons::YesNo, icon}) == Answer::Yes;
 }
 
 SnapshotResult clsSnapshots::Before(clsStatements& run, Lock& lock) {

@@ -32,7 +32,7 @@ bool ConfirmSettingsChange(clsShell& shell, SnapshotLevel level) {
   return shell.Ask({fmt::format("Your {} will become invalid and be cleared if you continue.\n\n"
                                 "Save anyway?",
                                 which),
-                    "Sandrel Manager", Buttons::YesNo, BoxIcon::None}) == Answer::Yes;
+                    "Sandrel Manager", Buttons::YesNo, BoxIcon::Exclamation}) == Answer::Yes;
 }
 
 bool ChangeScanSettings(clsShell& shell, clsSettings& settings, const clsHome& home,

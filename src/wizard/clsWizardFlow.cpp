@@ -207,6 +207,7 @@ void clsWizardFlow::WaitLonger(std::int16_t& page) {
 }
 
 bool clsWizardFlow::CreateAnalysis(std::int16_t& page) {
+  m_shown.txtViewName = clsFileWorks::ExpandHome(m_shown.txtViewName);
   m_shown.txtViewName = m_shown.txtViewName.find('/') == std::string::npos
                             ? clsFileWorks::Join(m_commands.Folder(), m_shown.txtViewName)
                             : clsFileWorks::Absolute(m_shown.txtViewName);
@@ -218,7 +219,7 @@ bool clsWizardFlow::CreateAnalysis(std::int16_t& page) {
     return true;
   }
   if (clsFileWorks::FileExists(m_shown.txtViewName) &&
-      ask(OverwriteText(m_shown.txtViewName), Buttons::YesNo, BoxIcon::Question,
+      ask(OverwriteText(m_shown.txtViewName), Buttons::YesNo, BoxIcon::Exclamation,
           "Confirmation Required") != Answer::Yes) {
     page = SavePage;
     return true;

@@ -204,7 +204,8 @@ TEST_F(frmPrintPreviewTest, ZoomIsNormalisedAndKept) {
   }
   TypeZoom("900");
   EXPECT_NEAR(width(), half * 4, 2);
-  for (const auto& [delta, zoom] : {std::pair{-120, "200%"}, {120, "200%"}, {-120, "150%"}}) {
+  EXPECT_EQ(ZoomText(), "200%");  // what is shown, not what was typed
+  for (const auto& [delta, zoom] : {std::pair{120, "200%"}, {-120, "150%"}}) {
     Turn(delta, Qt::ControlModifier);
     EXPECT_EQ(SavedZoom(), zoom);
   }

@@ -79,7 +79,7 @@ TEST_F(frmSandrelPrintTest, CommitsDeletesAndPreviews) {
   ClickRow(page::NewFiles, 0);
   m_boxes.Buttons = {"Yes"};
   Choose("mnuEditDelete");
-  ASSERT_TRUE(Controls().PendingDeletes);
+  ASSERT_TRUE(Controls().Deletes.Any());
   Lines seen;
   OnDialog = [&](QWidget& box) {
     auto* const preview = dynamic_cast<frmPrintPreview*>(&box);
@@ -93,7 +93,7 @@ TEST_F(frmSandrelPrintTest, CommitsDeletesAndPreviews) {
     });
   };
   Run("mnuFilePrintPreview", Pdf());
-  EXPECT_FALSE(Controls().PendingDeletes);
+  EXPECT_FALSE(Controls().Deletes.Any());
   EXPECT_EQ(seen.front(), "Files - New - x.mdb 2");
   EXPECT_EQ(PagesOf(Pdf()), "2 of 595");
 }

@@ -104,7 +104,7 @@ class TreeView {
   void SetExpandedAll(bool expanded);
 
   // What the user did. Unset events do nothing.
-  std::function<void()> Click;
+  std::function<void()> Click, GotFocus;
   std::function<void(Node&node)> NodeClick, Collapse;
   std::function<void(int keyCode)> KeyUp;
 

@@ -382,7 +382,10 @@ std::string Parser::Comparison() {
   }
   ++m_at;
   bool rightIsColumn = false;
+  // A page shows Null as an empty text, so a row is named by one where it holds the other.
+  const bool empty = m_textsAsParameters && Now().What == Token::Kind::Text && Now().Value.empty();
   const std::string right = Operand(rightIsColumn);
+  if (equal && leftIsColumn && empty) return fmt::format("ifnull({}, '') = {}", left, right);
   if (!leftIsColumn && !rightIsColumn) Refuse();
   if (!equal || !leftIsColumn || !rightIsColumn) m_plain = false;
   return left + " " + symbol + " " + right;

@@ -82,6 +82,7 @@ void clsListWidget::ConnectHeader() {
   columns.setSectionsMovable(true);
   columns.setFirstSectionMovable(true);
   columns.setSectionsClickable(true);
+  columns.setTextElideMode(Qt::ElideRight);
   columns.setHighlightSections(false);
   columns.setMinimumSectionSize(LeastColumn);
   qt::Connect(&columns, &QHeaderView::sectionResized, this, [this](int column, int, int pixels) {
@@ -202,6 +203,7 @@ void clsListWidget::mousePressEvent(QMouseEvent* event) {
     m_changed = false;
     m_dragging = false;
     m_pressed = true;
+    if (m_list.GotFocus) m_list.GotFocus();  // also a click that changes no focus is meant for it
     const std::size_t row = RowAt(event->position().toPoint());
     const bool shift = event->modifiers().testFlag(Qt::ShiftModifier);
     const bool control = event->modifiers().testFlag(Qt::ControlModifier);

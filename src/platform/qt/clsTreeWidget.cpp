@@ -233,6 +233,7 @@ void clsTreeWidget::focusInEvent(QFocusEvent* event) {
     }
     SelectionChanged();
     viewport()->update();
+    if (m_tree.GotFocus) m_tree.GotFocus();
   });
 }
 

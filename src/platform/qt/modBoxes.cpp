@@ -140,6 +140,8 @@ QString KeepDrives(QString text, const QFont& font, int width) {
   return text;
 }
 
+constexpr int FrameButtons = 120;  // pixels of a frame's title bar that its buttons take
+
 // A text that would push the buttons off the screen is shown in part, and whole on demand.
 void SetText(QMessageBox& window, const QString& text) {
   constexpr qsizetype Most = 2000;
@@ -148,25 +150,22 @@ void SetText(QMessageBox& window, const QString& text) {
   // The toolkit's own width breaks most paths. Nothing but the label's name leads to it.
   if (auto* const label = window.findChild<QLabel*>("qt_msgbox_label")) {
     const int whole = label->fontMetrics().size(0, window.text()).width();
-    const int width = std::min(whole, ReadableWidth(label->font()));
+    // No narrower than the title, which the frame would cut.
+    const int title = QFontMetrics(QGuiApplication::font()).horizontalAdvance(window.windowTitle());
+    const int width = std::max(std::min(whole, ReadableWidth(label->font())), title + FrameButtons);
     label->setMinimumWidth(width);
     window.setText(KeepDrives(window.text(), label->font(), width));
   }
 }
 
-// "words|pattern|words|pattern" to Qt's "words (pattern)", without a pattern in the words.
+// "words|pattern|words|pattern" to Qt's "words (pattern)". The dialog shows the words alone.
 QStringList NameFilters(const std::string& filter) {
   const QStringList parts = QString::fromStdString(filter).split('|');
   QStringList filters;
   for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
-    QString words = parts[i].trimmed();
-    QString pattern = parts[i + 1].trimmed();
-    for (const QString& said : {"(" + pattern + ")", pattern}) {
-      if (words.endsWith(said, Qt::CaseInsensitive)) words.chop(said.size());
-    }
     // Names of hosts need no dot.
-    pattern = pattern.replace(';', ' ').replace("*.*", "*");
-    filters += words.trimmed() + " (" + pattern + ")";
+    const QString pattern = parts[i + 1].trimmed().replace(';', ' ').replace("*.*", "*");
+    filters += parts[i].trimmed() + " (" + pattern + ")";
   }
   return filters;
 }
@@ -176,11 +175,18 @@ QString StartFolder(const std::string& folder) {
   return !path.isEmpty() && QDir(path).exists() ? path : QDir::homePath();
 }
 
-// A file that is there is meant as it is named.
+// A file that is there is meant as it is named. "Office 2.0" has no extension, "office.db" has one.
 QString WithExtension(const QString& path, const std::string& extension) {
+  static const QRegularExpression own(R"(\.[A-Za-z0-9]*[A-Za-z][A-Za-z0-9]*$)");
   const QFileInfo file(path);
-  if (file.fileName().contains('.') || file.exists()) return path;
+  if (own.match(file.fileName()).hasMatch() || file.exists()) return path;
   return path + QString::fromStdString(extension);
+}
+
+// A typed "~/x" reaches the dialog as a name in the folder that it shows.
+QString Expanded(const QString& path, const QDir& folder) {
+  const QString below = folder.relativeFilePath(path);
+  return below.startsWith("~/") ? QDir::home().filePath(below.mid(2)) : path;
 }
 
 QStringList AskForFiles(QWidget* parent, const FileDialog& dialog, QFileDialog::AcceptMode accept,
@@ -189,13 +195,19 @@ QStringList AskForFiles(QWidget* parent, const FileDialog& dialog, QFileDialog::
   window.setObjectName("commdlg");
   window.setOption(QFileDialog::DontUseNativeDialog);
   window.setOption(QFileDialog::DontConfirmOverwrite);
+  window.setOption(QFileDialog::HideNameFilterDetails);
   window.setAcceptMode(accept);
   window.setFileMode(mode);
   window.setNameFilters(NameFilters(dialog.Filter));
   window.selectFile(QFile::decodeName(QByteArray::fromStdString(dialog.FileName)));
 
   const clsBoxUp up;
-  return window.exec() == QDialog::Accepted ? window.selectedFiles() : QStringList();
+  if (window.exec() != QDialog::Accepted) return {};
+  QStringList files;
+  for (const QString& file : window.selectedFiles()) {
+    files += Expanded(file, window.directory());
+  }
+  return files;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -68,15 +69,15 @@ TEST(modBoxes, ChoosesFilesThatNeedNotExist) {
   const test::TempFolder folder;
   const std::string at = folder.Path() + "/";
   for (const char* name : {"plain", "there.mdb"}) std::ofstream(at + name) << "x";
-  const std::pair<const char*, const char*> cases[] = {{nullptr, "Sandrel.mdb"},
-                                                       {"new \xC3\xA9", "new \xC3\xA9.mdb"},
-                                                       {"new.txt", "new.txt"},
-                                                       {"plain", "plain"},
-                                                       {"there.mdb", "there.mdb"}};
+  const std::pair<const char*, const char*> cases[] = {
+      {nullptr, "Sandrel.mdb"}, {"new \xC3\xA9", "new \xC3\xA9.mdb"},
+      {"new.txt", "new.txt"},   {"Office 2.0", "Office 2.0.mdb"},
+      {"plain", "plain"},       {"there.mdb", "there.mdb"}};
   for (const bool save : {false, true}) {
     for (const auto& [typed, chosen] : cases) {
       WhenUp<QFileDialog>([typed = typed](QFileDialog& dialog) {
-        EXPECT_EQ(dialog.nameFilters(), QStringList({"MS Access (*.mdb *.x)", "All Files (*)"}));
+        EXPECT_EQ(dialog.nameFilters().join('|'),
+                  QString("MS Access *.mdb;*.x (*.mdb *.x)|All Files *.* (*)"));
         auto* const name = dialog.findChild<QLineEdit*>();
         if (typed != nullptr) name->setText(typed);
         QTest::keyClick(name, Qt::Key_Return);
@@ -87,6 +88,12 @@ TEST(modBoxes, ChoosesFilesThatNeedNotExist) {
                 at + chosen);
     }
   }
+  WhenUp<QFileDialog>([](QFileDialog& dialog) {
+    dialog.findChild<QLineEdit*>()->setText("~/mine");
+    QTest::keyClick(dialog.findChild<QLineEdit*>(), Qt::Key_Return);
+  });
+  EXPECT_EQ(ChooseFile(nullptr, {"Title", ".mdb", "", "All Files *.*|*.*", folder.Path(), true}),
+            QDir::homePath().toStdString() + "/mine.mdb");
 }
 
 }  // namespace
