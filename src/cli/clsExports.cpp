@@ -95,7 +95,7 @@ std::size_t clsExports::ExportRegistry(int page, const std::string& out, const s
   if (registry.RegEntrys.Count() == 0) return 0;
   if (!MayOverwrite(m_shell, out)) return 0;
   registry.WriteFile(out);
-  if (const std::string told = registry.LeftOutText(); !told.empty()) m_shell.Tell(told);
+  for (const std::string& value : registry.LeftOut()) m_shell.Tell("Left out: " + value);
   return registry.Written();
 }
 

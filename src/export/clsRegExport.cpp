@@ -226,7 +226,8 @@ std::string clsRegExport::FormatValue(std::string_view value, std::int32_t regTy
   };
   const auto textBytes = [&] {
     InCodePage(value);
-    return hex(clsScanReg::DecodeBinary(value) + ",00");
+    // An editor takes no line whose bytes begin with a comma.
+    return hex(clsScanReg::DecodeBinary(value) + (value.empty() ? "00" : ",00"));
   };
   switch (regType) {
     case 1:

@@ -32,7 +32,7 @@ class clsRegExport {
   std::size_t Written() const { return m_written; }
   /// The others, each as its key, its name and why; empty when there are none.
   const std::vector<std::string>& LeftOut() const { return m_leftOut; }
-  /// What the user is told of them; empty when there are none.
+  /// What a box tells of them: how many, and the first ones; empty when there are none.
   std::string LeftOutText() const;
 
   // The parts of the format; texts are UTF-8.

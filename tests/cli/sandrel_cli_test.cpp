@@ -135,13 +135,20 @@ TEST_F(SandrelCli, ExportsValuesAndCopiesFiles) {
   Run({"before"});
   for (const char* name : {"C:\\New\\Deep\\b.txt", "C:\\New\\gone.txt"})
     m_sample.WriteFile(name, name);
-  m_sample.SetUserReg(SampleMachine::UserKeys() +
-                      "[Software\\\\N] 1\n\"a\"=\"x\"\n\"b\"=dword:0000002a\n\n");
+  m_sample.SetUserReg(
+      SampleMachine::UserKeys() +
+      "[Software\\\\N] 1\n\"a\"=\"x\"\n\"b\"=dword:0000002a\n\"c\\\"d\"=\"\"\n\"e\\\"f\"=\"\"\n\n");
   ASSERT_EQ(Run({"after", File()}).Status, 0);
 
   const std::string out = m_temp.Of("x.reg");
-  EXPECT_EQ(Run({"export", File(), out, "--match", "CURRENT_user"}).Out,
-            "2 value(s) exported: " + out + "\n");
+  const Result done = Run({"export", File(), out, "--match", "CURRENT_user"});
+  EXPECT_EQ(done.Out, "2 value(s) exported: " + out + "\n");
+  std::string named;
+  for (const char* name : {"c\"d", "e\"f"}) {
+    named += "sandrel-cli: Left out: HKEY_CURRENT_USER\\Software\\N \"" + std::string(name) +
+             "\": A name with quotes or backslashes can't stand in a registry file.\n";
+  }
+  EXPECT_EQ(done.Err, named);
   const std::string exported = clsFileWorks::ReadWhole(out);
   EXPECT_EQ(exported,
             "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\N]\r\n\"a\"=\"x\"\r\n"

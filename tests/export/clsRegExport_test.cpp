@@ -57,7 +57,7 @@ TEST(clsRegExport, WritesEveryType) {
   EXPECT_EQ(Line("Data", "01 02 FF", "BINARY"), "\"Data\"=hex:01,02,ff");
   EXPECT_EQ(Line("Path", "%Sys\u00E4\u20AC", "EXPAND_STRING"),
             "\"Path\"=hex(2):25,53,79,73,e4,80,00");
-  EXPECT_EQ(Line("Path", "", "EXPAND_STRING"), "\"Path\"=hex(2):,00");
+  EXPECT_EQ(Line("Path", "", "EXPAND_STRING"), "\"Path\"=hex(2):00");
   EXPECT_EQ(Line("n", "A", "NONE"), "\"n\"=hex(0):41,00");
   EXPECT_EQ(Line("m", "61 00 00", "MULTI_STRING"), "\"m\"=hex(7):61,00,00");
   EXPECT_EQ(Line("r", "0A", "RESOURCE_REQUIREMENTS_LIST"), "\"r\"=hex(a):0a");
