@@ -33,8 +33,8 @@ std::string TargetOf(const std::string& path) {
 }
 
 // A database in the making has a journal.
-void DeleteJournal(const std::string& path) {
-  unlink((path + "-journal").c_str());
+void DeleteJournal(int folder, const std::string& path) {
+  unlinkat(folder, (path + "-journal").c_str(), 0);
 }
 
 clsError Refusal(const std::string& path, std::string_view why) {
@@ -61,16 +61,29 @@ std::string clsNewFile::PlaceBeside(const std::string& target) {
   return (path.parent_path() / fmt::format(".sandrel-{:016x}", hash)).string();
 }
 
-clsNewFile::clsNewFile(const std::string& path) : m_shown(path), m_target(TargetOf(path)) {
+clsNewFile::clsNewFile(const std::string& path)
+    : m_shown(path), m_folder(AT_FDCWD), m_target(TargetOf(path)) {
+  Begin(0);
+}
+
+clsNewFile::clsNewFile(int folder, const std::string& name, const std::string& shown)
+    : m_shown(shown), m_folder(folder), m_target(name) {
+  Begin(AT_SYMLINK_NOFOLLOW);
+}
+
+void clsNewFile::Begin(int linkFlag) {
   struct stat status {};
-  const bool exists = stat(m_target.c_str(), &status) == 0;
+  const bool exists =
+      fstatat(m_folder, m_target.c_str(), &status, linkFlag) == 0 && !S_ISLNK(status.st_mode);
   if (exists) {
     // A device would be replaced where root writes.
-    if (!S_ISREG(status.st_mode)) throw Refusal(path, "it is no regular file");
-    if (access(m_target.c_str(), W_OK) != 0) throw ErrnoError(errno, "Can't write " + path);
+    if (!S_ISREG(status.st_mode)) throw Refusal(m_shown, "it is no regular file");
+    if (faccessat(m_folder, m_target.c_str(), W_OK, 0) != 0) {
+      throw ErrnoError(errno, "Can't write " + m_shown);
+    }
   }
   m_path = PlaceBeside(m_target);
-  while (!OpenLocked(path)) {
+  while (!OpenLocked()) {
   }
   // Another user's file stays that user's where this process may see to it.
   [[maybe_unused]] const int owned =
@@ -79,23 +92,24 @@ clsNewFile::clsNewFile(const std::string& path) : m_shown(path), m_target(Target
   if (fchmod(m_descriptor, mode) != 0 || ftruncate(m_descriptor, 0) != 0) {
     const int failure = errno;
     Discard();
-    throw ErrnoError(failure, "Can't write " + path);
+    throw ErrnoError(failure, "Can't write " + m_shown);
   }
-  DeleteJournal(m_path);
+  DeleteJournal(m_folder, m_path);
 }
 
 // False when the file that was opened had been put in its place, or deleted, by the time that it
 // was locked.
-bool clsNewFile::OpenLocked(const std::string& path) {
-  m_descriptor = open(m_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
-  if (m_descriptor < 0) throw ErrnoError(errno, "Can't write " + path);
+bool clsNewFile::OpenLocked() {
+  m_descriptor = openat(m_folder, m_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
+  if (m_descriptor < 0) throw ErrnoError(errno, "Can't write " + m_shown);
   struct stat opened {};
   struct stat present {};
   if (flock(m_descriptor, LOCK_EX | LOCK_NB) != 0) {
     close(std::exchange(m_descriptor, -1));
-    throw Refusal(path, "another program is writing it. Wait until it has ended");
+    throw Refusal(m_shown, "another program is writing it. Wait until it has ended");
   }
-  if (fstat(m_descriptor, &opened) == 0 && lstat(m_path.c_str(), &present) == 0 &&
+  if (fstat(m_descriptor, &opened) == 0 &&
+      fstatat(m_folder, m_path.c_str(), &present, AT_SYMLINK_NOFOLLOW) == 0 &&
       IsSame(opened, present)) {
     return true;
   }
@@ -109,8 +123,8 @@ clsNewFile::~clsNewFile() {
 
 void clsNewFile::Discard() {
   if (m_descriptor < 0) return;
-  unlink(m_path.c_str());
-  DeleteJournal(m_path);
+  unlinkat(m_folder, m_path.c_str(), 0);
+  DeleteJournal(m_folder, m_path);
   close(std::exchange(m_descriptor, -1));
 }
 
@@ -124,13 +138,14 @@ void clsNewFile::CopyFrom(const std::string& source) {
 
 void clsNewFile::Commit() {
   if (fsync(m_descriptor) != 0) throw ErrnoError(errno, "Can't write " + m_shown);
-  if (rename(m_path.c_str(), m_target.c_str()) != 0) {
+  if (renameat(m_folder, m_path.c_str(), m_folder, m_target.c_str()) != 0) {
     throw ErrnoError(errno, "Can't replace " + m_shown);
   }
   close(std::exchange(m_descriptor, -1));
   // That the name has changed is on disk too; where a folder can't be waited for, it comes later.
   const std::string folder = std::filesystem::path(m_target).parent_path().string();
-  const int place = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const int place =
+      openat(m_folder, folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (place < 0) return;
   fsync(place);
   close(place);

@@ -16,6 +16,10 @@ class clsNewFile {
   /// file, may not be written, or is being written by another process, and the number of any other
   /// failure.
   explicit clsNewFile(const std::string& path);
+  /// The same for `name` in the open folder `folder`, which stays the caller's and open as long.
+  /// A link there is replaced, not followed. Messages name the host path `shown`; `Path` and
+  /// `CopyFrom` are not for this one.
+  clsNewFile(int folder, const std::string& name, const std::string& shown);
   /// Deletes what was not put in its place.
   ~clsNewFile();
   clsNewFile(const clsNewFile&) = delete;
@@ -40,10 +44,12 @@ class clsNewFile {
   void Commit();
 
  private:
-  bool OpenLocked(const std::string& path);
+  void Begin(int linkFlag);
+  bool OpenLocked();
   void Discard();
 
   std::string m_shown;   // the path as given, for messages
+  int m_folder;          // what the other two lie below, unless they are absolute
   std::string m_target;  // where its links lead
   std::string m_path;
   int m_descriptor = -1;

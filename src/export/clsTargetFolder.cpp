@@ -1,7 +1,6 @@
 #include "export/clsTargetFolder.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -64,29 +63,6 @@ void CopyBytes(int from, int to, const std::string& source, const std::string& t
   }
 }
 
-// An empty file of this process' own, locked; one that a killed process left is taken over.
-int OpenTemporary(int folder, const std::string& name, const std::string& target) {
-  for (;;) {
-    const int file =
-        openat(folder, name.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0666);
-    if (file < 0) throw TargetError(ErrnoError(errno, "Can't write " + target));
-    struct stat opened {};
-    struct stat present {};
-    if (flock(file, LOCK_EX | LOCK_NB) != 0) {
-      close(file);
-      throw clsError(errnum::PathFileAccess,
-                     "Can't write " + target + ": another program is writing it");
-    }
-    if (fstat(file, &opened) == 0 &&
-        fstatat(folder, name.c_str(), &present, AT_SYMLINK_NOFOLLOW) == 0 &&
-        opened.st_dev == present.st_dev && opened.st_ino == present.st_ino &&
-        ftruncate(file, 0) == 0) {
-      return file;
-    }
-    close(file);
-  }
-}
-
 }  // namespace
 
 clsTargetFolder::clsTargetFolder(const std::string& path) : m_path(path), m_folder(-1) {
@@ -145,21 +121,14 @@ void clsTargetFolder::Copy(const std::string& source, const std::vector<std::str
     }
     NeedCopyTarget(target);
   }
-  // The copy appears whole under its name; a link or a file that stood there goes.
-  const std::string temporary = clsNewFile::PlaceBeside(name);
-  const clsFile to(OpenTemporary(folder.Get(), temporary, target));
   try {
-    CopyBytes(from.Get(), to.Get(), source, target);
+    clsNewFile copy(folder.Get(), name, target);
+    CopyBytes(from.Get(), copy.Descriptor(), source, target);
     const std::array<timespec, 2> times = {status.st_atim, status.st_mtim};
-    futimens(to.Get(), times.data());
-    // A name must never stand for less than the whole file, also when the power goes.
-    if (fdatasync(to.Get()) != 0) throw ErrnoError(errno, "Can't write " + target);
-    if (renameat(folder.Get(), temporary.c_str(), folder.Get(), name.c_str()) != 0) {
-      throw TargetError(ErrnoError(errno, "Can't replace " + target));
-    }
-  } catch (...) {
-    unlinkat(folder.Get(), temporary.c_str(), 0);
-    throw;
+    futimens(copy.Descriptor(), times.data());
+    copy.Commit();
+  } catch (const clsError& error) {
+    throw TargetError(error);
   }
 }
 
