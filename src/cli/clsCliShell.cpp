@@ -25,7 +25,7 @@ std::string OneLine(std::string_view text) {
     if (blank && (line.empty() || line.back() == ' ')) continue;
     line += blank ? ' ' : c;
   }
-  return line;
+  return text::Escaped(line);
 }
 
 }  // namespace

@@ -93,7 +93,7 @@ std::shared_ptr<clsMachine> clsCommands::OpenMachine() {
 int clsCommands::Print(const std::string& line) const {
   // An interrupt that comes when the work is done stops nothing.
   if (m_shell.ExitStatus() == exitstatus::Done) {
-    fmt::print("{}\n", line);
+    fmt::print("{}\n", text::Escaped(line));
   } else if (clsCliShell::WasInterrupted()) {
     fmt::print(stderr, "sandrel-cli: Scan Stopped\n");
   }
@@ -150,7 +150,7 @@ int clsCommands::Replace() {
 
 void clsCommands::PrintLeftOut(const char* which, const char* table) const {
   for (const LeftOutRow& row : clsLeftOutTable(m_home.WorkingDatabase(), table).Read()) {
-    fmt::print("{}\t{}\t{}\n", which, PlaceOf(row), row.Reason);
+    fmt::print("{}\t{}\t{}\n", which, text::Escaped(PlaceOf(row)), text::Escaped(row.Reason));
   }
 }
 
@@ -162,13 +162,13 @@ int clsCommands::Status() {
   const clsSnapshotRecord record = clsSnapshotRecord::Read(m_home.WorkingDatabase());
   const auto known = [](const std::string& text) { return text.empty() ? "not known" : text; };
   for (const MachineFact& fact : ReportMachine(MachineFolder(m_arguments.Machine, m_settings))) {
-    fmt::print("{:<10} {}\n", fact.Name + ":", fact.Text);
+    fmt::print("{:<10} {}\n", fact.Name + ":", text::Escaped(fact.Text));
   }
-  fmt::print("Home:      {}\n", m_home.Path());
+  fmt::print("Home:      {}\n", text::Escaped(m_home.Path()));
   fmt::print("Snapshots: {}\n", words);
   if (level != SnapshotLevel::None) {
     fmt::print("Before:    {} ({})\n", known(record.Time("Before")),
-               known(record.Machine("Before")));
+               text::Escaped(known(record.Machine("Before"))));
   }
   if (level == SnapshotLevel::BeforeAndAfter) {
     fmt::print("After:     {}\n", known(record.Time("After")));
@@ -203,7 +203,8 @@ int clsCommands::List() {
 
 void clsCommands::PrintSection(const std::string& section) {
   for (const std::string& key : m_settings.Keys(section)) {
-    fmt::print("{}\t{}\t{}\n", section, key, m_settings.GetSetting(section, key));
+    fmt::print("{}\t{}\t{}\n", text::Escaped(section), text::Escaped(key),
+               text::Escaped(m_settings.GetSetting(section, key)));
   }
 }
 
@@ -251,7 +252,7 @@ int clsCommands::Settings() {
     }
     TellRemote();
   } else if (!key.empty()) {
-    fmt::print("{}\n", m_settings.GetSetting(section, key));
+    fmt::print("{}\n", text::Escaped(m_settings.GetSetting(section, key)));
   } else if (!section.empty()) {
     PrintSection(section);
   } else {
@@ -316,7 +317,7 @@ int clsCommands::Watch() {
   }
   machine->CloseRegistry();
   if (!analysis.AfterAndViews(snapshots, path)) return Print("");
-  fmt::print("Analysis Created: {}\n", m_arguments.File);
+  fmt::print("Analysis Created: {}\n", text::Escaped(m_arguments.File));
   return works.ExitStatus();
 }
 

@@ -14,24 +14,6 @@
 namespace sandrel {
 namespace {
 
-void AppendEscaped(std::string& line, std::string_view cell) {
-  for (const char c : cell) {
-    switch (c) {
-      case '\t':
-        line += "\\t";
-        break;
-      case '\n':
-        line += "\\n";
-        break;
-      case '\r':
-        line += "\\r";
-        break;
-      default:
-        line += c;
-    }
-  }
-}
-
 void Write(std::FILE* out, std::string_view text) {
   if (std::fwrite(text.data(), 1, text.size(), out) != text.size()) {
     throw clsError(errnum::DeviceIo,
@@ -72,7 +54,7 @@ void clsPageWriter::WriteText(int page) {
         line.clear();
         for (std::size_t i = 0; i < fields.size(); ++i) {
           if (i > 0) line += '\t';
-          AppendEscaped(line, FormatCell(fields[i].Name, values[i]));
+          line += text::Escaped(FormatCell(fields[i].Name, values[i]));
         }
         end();
       });

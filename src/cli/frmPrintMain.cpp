@@ -9,6 +9,7 @@
 #include "cli/clsCliShell.h"
 #include "cli/modPagePrinter.h"
 #include "common/clsError.h"
+#include "common/text.h"
 #include "config/clsSettings.h"
 #include "platform/qt/clsQtPrinter.h"
 
@@ -31,7 +32,7 @@ int Run(int argc, char** argv) {
   clsSettings settings(clsSettings::DefaultPath());
   clsQtPrinter printer(true);
   const int pages = PrintPage(argv[1], PageByName(argv[3]), argv[2], printer, shell, settings);
-  fmt::print("{} page(s) printed: {}\n", pages, argv[2]);
+  fmt::print("{} page(s) printed: {}\n", pages, text::Escaped(argv[2]));
   return shell.ExitStatus();
 }
 

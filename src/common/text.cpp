@@ -1,5 +1,7 @@
 #include "common/text.h"
 
+#include <fmt/format.h>
+
 #include <clocale>
 #include <cstdint>
 #include <cstdlib>
@@ -345,6 +347,32 @@ void ReplaceNul(std::string& text) {
 
 std::string WithNul(std::string_view text) {
   return MapCharacters(text, [](char32_t c) { return c == StoredNul ? U'\0' : c; });
+}
+
+bool IsControl(char32_t c) {
+  return c < 0x20 || (c >= 0x7F && c <= 0x9F) || c == 0x061C || c == 0x200E || c == 0x200F ||
+         (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+}
+
+std::string Escaped(std::string_view text) {
+  std::string escaped;
+  escaped.reserve(text.size());
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t start = i;
+    const char32_t c = Next(text, i);
+    constexpr char32_t LastCharacter = 0x10FFFF;  // above it are bytes that are no UTF-8
+    if (c > LastCharacter) {
+      escaped += fmt::format("\\x{:02x}", static_cast<unsigned char>(text[start]));
+    } else if (!IsControl(c)) {
+      escaped.append(text, start, i - start);
+    } else if (c == '\n' || c == '\r' || c == '\t') {
+      escaped += c == '\n' ? "\\n" : c == '\r' ? "\\r" : "\\t";
+    } else {
+      escaped += c < 0x100 ? fmt::format("\\x{:02x}", static_cast<std::uint32_t>(c))
+                           : fmt::format("\\u{:04x}", static_cast<std::uint32_t>(c));
+    }
+  }
+  return escaped;
 }
 
 double Val(std::string_view text) {

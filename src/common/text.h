@@ -78,6 +78,14 @@ void ReplaceNul(std::string& text);
 /// The other way round, for bytes that leave the store.
 std::string WithNul(std::string_view text);
 
+/// The text for a terminal or a log, which names of a machine must not command: C0 and C1 controls
+/// and what turns the direction of writing stand as "\\x1b", "\\u202e"; line ends and tabs as
+/// "\\n",
+/// "\\r", "\\t".
+std::string Escaped(std::string_view text);
+/// True for a character that changes how others are shown, or that nobody sees.
+bool IsControl(char32_t character);
+
 /// The number at the text's start, 0 where there is none: "1", " 1 ", "1x" give 1.
 double Val(std::string_view text);
 

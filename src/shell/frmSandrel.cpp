@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "common/text.h"
 #include "config/clsFolderSource.h"
 #include "config/frmFolderTreeview.h"
 #include "export/frmAnimate.h"
@@ -283,7 +284,7 @@ Answer frmSandrel::Ask(const MessageBox& box) {
   UnloadSplash();  // it would lie over the box
   if (!m_unloaded) return qt::AskBox(BoxParent(), box);
   // The window is gone, and with it the time for questions.
-  fmt::print(stderr, "sandrel: {}\n", box.Text);
+  fmt::print(stderr, "sandrel: {}\n", text::Escaped(box.Text));
   return box.Choice == Buttons::Ok      ? Answer::Ok
          : box.Choice == Buttons::YesNo ? Answer::No
                                         : Answer::Ignore;

@@ -121,7 +121,7 @@ int Run(int argc, char** argv) {
   form.Form_Load();
   if (instance.PrevInstance() && !arguments.Start.File.empty()) {
     fmt::print(stderr, "sandrel: Sandrel is running already; {} was not opened.\n",
-               arguments.Start.File);
+               sandrel::text::Escaped(arguments.Start.File));
     return Failed;
   }
   return form.IsUnloaded() ? 0 : QApplication::exec();
@@ -133,7 +133,7 @@ int main(int argc, char** argv) {
   try {
     return Run(argc, argv);
   } catch (const std::exception& error) {
-    fmt::print(stderr, "sandrel: {}\n", error.what());
+    fmt::print(stderr, "sandrel: {}\n", sandrel::text::Escaped(error.what()));
     return Failed;
   }
 }

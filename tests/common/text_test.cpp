@@ -116,5 +116,11 @@ TEST(text, ReadsNumbersAndTruth) {
   EXPECT_EQ(TrimWhite(" \ta\t "), "a");
 }
 
+// No name of a machine may command a terminal, or read as what it isn't.
+TEST(text, EscapesWhatATerminalWouldObey) {
+  EXPECT_EQ(Escaped("a\x1B[31mb\tc\r\n\u202Ed\u0085\x7F\xFF \u00E9"),
+            "a\\x1b[31mb\\tc\\r\\n\\u202ed\\x85\\x7f\\xff \u00E9");
+}
+
 }  // namespace
 }  // namespace sandrel::text

@@ -16,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/qt/modCellText.h"
 #include "platform/qt/modText.h"
 
 namespace sandrel::qt {
@@ -218,7 +219,7 @@ Answer AskBox(QWidget* parent, const MessageBox& box) {
   window.setWindowTitle(QString::fromStdString(box.Title));
   window.setIcon(IconOf(box.Icon));
   window.setTextFormat(Qt::PlainText);
-  SetText(window, QString::fromStdString(box.Text));
+  SetText(window, VisibleText(QString::fromStdString(box.Text)));
   window.setTextInteractionFlags(Qt::TextSelectableByMouse);
 
   const Answer usual = DefaultOf(box);

@@ -3,27 +3,36 @@
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QToolTip>
+#include <utility>
 
 #include "common/text.h"
 #include "platform/qt/modText.h"
 
 namespace sandrel::qt {
 
+QString VisibleText(QString text) {
+  constexpr char16_t Pictures = 0x2400;
+  for (QChar& character : text) {
+    const char16_t unit = character.unicode();
+    if (unit == '\n' || unit == '\r' || unit == '\t' || !text::IsControl(unit)) continue;
+    character = unit < ' ' ? QChar(static_cast<char16_t>(Pictures + unit))
+                           : QChar(QChar::ReplacementCharacter);
+  }
+  return text;
+}
+
 QString ShownText(std::string_view text) {
   const std::string_view start = text::Left(text, MostShown);
   QString shown = FromText(start);
-  constexpr char16_t Pictures = 0x2400, Delete = 0x7F, LastControl = 0x9F, Ellipsis = 0x2026;
+  constexpr char16_t Ellipsis = 0x2026;
   for (QChar& character : shown) {
     const char16_t unit = character.unicode();
     if (unit == '\n' || unit == '\r' || unit == '\t' || unit == QChar::LineSeparator ||
         unit == QChar::ParagraphSeparator) {
       character = u' ';
-    } else if (unit < ' ') {
-      character = static_cast<char16_t>(Pictures + unit);
-    } else if (unit >= Delete && unit <= LastControl) {
-      character = QChar::ReplacementCharacter;
     }
   }
+  shown = VisibleText(std::move(shown));
   if (start.size() < text.size()) shown += Ellipsis;
   return shown;
 }

@@ -12,6 +12,9 @@ namespace sandrel::qt {
 /// UTF-16 units of a text that a cell and its tip show; a registry value may hold a million.
 inline constexpr std::size_t MostShown = 1000;
 
+/// Characters that nobody sees, or that would turn the direction of writing, as visible signs.
+QString VisibleText(QString text);
+
 /// The start of a text (UTF-8) in one line: line breaks and tabs are blanks, other control
 /// characters their pictures.
 QString ShownText(std::string_view text);

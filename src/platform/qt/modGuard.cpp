@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <new>
 
+#include "common/text.h"
+
 namespace sandrel::qt {
 namespace {
 
@@ -25,7 +27,7 @@ clsError Caught() {
 
 void NoteError() noexcept {
   try {
-    std::fprintf(stderr, "sandrel: %s\n", Caught().what());
+    std::fprintf(stderr, "sandrel: %s\n", text::Escaped(Caught().what()).c_str());
   } catch (...) {  // there is nobody left to tell
   }
 }
