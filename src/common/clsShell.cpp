@@ -2,11 +2,39 @@
 
 #include <fmt/format.h>
 
+#include "common/clsError.h"
+
 namespace sandrel {
 
 std::string ProgressText(int percent) {
   if (percent == 0) return {};
   return fmt::format("{}% {}", percent, std::string(static_cast<std::size_t>(percent / 4), '\x01'));
+}
+
+bool RetryHelps(std::int32_t number) {
+  switch (number) {
+    case errnum::InvalidArgument:
+    case errnum::Overflow:
+    case errnum::TypeMismatch:
+    case errnum::Internal:
+    case errnum::NotSet:
+    case errnum::ReadOnly:
+    case errnum::CorruptDatabase:
+    case errnum::TooFewParameters:
+    case errnum::SyntaxError:
+    case errnum::NoSuchTable:
+    case errnum::FieldTooLong:
+    case errnum::InvalidOperation:
+    case errnum::NoSuchItem:
+    case errnum::DataConversion:
+    case errnum::IndexOutOfBounds:
+    case errnum::ElementNotFound:
+    case errnum::KeyNotUnique:
+    case errnum::Machine:
+      return false;
+    default:
+      return true;
+  }
 }
 
 std::string ErrorBoxText(std::int32_t number, std::string_view description, std::string_view source,

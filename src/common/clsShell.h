@@ -29,7 +29,11 @@ struct MessageBox {
   std::string Title = "Sandrel";
   Buttons Choice = Buttons::Ok;
   BoxIcon Icon = BoxIcon::None;
+  bool RetryHelps = true;  ///< of an error: the same may go well another time
 };
+
+/// Whether what failed with this number may go well when it is tried again.
+bool RetryHelps(std::int32_t number);
 
 /// A dialog that asks for a file of Sandrel's own, by its host path.
 struct FileDialog {

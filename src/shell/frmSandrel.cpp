@@ -293,7 +293,7 @@ Answer frmSandrel::Ask(const MessageBox& box) {
 Answer frmSandrel::ReportError(std::int32_t number, std::string_view description,
                                std::string_view source, std::string_view method) {
   return Ask({ErrorBoxText(number, description, source, method), "Sandrel Error Message",
-              Buttons::AbortRetryIgnore, BoxIcon::Critical});
+              Buttons::AbortRetryIgnore, BoxIcon::Critical, RetryHelps(number)});
 }
 
 std::string frmSandrel::ChooseFile(const FileDialog& dialog) {

@@ -52,6 +52,9 @@ struct StartOptions {
   std::string HelpFile;  ///< host path; empty for the one that comes with the program
   bool PrevInstance = false;  ///< the program runs on this home folder already
   std::string Program;        ///< host path of the executable that a restart goes on with
+  /// Asks the program that runs already to come forward and to open a file, empty for none. False
+  /// when it doesn't hear.
+  std::function<bool(const std::string& file)> CallPrevious;
 };
 
 class frmSandrel final : public QMainWindow, public clsShell {
@@ -63,6 +66,9 @@ class frmSandrel final : public QMainWindow, public clsShell {
 
   /// Brings the program up. It may ask and run a snapshot before it returns.
   void Form_Load();
+  /// Shows the window before all others, and opens the analysis at the host path unless that is
+  /// empty.
+  void ComeForward(const std::string& file);
   /// Makes final and stores what the end of the program would; the program goes on.
   void Save();
   /// The help viewer; null until it was asked for.
@@ -136,6 +142,7 @@ class frmSandrel final : public QMainWindow, public clsShell {
   // frmSandrelMachine.cpp
   std::string MachineToOpen();
   std::shared_ptr<clsMachine> OpenMachine();
+  bool HasMachine();
   void ForgetMachine();
   void mnuSettingsMachine_Click();
   // frmSandrelWizard.cpp

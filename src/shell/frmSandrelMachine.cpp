@@ -38,6 +38,14 @@ std::shared_ptr<clsMachine> frmSandrel::OpenMachine() {
   }
 }
 
+bool frmSandrel::HasMachine() {
+  try {
+    return OpenMachine() != nullptr;
+  } catch (const clsError&) {
+    return false;
+  }
+}
+
 // Every snapshot command looks for it anew: a volume may have been mounted meanwhile.
 void frmSandrel::ForgetMachine() {
   m_snapshots.SetMachine(nullptr);

@@ -63,6 +63,7 @@ void frmSandrel::Form_Load() {
 }
 
 void frmSandrel::ActivatePreviousInstance() {
+  if (m_options.CallPrevious && m_options.CallPrevious(m_options.File)) return;
   if (!m_options.File.empty()) {
     // Who opens a file waits for something to happen.
     Ask({"Sandrel is already running. Its File menu opens this file:\n\n" + m_options.File,
@@ -76,6 +77,19 @@ void frmSandrel::ActivatePreviousInstance() {
   m_windows.ShowWindow(window, SwRestore);
   m_windows.OpenIcon(window);
   m_windows.SetForegroundWindow(window);
+}
+
+// Another start of the program on this home has called.
+void frmSandrel::ComeForward(const std::string& file) {
+  if (m_unloaded) return;
+  RestoreForm();
+  if (file.empty()) return;
+  // A box that waits for an answer, or a running command, goes first.
+  if (State.Busy || QApplication::activeModalWidget() != nullptr) {
+    Tell("Its File menu opens this file:\n\n" + file);
+    return;
+  }
+  m_browser.Command("frmSandrel.ComeForward", [&] { m_browser.Files.OpenNamed(file); });
 }
 
 // The pass over waiting messages lets a held Shift key reach the splash.
@@ -124,6 +138,14 @@ void frmSandrel::ReopenLast(bool& checkBeforeSnapshot) {
 void frmSandrel::AskForBefore() {
   if (clsFileWorks::FileExists(m_home.WorkingDatabase())) return;
   UnloadSplash();
+  if (!HasMachine()) {
+    if (Ask({"There is no Windows machine to look at yet.\n\nWould you like to choose one now?",
+             "Sandrel Manager", Buttons::YesNo, BoxIcon::Question}) != Answer::Yes) {
+      return;
+    }
+    mnuSettingsMachine_Click();
+    if (!HasMachine()) return;
+  }
   if (Ask({"A 'Before' Snapshot of your drive(s) and registry was not found!\n\nWould you like to "
            "create one now?",
            "Sandrel Manager", Buttons::YesNo, BoxIcon::Question}) == Answer::Yes) {

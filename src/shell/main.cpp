@@ -16,6 +16,7 @@
 #include "platform/process/clsInstanceLock.h"
 #include "platform/process/clsTopWindows.h"
 #include "platform/process/modDisplay.h"
+#include "platform/qt/clsInstanceChannel.h"
 #include "platform/qt/clsTermination.h"
 #include "shell/frmSandrel.h"
 
@@ -115,11 +116,20 @@ int Run(int argc, char** argv) {
   const sandrel::clsHome home = sandrel::clsHome::Find(arguments.Home);
   const sandrel::clsInstanceLock instance(home.Path());
   arguments.Start.PrevInstance = instance.PrevInstance();
+  bool called = false;
+  arguments.Start.CallPrevious = [&](const std::string& file) {
+    return called = sandrel::clsInstanceChannel::Call(instance.Name(), file);
+  };
+  sandrel::clsInstanceChannel channel;
   sandrel::clsTopWindows windows;
   sandrel::frmSandrel form(settings, home, windows, arguments.Start);
   const sandrel::clsTermination termination([&form] { form.Unload(); }, [&form] { form.Save(); });
+  if (!instance.PrevInstance()) {
+    channel.Called = [&form](const std::string& file) { form.ComeForward(file); };
+    channel.Listen(instance.Name());
+  }
   form.Form_Load();
-  if (instance.PrevInstance() && !arguments.Start.File.empty()) {
+  if (instance.PrevInstance() && !called && !arguments.Start.File.empty()) {
     fmt::print(stderr, "sandrel: Sandrel is running already; {} was not opened.\n",
                sandrel::text::Escaped(arguments.Start.File));
     return Failed;

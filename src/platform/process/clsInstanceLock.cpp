@@ -55,7 +55,9 @@ int OpenLockFile(const std::string& homeFolder) {
 
 }  // namespace
 
-clsInstanceLock::clsInstanceLock(const std::string& homeFolder) : m_file(OpenLockFile(homeFolder)) {
+clsInstanceLock::clsInstanceLock(const std::string& homeFolder)
+    : m_name(fmt::format("sandrel-{}-{:016x}", geteuid(), StableHash(Canonical(homeFolder)))),
+      m_file(OpenLockFile(homeFolder)) {
   if (m_file < 0) return;
   m_prevInstance = flock(m_file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
 }

@@ -22,7 +22,11 @@ class clsInstanceLock {
   /// lock can be had: two windows do less harm than none.
   bool PrevInstance() const { return m_prevInstance; }
 
+  /// A name that all programs of this user on this home folder agree on, and no others.
+  const std::string& Name() const { return m_name; }
+
  private:
+  std::string m_name;
   int m_file;
   bool m_prevInstance = false;
 };

@@ -80,13 +80,14 @@ std::vector<BoxButton> ButtonsOf(Buttons choice) {
   return {{Answer::Ok, "OK", QMessageBox::AcceptRole}};
 }
 
-// What Enter answers does no harm: a warning is not passed by, and Retry loses nothing.
+// What Enter answers does no harm: a warning is not passed by, and Retry, where it can help, loses
+// nothing.
 Answer DefaultOf(const MessageBox& box) {
   switch (box.Choice) {
     case Buttons::YesNo:
       return box.Icon == BoxIcon::Exclamation ? Answer::No : Answer::Yes;
     case Buttons::AbortRetryIgnore:
-      return Answer::Retry;
+      return box.RetryHelps ? Answer::Retry : Answer::Ignore;
     case Buttons::Ok:
       break;
   }
