@@ -191,7 +191,7 @@ bool clsAnalysisBrowser::Load(const std::string& path) {
   const clsFlag loading(m_loading, true);
   AppState& state = m_shell.State;
   clsStatements run(m_shell, "frmSandrel.mnuFileOpen");
-  run([&] { Editing.CommitPendingDeletes(); });
+  if (!run([&] { Editing.CommitPendingDeletes(); })) return false;  // it stays open, with its Undo
   if (!state.AnalysisPath.empty()) LeavePages();
   state.AnalysisPath = path;
   m_controls.Deletes.Note(path);
@@ -211,7 +211,10 @@ bool clsAnalysisBrowser::Load(const std::string& path) {
 void clsAnalysisBrowser::mnuFileClose_Click() {
   clsStatements run(m_shell, "frmSandrel.mnuFileClose");
   if (!m_shell.State.AnalysisPath.empty()) LeavePages();
-  run([&] { Editing.CommitPendingDeletes(); });
+  if (!run([&] { Editing.CommitPendingDeletes(); }) && m_controls.Deletes.Any()) {
+    m_controls.Deletes.Rollback();
+    m_shell.Tell("The rows that were deleted last are still in the analysis.");
+  }
   m_controls.HideLists();
   Layout.EnableResets(false);
   m_shell.State.AnalysisPath.clear();

@@ -69,8 +69,9 @@ void clsAnalysisFiles::OpenNamed(const std::string& path) {
   m_shell.UpdateCommandState();
 }
 
+// The list may have been changed by another window since the menu was made.
 void clsAnalysisFiles::mnuFileRecent_Click(int index) {
-  const std::string path = RecentFile(index);
+  const std::string path = m_shownRecent[static_cast<std::size_t>(index)];
   if (clsFileWorks::FileExists(path)) {
     m_open(path);
   } else {
@@ -174,6 +175,7 @@ void clsAnalysisFiles::UpdateRecentFileMenu() {
     std::string caption = fmt::format("&{}   ", i);
     for (const char c : ShortPath(RecentFile(i))) caption += c == '&' ? "&&" : std::string(1, c);
     item(i).SetCaption(caption);
+    m_shownRecent[static_cast<std::size_t>(i)] = RecentFile(i);
     item(i).SetVisible(true);
   }
 }

@@ -1,6 +1,7 @@
 // The File menu: which analysis is open, and the list of the recent ones.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <string>
 
@@ -49,6 +50,7 @@ class clsAnalysisFiles {
   clsPages& m_pages;
   const clsHome& m_home;
   std::function<bool(const std::string& path)> m_open;
+  std::array<std::string, 6> m_shownRecent;  // by the numbers of the menu's items, from 1
 };
 
 }  // namespace sandrel

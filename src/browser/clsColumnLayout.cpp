@@ -104,18 +104,23 @@ void clsColumnLayout::SaveColumnPositions() {
   });
 }
 
-// Each column is a statement of its own: one whose stored number is useless doesn't cost the others
-// theirs.
+// One whose stored number is useless doesn't cost the others theirs.
 void clsColumnLayout::GetColumnOrders(clsStatements& run, ListView& list,
                                       const std::string& section) {
+  std::vector<std::pair<int, std::size_t>> order;  // stored place and column
   for (std::size_t i = 0; i < list.Columns().size(); ++i) {
-    const int number = static_cast<int>(i) + 1;
-    // Another analysis may have more columns: a place behind the last one is the last one.
+    int place = static_cast<int>(i) + 1;
     run([&] {
-      const int stored =
-          ToNumber(m_settings.GetSetting(OrderSection(section), fmt::to_string(number)), number);
-      list.SetPosition(i, std::clamp(stored, 1, static_cast<int>(list.Columns().size())));
+      place = ToNumber(m_settings.GetSetting(OrderSection(section), fmt::to_string(place)), place);
     });
+    order.emplace_back(place, i);
+  }
+  // From the first place on: a column that is placed stays then, whatever comes behind it. Another
+  // analysis may have more columns, so that places are missing here, or are beyond the last one.
+  std::stable_sort(order.begin(), order.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    list.SetPosition(order[i].second, static_cast<int>(i) + 1);
   }
 }
 

@@ -74,8 +74,16 @@ void clsPages::FillList() {
     list.BeginUpdate();
     try {
       int number = 0;
+      bool whole = true;
       for (const PageStatement& statement : statements) {
-        valid = valid && RunStatement(statement, ++number, list, run);
+        whole = whole && RunStatement(statement, ++number, list, run, valid);
+      }
+      // A page that wasn't read whole is read again at the next visit.
+      if (whole) {
+        m_unread.erase(current);
+      } else {
+        m_unread.insert(current);
+        list.ClearRows();
       }
       if (valid) run([&] { m_layout.GetSortOrder(); });
     } catch (...) {
@@ -111,34 +119,35 @@ bool clsPages::GetStatements(int index, std::vector<PageStatement>& statements) 
   return true;
 }
 
+// False when the rows can't be read; `valid` is false then for a file that is no analysis.
 bool clsPages::RunStatement(const PageStatement& statement, int number, ListView& list,
-                            clsStatements& run) {
+                            clsStatements& run, bool& valid) {
   Reading reading;
   reading.FirstRow = list.RowCount();
   reading.Number = static_cast<std::uint8_t>(number);
   reading.Icon = ImageIndex(statement.IconKey);
   reading.Source = statement.Source;
   reading.IsStats = statement.Source == page::Stats;
-  bool valid = true;
   std::unique_ptr<dao::Database> database;
-  run([&] { database = m_controls.Deletes.Workspace().OpenDatabase(m_shell.State.AnalysisPath); });
-  run([&] {
-    try {
-      reading.Rows = Need(database).OpenRecordset(statement.Sql, dao::RecordsetType::Dynaset);
-    } catch (const clsError& error) {
-      if (error.Number() != errnum::NoSuchTable) throw;
-      valid = false;
-    }
-  });
-  if (!valid) return false;
+  const bool opened = run(
+      [&] { database = m_controls.Deletes.Workspace().OpenDatabase(m_shell.State.AnalysisPath); });
+  const bool queried =
+      opened && run([&] {
+        try {
+          reading.Rows = Need(database).OpenRecordset(statement.Sql, dao::RecordsetType::Dynaset);
+        } catch (const clsError& error) {
+          if (error.Number() != errnum::NoSuchTable) throw;
+          valid = false;
+        }
+      });
+  if (!queried || !valid) return false;
   if (list.Columns().empty()) {
     run([&] {
       for (const dao::Field& field : Need(reading.Rows).Fields()) list.AddColumn(field.Name, 0);
     });
     m_layout.GetColumnPositions(run);
   }
-  run([&] { CopyRows(reading, list); });
-  return true;
+  return run([&] { CopyRows(reading, list); });
 }
 
 // Rows are many and their cells repeat: a cell like the one above it costs no search.
@@ -310,6 +319,7 @@ void clsPages::UpdateStatCounts() {
   list.BeginUpdate();
   for (std::size_t row = 0; row < std::min(CountRows, list.RowCount()); ++row) {
     const int counted = std::max(0, CountedPage(list.Text(row)));
+    if (m_unread.count(counted) != 0) continue;  // the stored count says more
     list.SetCell(row, 1, std::to_string(m_controls.List(counted).RowCount()));
   }
   list.EndUpdate();

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,7 +57,8 @@ class clsPages {
   struct Reading;  // what one statement's rows go through
 
   bool GetStatements(int index, std::vector<PageStatement>& statements);
-  bool RunStatement(const PageStatement& statement, int number, ListView& list, clsStatements& run);
+  bool RunStatement(const PageStatement& statement, int number, ListView& list, clsStatements& run,
+                    bool& valid);
   void CopyRows(Reading& reading, ListView& list);
   void TellInvalidDatabase();
   void ShowOnly(int index);
@@ -65,6 +67,7 @@ class clsPages {
   clsShell& m_shell;
   clsMainControls& m_controls;
   clsColumnLayout& m_layout;
+  std::set<int> m_unread;  // pages that could not be read whole
 };
 
 }  // namespace sandrel

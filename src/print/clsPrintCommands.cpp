@@ -61,7 +61,9 @@ void clsPrintCommands::mnuFilePrintSetup_Click() {
 void clsPrintCommands::mnuSettingsPrintFont_Click() {
   clsPrintGrid grid(m_settings);
   PrintFont font = grid.Font;
-  if (ChooseFont(font)) grid.Font = font;
+  if (!ChooseFont(font)) return;
+  grid.Font = font;
+  grid.SaveFont();  // what the user has chosen isn't lost without a word
 }
 
 }  // namespace sandrel

@@ -85,6 +85,10 @@ clsPrintGrid::clsPrintGrid(clsSettings& settings) : Font(ReadFont(settings)), m_
   SetNumColumns(1);
 }
 
+void clsPrintGrid::SaveFont() {
+  WriteFont(m_settings, Font);
+}
+
 clsPrintGrid::~clsPrintGrid() {
   try {
     WriteFont(m_settings, Font);

@@ -60,6 +60,8 @@ class clsPrintGrid {
   int HorizPointsSpace = 3;  ///< points left and right of each cell's text
   int MaxFieldLength = 255;  ///< UTF-16 units; `PrintGrid` shortens longer cells for good
   PrintFont Font;
+  /// Saves the font now. Raises what the settings' store raises.
+  void SaveFont();
 
   /// Pages counted by the last `PrintGrid`.
   int NumPages() const { return m_numPages; }

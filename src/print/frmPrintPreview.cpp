@@ -147,6 +147,7 @@ void frmPrintPreview::LoadZoom() {
   if (percent > MostZoom) zoom = fmt::format("{}%", MostZoom);
   if (percent < LeastZoom) zoom = fmt::format("{}%", LeastZoom);
   cbxZoomList->setEditText(QString::fromStdString(zoom));
+  m_drawnZoom = zoom;
 }
 
 double frmPrintPreview::Zoom() const {
@@ -159,10 +160,11 @@ void frmPrintPreview::cbxZoomList_Click() {
   const double percent = std::clamp<double>(text::Val(zoom), LeastZoom, MostZoom);
   zoom = fmt::format("{}%", static_cast<int>(percent));
   cbxZoomList->setEditText(QString::fromStdString(zoom));
-  if (zoom == m_settings.GetSetting(ZoomSection, "ZoomPercent", "50%")) return;
-  Keep(m_shell, m_settings, "The preview's zoom",
-       [&] { m_settings.SaveSetting(ZoomSection, "ZoomPercent", zoom); });
-  Timer->start();
+  if (zoom != m_settings.GetSetting(ZoomSection, "ZoomPercent", "50%")) {
+    Keep(m_shell, m_settings, "The preview's zoom",
+         [&] { m_settings.SaveSetting(ZoomSection, "ZoomPercent", zoom); });
+  }
+  if (std::exchange(m_drawnZoom, zoom) != zoom) Timer->start();
 }
 
 // To the next zoom of the list; by is 1 for larger, -1 for smaller.

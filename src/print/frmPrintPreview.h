@@ -85,6 +85,7 @@ class frmPrintPreview final : public QDialog {
   QScrollBar* HScroll;
   QScrollBar* VScroll;
   QTimer* Timer;
+  std::string m_drawnZoom;  // "50%"; is saved where that can be done
 };
 
 }  // namespace sandrel

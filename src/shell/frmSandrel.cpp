@@ -237,7 +237,9 @@ void frmSandrel::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
       qt::Later(this, [this] {
-        if (!State.Busy && !m_unloaded) m_browser.AskIfReplacedOnce();
+        if (State.Busy || m_unloaded) return;
+        m_browser.AskIfReplacedOnce();
+        TakeTray();
       });
     }
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) Form_Resize();

@@ -137,6 +137,7 @@ class frmSandrel final : public QMainWindow, public clsShell {
   void mnuSettingsSystray_Click();
   void SysTray_MouseDown(int button);
   void Timer_Tick();
+  void TakeTray();
   void RestoreForm();
   void mnuSysTrayPopupExit_Click();
   // frmSandrelMachine.cpp

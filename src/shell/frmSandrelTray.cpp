@@ -25,6 +25,15 @@ void frmSandrel::SetTrayEvents() {
   m_controls.Menus["mnuSysTrayPopupExit"].Click = [this] { mnuSysTrayPopupExit_Click(); };
 }
 
+// A panel may bring its tray after the program has started.
+void frmSandrel::TakeTray() {
+  const bool before = m_controls.SysTray.Available;
+  m_controls.SysTray.Look();
+  MenuItem& item = m_controls.Menus["mnuSettingsSystray"];
+  item.SetEnabled(m_controls.SysTray.Available);
+  if (!before && m_controls.SysTray.Available) m_controls.SysTray.SetInTray(item.Checked());
+}
+
 void frmSandrel::mnuSettingsSystray_Click() {
   MenuItem& item = m_controls.Menus["mnuSettingsSystray"];
   const bool inTray = !item.Checked();

@@ -225,7 +225,7 @@ bool clsSnapshots::Confirm(const clsSnapshotRecord& record) {
     asked += difference;
   }
   if (asked == m_confirmed) return true;
-  if (!SameMachine(record) || !SameDefinition(record)) return false;
+  if (!SameMachine(record) || !SameDefinition()) return false;
   m_confirmed = std::move(asked);
   return true;
 }
@@ -240,7 +240,7 @@ bool clsSnapshots::ConfirmBefore() {
 
 // Both snapshots of a pair scan the same: what only one of them looked at would count as new or
 // deleted.
-bool clsSnapshots::SameDefinition(const clsSnapshotRecord& record) {
+bool clsSnapshots::SameDefinition() {
   const clsScanDefinition now = clsScanDefinition::Of(m_settings);
   const std::vector<std::string> differences = m_definition.Differences(now);
   if (differences.empty()) return true;

@@ -99,7 +99,7 @@ class clsSnapshots {
   void NeedDefinition(const clsSnapshotRecord& record) const;
   bool Confirm(const clsSnapshotRecord& record);
   bool SameMachine(const clsSnapshotRecord& record);
-  bool SameDefinition(const clsSnapshotRecord& record);
+  bool SameDefinition();
   SnapshotResult Before(clsStatements& run, Lock& lock);
   bool After(clsStatements& run, Lock& lock);
   void CheckNeeds();
