@@ -26,7 +26,7 @@ from machine import Machine, ansi_text, fold, units  # noqa: E402
 HIVES = {"HKEY_CLASSES_ROOT": HKCR, "HKEY_CURRENT_CONFIG": HKCC, "HKEY_CURRENT_USER": HKCU,
          "HKEY_LOCAL_MACHINE": HKLM, "HKEY_USERS": HKU}
 TYPE_NAMES = ["NONE", "STRING", "EXPAND_STRING", "BINARY", "DWORD", "BIG_ENDIAN", "LINK", "MULTI_STRING",
-              "RESOURCE_LIST", "FULL_RESOURCE_DESCRIPTOR", "RESOURCE_REQUIREMENTS_LIST"]
+              "RESOURCE_LIST", "FULL_RESOURCE_DESCRIPTOR", "RESOURCE_REQUIREMENTS_LIST", "QWORD"]
 OWN_SETTINGS = r"Software\VB and VBA Program Settings\Sandrel"
 
 FILE_COLUMNS = ("Version", "Size", "Attributes", "Date")
@@ -169,12 +169,12 @@ class Snapshot:
 
     def _scan_hive(self, registry, hive):
         for branch, node in registry.walk(hive):
-            if units(branch) > 255:
+            if units(branch) > 32767:
                 continue
             branch = stored(branch)
             self.shared.keys.setdefault((hive, nocase(branch)), branch)
             for name, kind, data in node.values:
-                if units(name) <= 255:
+                if units(name) <= 16383:
                     key = (hive, nocase(branch), nocase(stored(name)))
                     self.values.setdefault(key, (stored(name), value_text(kind, data), signed(kind)))
 
@@ -243,6 +243,13 @@ def exclude_files(entries, shared, snapshots):
         if not last:
             for path in doomed:
                 del shared.paths[path]
+
+
+def exclude_entries(snapshots):
+    """The entries of INI files that no snapshot has any more go with their files."""
+    for snapshot in snapshots:
+        for key in [k for k in snapshot.entries if not any(k[:2] in s.files for s in snapshots)]:
+            del snapshot.entries[key]
 
 
 def exclude_keys(machine, shared, snapshots):
@@ -387,7 +394,8 @@ def expected_statistics(machine, options, rows):
         stats += [(" " * 8 + folder.rstrip("\\"), "") for folder in options.scan_folder]
         stats += [("    Version Info Included", yes(options.version_info)),
                   ("    Size Info Included", yes(not options.no_size)),
-                  ("    Attribute Info Included", yes(not options.no_attributes))]
+                  ("    Attribute Info Included", yes(not options.no_attributes)),
+                  ("    Hidden Folders Included", "Yes")]
     stats += [(" ", ""), ("Registry Scan Settings", ""), ("    Hives Scanned", "" if registry else "None")]
     if registry:
         stats += [(" " * 8 + name, yes(name in options.hives)) for name in HIVES]
@@ -397,7 +405,18 @@ def expected_statistics(machine, options, rows):
         entries = options.exclude or default_exclusions(machine, options.home)
         stats += [(" " * 8 + entry, "Folder Tree" if entry.endswith("\\") else "File(s)")
                   for entry in entries]
+    # What is left out is listed in between.
+    stats += [(" ", ""), ("Left Out Of The Snapshots", ""), ("    Differences Not Compared", "0")]
     return stats
+
+
+def type_names(rows):
+    """The types that have a name, and those that the differences have."""
+    types = {number for table in rows for row in rows[table] if "Registry" in table
+             for number in (row[5:7] if "Changed" in table else row[4:5])}
+    named = dict(enumerate(TYPE_NAMES))
+    return sorted((number, named.get(number) or f"TYPE 0x{number & 0xFFFFFFFF:08X}")
+                  for number in types | set(named))
 
 
 def check_analysis(report, database, rows, statistics):
@@ -409,10 +428,13 @@ def check_analysis(report, database, rows, statistics):
                         database.execute(f'SELECT * FROM "{table}"').fetchall())
     report.equal("tblHives", sorted((number, name) for name, number in HIVES.items()),
                  sorted(database.execute("SELECT Hive, Name FROM tblHives").fetchall()))
-    report.equal("tblValueTypes", list(enumerate(TYPE_NAMES)),
+    report.equal("tblValueTypes", type_names(rows),
                  sorted(database.execute("SELECT ValueType, Name FROM tblValueTypes").fetchall()))
     found = [(d.rstrip("\\") if d.startswith(" " * 8) and v == "" else d, v)
              for d, v in database.execute("SELECT Description, Value FROM tblStats ORDER BY id")]
+    heads = [i for i, row in enumerate(found) if row[0] == "Left Out Of The Snapshots"]
+    if heads:
+        found = found[:heads[0] + 1] + found[-1:]
     for i in range(max(len(statistics), len(found))):
         pair = [rows[i] if i < len(rows) else None for rows in (statistics, found)]
         report.equal(f"tblStats row {i + 1}", *pair)
@@ -492,6 +514,7 @@ def main():
     if not options.no_exclude:
         exclude_files(options.exclude or default_exclusions(scanned, options.home), shared,
                       (before, after))
+        exclude_entries((before, after))
     rows = compare(before, after, shared)
 
     report = Report()

@@ -207,7 +207,7 @@ class Machine:
             name = windows_name(entry)
             if re.search('[\\\\:*?"<>|\x00-\x1f]', name) or fold(name) in seen:
                 continue
-            if units(folder + name) > 255:
+            if units(folder + name) > 32767:
                 continue
             seen.add(fold(name))
             path = os.path.join(host, entry)
@@ -217,7 +217,7 @@ class Machine:
                 continue  # a link that leads nowhere
             bits = self.attributes(path, status)
             if stat.S_ISDIR(status.st_mode):
-                if not os.path.islink(path) and not bits & (HIDDEN | SYSTEM):
+                if not os.path.islink(path):
                     folders.append(folder + name)
             elif stat.S_ISREG(status.st_mode):
                 date = time.strftime("%Y-%m-%d %H:%M:%S", time.gmtime(int(status.st_mtime // 1)))
