@@ -253,6 +253,7 @@ std::vector<std::string> clsPathMap::WindowsPaths(const std::string& hostPath) {
   std::stable_sort(found.begin(), found.end(),
                    [](const auto& a, const auto& b) { return a.first > b.first; });
   std::vector<std::string> paths;
+  paths.reserve(found.size());
   for (auto& [length, path] : found) paths.push_back(std::move(path));
   return paths;
 }
