@@ -249,7 +249,9 @@ TEST_F(frmEditingTest, EveryRowCanBeDeletedWhateverItHolds) {
       m_boxes.Buttons = {"Yes"};
       ASSERT_TRUE(Choose("mnuEditDelete"));
       EXPECT_EQ(Shown().RowCount(), 0U) << node;
-      if (round == 0) ASSERT_TRUE(Choose("mnuEditUndo"));
+      if (round == 0) {
+        ASSERT_TRUE(Choose("mnuEditUndo"));
+      }
     }
   }
   Stop();
