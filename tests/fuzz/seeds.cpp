@@ -88,7 +88,7 @@ void All() {
   Seed("version", "wide.exe", SampleProgram(0x00010002, 0x00030004, true));
   Seed("ini", "ansi.ini",
        "; comment\r\n[fonts]\r\n Arial = x \r\n[Mail]\r\nMAPI=\x80\r\n[FONTS]\nB\n");
-  Seed("ini", "utf16.ini", std::string_view("\xFF\xFE[\0a\0]\0\r\0\n\0b\0=\0c\0", 20));
+  Seed("ini", "utf16.ini", std::string_view("\xFF\xFE[\0a\0]\0\r\0\n\0b\0=\0c\0", 18));
   Seed("dialect", "select",
        "SELECT f.*, h.[Name] AS N FROM (tblNewFiles AS f INNER JOIN tblHives h ON f.Id = h.Id) "
        "RIGHT "
